@@ -1,0 +1,71 @@
+// A growing run of characters, made for building many lines fast: appending never allocates once
+// the buffer has grown to the size of its longest content.
+#pragma once
+
+#include <cstdarg>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <string_view>
+
+namespace kestrail {
+
+class TextWriter {
+public:
+    TextWriter() = default;
+    ~TextWriter() { std::free(m_data); }
+    TextWriter(const TextWriter&) = delete;
+    TextWriter& operator=(const TextWriter&) = delete;
+
+    const char* Data() const { return m_data; }
+    std::size_t Size() const { return m_size; }
+    std::string_view View() const { return {m_data, m_size}; }
+
+    void Clear() { m_size = 0; }
+    /// Cuts the content to `size` bytes; a larger size leaves it as it is.
+    void Truncate(std::size_t size) {
+        if (size < m_size) m_size = size;
+    }
+
+    void Append(char c) {
+        if (m_size == m_capacity) Grow(1);
+        m_data[m_size++] = c;
+    }
+    void Append(std::string_view text) {
+        if (m_capacity - m_size < text.size()) Grow(text.size());
+        // An empty view may hold a null pointer, which memcpy must not see.
+        if (!text.empty()) std::memcpy(m_data + m_size, text.data(), text.size());
+        m_size += text.size();
+    }
+    /// "%llu".
+    void AppendUnsigned(std::uint64_t value);
+    /// "%lld".
+    void AppendSigned(std::int64_t value);
+    /// Lower-case hexadecimal digits without prefix, "%llx".
+    void AppendHex(std::uint64_t value);
+    /// Upper-case hexadecimal digits without prefix, "%llX".
+    void AppendUpperHex(std::uint64_t value);
+    /// "%f": six decimals, the same text as printf gives for the value.
+    void AppendFixed(float value);
+    /// Appends what printf would print for `format`.
+    void AppendFormat(const char* format, ...) __attribute__((format(printf, 2, 3)));
+    void AppendFormatV(const char* format, std::va_list arguments)
+        __attribute__((format(printf, 2, 0)));
+
+    /// Room for `count` more bytes, for a caller that writes them itself and then calls `Commit`.
+    char* Reserve(std::size_t count) {
+        if (m_capacity - m_size < count) Grow(count);
+        return m_data + m_size;
+    }
+    void Commit(std::size_t count) { m_size += count; }
+
+private:
+    void Grow(std::size_t count);
+
+    char* m_data = nullptr;
+    std::size_t m_size = 0;
+    std::size_t m_capacity = 0;
+};
+
+}  // namespace kestrail

@@ -1,0 +1,62 @@
+# What the tables of calls are turned into: classes, factories, host entry tables, executor cases and
+# enumerant names, all in the build folder.
+find_package(Python3 REQUIRED COMPONENTS Interpreter)
+
+set(callgen ${PROJECT_SOURCE_DIR}/tools/callgen)
+set(generated ${PROJECT_BINARY_DIR}/generated)
+file(MAKE_DIRECTORY ${generated}/calls ${generated}/exec ${generated}/host)
+
+# Parts of about the same size, so that they compile side by side.
+set(parts_egl 1)
+set(parts_es1 3)
+set(parts_es2 3)
+set(parts_es3 3)
+set(parts_ext 2)
+foreach(family egl es1 es2 es3 ext)
+  set(table ${PROJECT_SOURCE_DIR}/calls/${family}/${family}.calls)
+  set(sources ${generated}/calls/${family}_factory.cpp)
+  foreach(part RANGE 1 ${parts_${family}})
+    list(APPEND sources ${generated}/calls/${family}_calls_${part}.cpp)
+  endforeach()
+  add_custom_command(
+    OUTPUT ${generated}/calls/${family}_calls.h ${sources}
+    COMMAND Python3::Interpreter -B ${callgen}/classes.py ${table} ${generated}/calls
+            ${parts_${family}}
+    DEPENDS ${callgen}/classes.py ${callgen}/table.py ${table}
+    VERBATIM)
+  list(APPEND KESTRAIL_CALL_SOURCES ${sources})
+endforeach()
+
+add_custom_command(
+  OUTPUT ${generated}/calls/gl_enum_names.cpp
+  COMMAND Python3::Interpreter -B ${callgen}/enum_names.py
+          ${PROJECT_SOURCE_DIR}/calls/text/gl_enumerants.txt ${generated}/calls/gl_enum_names.cpp
+  DEPENDS ${callgen}/enum_names.py ${PROJECT_SOURCE_DIR}/calls/text/gl_enumerants.txt
+  VERBATIM)
+list(APPEND KESTRAIL_CALL_SOURCES ${generated}/calls/gl_enum_names.cpp)
+
+foreach(family egl es1 es2 es3 ext)
+  set(table ${PROJECT_SOURCE_DIR}/calls/${family}/${family}.calls)
+  set(source ${generated}/exec/${family}_cases.cpp)
+  add_custom_command(
+    OUTPUT ${source}
+    COMMAND Python3::Interpreter -B ${callgen}/executor.py ${table} ${source}
+    DEPENDS ${callgen}/executor.py ${callgen}/table.py ${table}
+    VERBATIM)
+  list(APPEND KESTRAIL_EXECUTOR_SOURCES ${source})
+endforeach()
+
+set(host_headers)
+foreach(table egl es1 es2 es3)
+  list(APPEND host_headers ${generated}/host/${table}_entries.h)
+endforeach()
+add_custom_command(
+  OUTPUT ${host_headers}
+  COMMAND Python3::Interpreter -B ${callgen}/host_tables.py ${PROJECT_SOURCE_DIR}/calls
+          ${generated}/host
+  DEPENDS ${callgen}/host_tables.py ${callgen}/table.py
+          ${PROJECT_SOURCE_DIR}/calls/egl/egl.calls ${PROJECT_SOURCE_DIR}/calls/es1/es1.calls
+          ${PROJECT_SOURCE_DIR}/calls/es2/es2.calls ${PROJECT_SOURCE_DIR}/calls/es3/es3.calls
+  VERBATIM)
+# Everything that includes a generated header waits for it.
+add_custom_target(kestrail_host_tables DEPENDS ${host_headers})

@@ -1,0 +1,22 @@
+# The program opens its host libraries by the names of its home platform. Where the system installs
+# them under others, a folder of links stands in, which the executable finds by its RUNPATH.
+# LD_LIBRARY_PATH is searched before a RUNPATH, so other libraries can still be put in their place.
+function(kestrail_use_host_links target)
+  set(folder ${CMAKE_BINARY_DIR}/hostlibs)
+  file(MAKE_DIRECTORY ${folder})
+  foreach(pair "libEGL.so libEGL.so.1" "libGLES_CM.so libGLESv1_CM.so.1"
+               "libGLESv2.so libGLESv2.so.2")
+    separate_arguments(pair)
+    list(GET pair 0 name)
+    list(GET pair 1 system_name)
+    find_file(KESTRAIL_SYSTEM_${name} ${system_name} PATHS /usr/lib /usr/lib64 /lib
+              PATH_SUFFIXES ${CMAKE_LIBRARY_ARCHITECTURE} REQUIRED)
+    mark_as_advanced(KESTRAIL_SYSTEM_${name})
+    file(CREATE_LINK ${KESTRAIL_SYSTEM_${name}} ${folder}/${name} SYMBOLIC)
+    install(FILES ${folder}/${name} DESTINATION lib/kestrail)
+  endforeach()
+  target_link_options(${target} PRIVATE -Wl,--enable-new-dtags)
+  set_target_properties(${target} PROPERTIES BUILD_RPATH "$ORIGIN/hostlibs" INSTALL_RPATH
+                                             "$ORIGIN/../lib/kestrail")
+  install(TARGETS ${target} DESTINATION bin)
+endfunction()

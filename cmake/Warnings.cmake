@@ -1,0 +1,14 @@
+# What every target of ours is compiled with.
+add_library(kestrail_options INTERFACE)
+target_compile_features(kestrail_options INTERFACE cxx_std_20)
+target_compile_options(
+  kestrail_options
+  INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wnon-virtual-dtor -Wold-style-cast
+            -Werror)
+target_include_directories(kestrail_options INTERFACE ${PROJECT_SOURCE_DIR} ${PROJECT_BINARY_DIR})
+if(KESTRAIL_SANITIZE)
+  target_compile_options(kestrail_options INTERFACE -fsanitize=address,undefined
+                                                    -fno-sanitize-recover=undefined
+                                                    -fno-omit-frame-pointer)
+  target_link_options(kestrail_options INTERFACE -fsanitize=address,undefined)
+endif()

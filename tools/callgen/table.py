@@ -1,0 +1,127 @@
+"""Reads the tables of calls, calls/<family>/<family>.calls.
+
+A row is a head line and one indented line for each parameter:
+
+    identifier entry-point vRECORD FIRST-LAST "category" play [returns CLASS] [on APIS]
+        name class [keywords]
+
+RECORD is the file version that brought this layout of the record; FIRST and LAST are the file
+versions that select the row (no LAST: every later one). APIS, for extension calls, are the APIs whose
+tables have the entry.
+
+How a call is played:
+    plain    the host entry is called with the parameters, translated where they say so
+    bind     plain; a name that was never generated is generated first
+    gen      the host generates names, which are stored under the recorded ones
+    genonce  the same, left out when the first recorded name is known already
+    delete   live names are collected, their translations erased, one host call
+    skip     never reaches the host, not even for its error
+    check    never reaches the host, but its error is read
+    test     the host entry is looked for, but not called
+    fail     counts as failed
+    hand     a function of the executor's room, Play<Entry-point>
+    none     no executor has it
+
+Keywords of a parameter:
+    hidden      stands behind the visible ones, for the player alone
+    noparam     on the stream, but in no parameter list
+    notread     in the parameter list, but not on the stream
+    arrays      filled from the rest of the record: captured client arrays and their indices
+    copies=P    takes the value of parameter P after the read
+    joins=P     the strings of parameter P, joined
+    =TABLE      translated by a table of names; uniform, attribute: by the current program's
+                locations; program, shader: the live name of the record
+    needs=E     how many bytes (data) or items (arrays) the host reads: a number, a parameter, a
+                product of both, or pname, buffer: what that enumerant says. A call whose record
+                holds fewer fails
+    image       the bytes follow from width, height, depth, format, type and the unpack state
+    unpack      an offset while a pixel unpack buffer is bound; so is every image
+    null        a null pointer is a value that the entry point knows
+"""
+
+import re
+from dataclasses import dataclass, field
+
+
+@dataclass
+class Parameter:
+    name: str
+    cls: str
+    hidden: bool = False
+    noparam: bool = False
+    notread: bool = False
+    arrays: bool = False
+    image: bool = False
+    unpack: bool = False
+    null: bool = False
+    copies: str = ""
+    joins: str = ""
+    table: str = ""
+    needs: str = ""
+
+
+@dataclass
+class Row:
+    family: str
+    id: int
+    entry: str
+    version: int
+    first: int
+    last: int  # 0: no upper bound
+    category: str
+    play: str
+    returns: str = ""
+    apis: tuple = ()
+    parameters: list = field(default_factory=list)
+
+    @property
+    def class_name(self):
+        return f"C{self.family.capitalize()}_{self.entry}_v{self.version}"
+
+    @property
+    def listed(self):
+        """The parameters of the call's parameter list, in its order."""
+        return [p for p in self.parameters if not p.noparam]
+
+
+PLAYS = {"plain", "bind", "gen", "genonce", "delete", "skip", "check", "test", "fail", "hand", "none"}
+HEAD = re.compile(
+    r'^(\d+) (\w+) v(\d+) (\d+)-(\d*) "([^"]*)" (\w+)(?: returns (\S+))?(?: on (\S+))?$')
+
+
+def parse_parameter(line, where):
+    name, cls, *keywords = line.split()
+    parameter = Parameter(name, cls)
+    for word in keywords:
+        key, equals, value = word.partition("=")
+        if not key:
+            parameter.table = value
+        elif equals and key in ("copies", "joins", "needs"):
+            setattr(parameter, key, value)
+        elif not equals and isinstance(getattr(parameter, key, None), bool):
+            setattr(parameter, key, True)
+        else:
+            raise SystemExit(f"{where}: unknown keyword '{word}'")
+    return parameter
+
+
+def load(path):
+    """The rows of one table, in file order."""
+    family = path.replace("\\", "/").rsplit("/", 1)[-1].split(".")[0]
+    rows = []
+    with open(path, encoding="ascii") as table:
+        for number, line in enumerate(table, 1):
+            where = f"{path}:{number}"
+            if not line.strip() or line.startswith("#"):
+                continue
+            if line[0] == " ":
+                rows[-1].parameters.append(parse_parameter(line, where))
+                continue
+            match = HEAD.match(line.rstrip())
+            if not match or match.group(7) not in PLAYS:
+                raise SystemExit(f"{where}: not a row: {line.rstrip()}")
+            rows.append(Row(family, int(match.group(1)), match.group(2), int(match.group(3)),
+                            int(match.group(4)), int(match.group(5) or 0), match.group(6),
+                            match.group(7), match.group(8) or "",
+                            tuple((match.group(9) or "").split(",")) if match.group(9) else ()))
+    return rows
