@@ -1,0 +1,62 @@
+#include "tracefile/bytes/io_manager.h"
+
+namespace kestrail {
+namespace {
+
+/// What a failure below means for the stream: with the codes 3 and 1 it goes on, otherwise the
+/// operation has simply failed.
+void PassOn(const MemoryManagerException& failure) {
+    if (failure.code == 3 || failure.code == 1) throw IOManagerException(failure.code);
+}
+
+}  // namespace
+
+IOManagerException::IOManagerException(std::uint32_t /*reason*/) : code(0) {}
+
+IOManager::IOManager() : m_memory(&MemoryManager::Instance()) {}
+
+IOManager::~IOManager() {
+    if (m_writeFile != nullptr) std::fclose(m_writeFile);
+}
+
+bool IOManager::Open(const CKSTLString& name, bool read) {
+    m_readMode = read;
+    if (!read) {
+        if (m_writeFile != nullptr) std::fclose(m_writeFile);
+        m_writeFile = std::fopen(name.c_str(), "wb");
+        return m_writeFile != nullptr;
+    }
+    try {
+        return m_memory->Open(name);
+    } catch (const MemoryManagerException& failure) {
+        PassOn(failure);
+        return false;
+    }
+}
+
+bool IOManager::ReadWithRefill(void* buffer, std::uint32_t size) {
+    try {
+        return m_memory->Read(buffer, size);
+    } catch (const MemoryManagerException& failure) {
+        PassOn(failure);
+        return false;
+    }
+}
+
+bool IOManager::Write(const void* buffer, std::uint32_t size) {
+    if (m_writeFile == nullptr) return false;
+    return std::fwrite(buffer, size, 1, m_writeFile) == size;
+}
+
+std::uint32_t IOManager::Tell() const {
+    if (m_readMode) return static_cast<std::uint32_t>(m_memory->Position());
+    return m_writeFile != nullptr ? static_cast<std::uint32_t>(std::ftell(m_writeFile)) : 0;
+}
+
+void IOManager::Close() {
+    if (m_readMode) return m_memory->Close();
+    if (m_writeFile != nullptr) std::fclose(m_writeFile);
+    m_writeFile = nullptr;
+}
+
+}  // namespace kestrail

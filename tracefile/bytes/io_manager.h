@@ -1,0 +1,50 @@
+// The byte stream of a trace file.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+
+#include "base/kstl_string.h"
+#include "tracefile/bytes/memory_manager.h"
+
+namespace kestrail {
+
+class IOManagerException {
+public:
+    explicit IOManagerException(std::uint32_t reason);
+    std::uint32_t code;
+};
+
+class IOManager {
+public:
+    IOManager();
+    ~IOManager();
+    IOManager(const IOManager&) = delete;
+    IOManager& operator=(const IOManager&) = delete;
+
+    /// Opens `name` for reading or writing; false if that fails or there is nothing to read.
+    bool Open(const CKSTLString& name, bool read);
+    /// The next `size` bytes; false if they could not be had. `swapHint` is not used.
+    bool Read(void* buffer, std::uint32_t size, bool /*swapHint*/) {
+        return m_memory->ReadInBlock(buffer, size) || ReadWithRefill(buffer, size);
+    }
+    /// True only for a one-byte write: the count of items is compared with the size.
+    bool Write(const void* buffer, std::uint32_t size);
+    std::int32_t Seek(std::int32_t offset, std::int32_t whence) {
+        return m_memory->Seek(offset, whence);
+    }
+    std::uint32_t GetSize() const { return static_cast<std::uint32_t>(m_memory->FileSize()); }
+    std::uint32_t Tell() const;
+    void Close();
+
+private:
+    bool ReadWithRefill(void* buffer, std::uint32_t size);
+
+    std::FILE* m_writeFile = nullptr;
+    std::uint32_t m_writeSize = 0;
+    CKSTLString m_name;
+    MemoryManager* m_memory;
+    bool m_readMode = true;
+};
+
+}  // namespace kestrail

@@ -1,0 +1,93 @@
+#include "tracefile/bytes/memory_manager.h"
+
+#include <limits>
+#include <new>
+
+namespace kestrail {
+
+MemoryManagerException::MemoryManagerException(std::uint32_t /*reason*/) : code(0) {}
+
+MemoryManager& MemoryManager::Instance() {
+    static MemoryManager instance;
+    return instance;
+}
+
+MemoryManager::~MemoryManager() {
+    if (m_file != nullptr) std::fclose(m_file);
+}
+
+bool MemoryManager::Open(const CKSTLString& name) {
+    if (m_file != nullptr) std::fclose(m_file);
+    m_file = std::fopen(name.c_str(), "rb");
+    if (m_file == nullptr) return false;
+    // Reads are of whole blocks, straight into the block.
+    std::setvbuf(m_file, nullptr, _IONBF, 0);
+    m_fileName = name;
+    std::fseek(m_file, 0, SEEK_SET);
+    std::fseek(m_file, 0, SEEK_END);
+    const long size = std::ftell(m_file);
+    // Offsets are 32-bit and signed, a block behind the file's end included.
+    const long largest = std::numeric_limits<std::int32_t>::max() - static_cast<long>(m_capacity);
+    if (size < 0 || size > largest) return false;
+    m_fileSize = static_cast<std::int32_t>(size);
+    if (!m_block) Allocate(m_capacity);
+    return Fill(0);
+}
+
+void MemoryManager::Allocate(std::uint32_t capacity) {
+    m_capacity = capacity;
+    m_block.reset(static_cast<std::uint8_t*>(std::calloc(capacity, 1)));
+    if (!m_block) throw std::bad_alloc();
+    m_blockStart = -1;
+    m_position = -1;
+    m_blockPos = -1;
+}
+
+bool MemoryManager::Fill(std::int32_t offset) {
+    std::int64_t length = m_capacity;
+    if (length + offset > m_fileSize) length = std::int64_t{m_fileSize} - offset;
+    // What follows a fill that fails must find a place inside the block.
+    m_blockStart = offset;
+    m_blockPos = 0;
+    m_position = offset;
+    m_loaded = 0;
+    if (length <= 0 || m_file == nullptr) throw MemoryManagerException(3);
+    m_loaded = static_cast<std::uint32_t>(length);
+    std::fseek(m_file, offset, SEEK_SET);
+    if (std::fread(m_block.get(), m_loaded, 1, m_file) != 1) throw MemoryManagerException(3);
+    return true;
+}
+
+bool MemoryManager::Read(void* destination, std::uint32_t size) {
+    if (!m_block) return false;
+    if (m_capacity < size) throw MemoryManagerException(1);
+    if (ReadInBlock(destination, size)) return true;
+    Fill(m_position);
+    return ReadInBlock(destination, size);
+}
+
+std::int32_t MemoryManager::Seek(std::int32_t offset, std::int32_t whence) {
+    if (offset >= m_fileSize || offset < 0 || m_blockPos == -1) throw MemoryManagerException(1);
+    std::int64_t target = offset;
+    if (whence == SEEK_CUR) target += m_position;
+    if (whence == SEEK_END) target = std::int64_t{m_fileSize} - offset;
+    const std::int64_t inBlock = target - m_blockStart;
+    if (inBlock >= 0 && inBlock <= m_capacity && m_blockStart != -1) {
+        m_blockPos = static_cast<std::int32_t>(inBlock);
+        m_position = static_cast<std::int32_t>(target);
+        return m_position;
+    }
+    if (target > std::numeric_limits<std::int32_t>::max()) throw MemoryManagerException(1);
+    if (!Fill(static_cast<std::int32_t>(target))) throw MemoryManagerException(1);
+    return m_position;
+}
+
+void MemoryManager::Close() {
+    if (m_file != nullptr) std::fclose(m_file);
+    m_file = nullptr;
+    m_block.reset();
+    m_blockPos = 0;
+    m_blockStart = 0;
+}
+
+}  // namespace kestrail

@@ -1,0 +1,71 @@
+// One fixed block of the input file in memory. Every byte of a trace is read through it, in both
+// load modes, so that file data never takes more than the block.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+
+#include "base/kstl_string.h"
+
+namespace kestrail {
+
+/// A seek out of range, a read larger than the block, a refill that brought nothing. Carries no
+/// usable code: the streams above report it as a plain failure.
+class MemoryManagerException {
+public:
+    explicit MemoryManagerException(std::uint32_t reason);
+    std::uint32_t code;
+};
+
+class MemoryManager {
+public:
+    static MemoryManager& Instance();
+
+    /// Opens `name` and fills the block from its start. False if it cannot be opened. Throws when
+    /// there is nothing to read in it.
+    bool Open(const CKSTLString& name);
+    /// Copies the next `size` bytes. False if nothing was opened. A read past the end of the file
+    /// gives what the block holds there; a read larger than the block throws.
+    bool Read(void* destination, std::uint32_t size);
+    /// The part of `Read` that needs no refill: false, and nothing done, when the bytes do not
+    /// stand in the block.
+    bool ReadInBlock(void* destination, std::uint32_t size) {
+        if (!m_block || size > m_capacity - static_cast<std::uint32_t>(m_blockPos)) return false;
+        std::memcpy(destination, m_block.get() + m_blockPos, size);
+        m_blockPos += static_cast<std::int32_t>(size);
+        m_position += static_cast<std::int32_t>(size);
+        return true;
+    }
+    /// `whence` as in fseek. Returns the new absolute position; throws when `offset` is outside the
+    /// file.
+    std::int32_t Seek(std::int32_t offset, std::int32_t whence);
+    bool Fill(std::int32_t offset);
+    void Allocate(std::uint32_t capacity);
+    void Close();
+
+    std::int32_t Position() const { return m_position; }
+    std::int32_t FileSize() const { return m_fileSize; }
+
+private:
+    MemoryManager() = default;
+    ~MemoryManager();
+
+    struct Free {
+        void operator()(std::uint8_t* block) const { std::free(block); }
+    };
+    // Zeroed pages that the system hands out as they are touched: a small file takes little.
+    std::unique_ptr<std::uint8_t, Free> m_block;
+    std::int32_t m_blockStart = 0;
+    std::uint32_t m_capacity = 0x1400000;
+    std::uint32_t m_loaded = 0;
+    std::int32_t m_position = 0;
+    std::int32_t m_blockPos = 0;
+    std::FILE* m_file = nullptr;
+    std::int32_t m_fileSize = 0;
+    CKSTLString m_fileName;
+};
+
+}  // namespace kestrail

@@ -1,0 +1,51 @@
+// What call constructors read from: the stream, the file's version and its table of type widths.
+#pragma once
+
+#include <cstdint>
+
+#include "tracefile/bytes/io_manager.h"
+
+namespace kestrail {
+
+class CTrace {
+public:
+    /// `typeSizes` holds one signed width for each type tag and one spare entry behind them, which
+    /// the tag equal to `typeCount` reads. Neither pointer is owned.
+    CTrace(IOManager* stream, std::uint32_t version, bool recordData, const std::int8_t* typeSizes,
+           std::int8_t typeCount)
+        : m_version(version),
+          m_stream(stream),
+          m_recordData(recordData),
+          m_typeSizes(typeSizes),
+          m_typeCount(typeCount) {}
+    virtual ~CTrace() = default;
+
+    /// The width in bytes of a type tag; negative for a signed type, 0 for the reader's own width.
+    /// Throws the text "Undefined Es Type in record library" for a tag beyond the table.
+    std::int32_t GetEsTypeSize(std::uint16_t tag) const {
+        if (static_cast<std::int32_t>(tag) > m_typeCount) [[unlikely]]
+            ThrowUndefinedType();
+        return m_typeSizes[tag];
+    }
+
+    IOManager& Stream() const { return *m_stream; }
+    std::uint32_t Version() const { return m_version; }
+    bool RecordData() const { return m_recordData; }
+    std::uint32_t GetRecordSize() const { return m_recordSize; }
+    void SetRecordSize(std::uint32_t size) { m_recordSize = size; }
+    /// The 1-based number that the call being read will have.
+    std::uint32_t& CallNumber() { return m_callNumber; }
+
+private:
+    [[noreturn]] static void ThrowUndefinedType();
+
+    std::uint32_t m_version;
+    IOManager* m_stream;
+    bool m_recordData;
+    const std::int8_t* m_typeSizes;
+    std::int8_t m_typeCount;
+    std::uint32_t m_recordSize = 0;
+    std::uint32_t m_callNumber = 0;
+};
+
+}  // namespace kestrail
