@@ -1,0 +1,103 @@
+// A recorded call. Constructing one reads its record; afterwards executors walk its parameter list,
+// and the line of the call is printed from it.
+#pragma once
+
+#include <cstdint>
+
+#include "calls/model/api_type.h"
+#include "calls/model/call_info.h"
+
+namespace kestrail {
+
+/// Which state record a call belongs to.
+enum CallGroup : std::uint8_t {
+    kGroupNone = 0,
+    kGroupEgl = 1,
+    kGroupEs1 = 2,
+    kGroupExtEs1 = 3,
+    kGroupEs2 = 4,
+    kGroupExtEs2 = 5,
+};
+
+class CApiCall {
+public:
+    virtual ~CApiCall() = default;
+    CApiCall(const CApiCall&) = delete;
+    CApiCall& operator=(const CApiCall&) = delete;
+
+    /// Lists the call's values in `info`; the hidden ones only with `withPlayback`.
+    virtual void FillCallInfo(CCallInfo& info, bool withPlayback);
+    /// The entry point's name, of static lifetime.
+    virtual const char* GetName() const = 0;
+    virtual std::uint16_t GetCallId() const = 0;
+    virtual const char* GetCategory() const = 0;
+
+    /// The identifier of the record; 0 until the dispatcher has written it.
+    std::uint16_t m_id = 0;
+    std::uint8_t m_group;
+    /// The header's edit lists name this call.
+    bool m_edited = false;
+    /// What glGetError gave after the call when it was recorded; stays 0 for EGL and extension
+    /// calls, which keep their own.
+    TGLError m_error;
+
+protected:
+    explicit CApiCall(std::uint8_t group) : m_group(group) {}
+};
+
+class CEglCall : public CApiCall {
+public:
+    void FillCallInfo(CCallInfo& info, bool withPlayback) override;
+
+    /// What eglGetError gave after the call when it was recorded.
+    TEGLintEnum m_eglError;
+
+protected:
+    explicit CEglCall(CTrace& trace);
+};
+
+class CEs1Call : public CApiCall {
+public:
+    void FillCallInfo(CCallInfo& info, bool withPlayback) override;
+
+protected:
+    explicit CEs1Call(CTrace& trace);
+};
+
+class CEs2Call : public CApiCall {
+public:
+    void FillCallInfo(CCallInfo& info, bool withPlayback) override;
+
+protected:
+    explicit CEs2Call(CTrace& trace);
+};
+
+class CEs3Call : public CApiCall {
+public:
+    void FillCallInfo(CCallInfo& info, bool withPlayback) override;
+
+protected:
+    explicit CEs3Call(CTrace& trace);
+};
+
+class CExtCall : public CApiCall {
+public:
+    void FillCallInfo(CCallInfo& info, bool withPlayback) override;
+
+    TGLError m_extError;
+    /// The API that was current: 1 is ES1, 2 is ES2, anything else counts as EGL.
+    TuintType<19> m_api;
+
+protected:
+    explicit CExtCall(CTrace& trace);
+};
+
+/// First base of the calls that set a client array's pointer: what was recorded, and what the
+/// player passes.
+class XXXYYYPointer {
+public:
+    TPointer pointerPlayback;
+    TPointer pointer;
+};
+
+}  // namespace kestrail

@@ -1,0 +1,177 @@
+// The values that calls are made of. A value's class says how wide it is on file (its tag indexes
+// the trace's table of widths), how it is held in memory and how it prints.
+#pragma once
+
+#include <cstdint>
+
+#include "base/kstl_string.h"
+#include "base/text_writer.h"
+#include "tracefile/bytes/trace.h"
+
+namespace kestrail {
+
+class SApiTypeBase {
+public:
+    virtual ~SApiTypeBase() = default;
+
+    /// Appends the short form, the one of the line of a call.
+    virtual void AppendText(TextWriter& out) const = 0;
+    /// Appends the numeric or full form.
+    virtual void AppendNumericText(TextWriter& out) const { AppendText(out); }
+    /// Appends the form of several lines that strings and arrays have.
+    virtual void AppendDetailText(TextWriter& out) const { AppendText(out); }
+
+    /// Assigns the short form to `text` and, unless `detail` is null, the full form to `*detail`.
+    void GetText(CKSTLString& text, CKSTLString* detail) const;
+    void GetDetailText(CKSTLString& text) const;
+
+protected:
+    SApiTypeBase() = default;
+    SApiTypeBase(const SApiTypeBase&) = default;
+    SApiTypeBase& operator=(const SApiTypeBase&) = default;
+    SApiTypeBase(SApiTypeBase&&) = default;
+    SApiTypeBase& operator=(SApiTypeBase&&) = default;
+};
+
+/// Reads of one stored value, by the native type. A float must be stored in 4 bytes: another width
+/// throws std::logic_error.
+std::uint32_t ReadStored(CTrace& trace, std::int32_t width, std::uint32_t);
+std::int32_t ReadStored(CTrace& trace, std::int32_t width, std::int32_t);
+float ReadStored(CTrace& trace, std::int32_t width, float);
+
+template <unsigned N, typename T>
+class TApiType : public SApiTypeBase {
+public:
+    using ValueType = T;
+    static constexpr std::uint16_t kTag = N;
+
+    T value{};
+
+    T GetValue() const { return value; }
+
+    static T ReadValue(CTrace& trace) { return ReadStored(trace, trace.GetEsTypeSize(N), T{}); }
+    void Read(CTrace& trace) { value = ReadValue(trace); }
+};
+
+/// Calls and values are read by a chain of extractions, one for each member.
+template <typename Value>
+CTrace& operator>>(CTrace& trace, Value& value) {
+    value.Read(trace);
+    return trace;
+}
+
+template <unsigned N>
+class TuintType : public TApiType<N, std::uint32_t> {
+public:
+    void AppendText(TextWriter& out) const override { out.AppendUnsigned(this->value); }
+};
+
+template <unsigned N>
+class TintType : public TApiType<N, std::int32_t> {
+public:
+    void AppendText(TextWriter& out) const override { out.AppendSigned(this->value); }
+};
+
+template <unsigned N>
+class TfloatType : public TApiType<N, float> {
+public:
+    void AppendText(TextWriter& out) const override { out.AppendFixed(this->value); }
+};
+
+/// A pointer as the recorded process saw it: a number, never dereferenced.
+class TPointer : public TuintType<0> {
+public:
+    void AppendText(TextWriter& out) const override;
+};
+
+class TGLenum : public TuintType<12> {
+public:
+    void AppendText(TextWriter& out) const override;
+    void AppendNumericText(TextWriter& out) const override;
+};
+
+class TGLError : public TuintType<12> {
+public:
+    void AppendText(TextWriter& out) const override;
+    void AppendNumericText(TextWriter& out) const override;
+};
+
+class TGLBeginMode : public TuintType<12> {
+public:
+    void AppendText(TextWriter& out) const override;
+    void AppendNumericText(TextWriter& out) const override;
+};
+
+class TGLBlendFactor : public TuintType<12> {
+public:
+    void AppendText(TextWriter& out) const override;
+    void AppendNumericText(TextWriter& out) const override;
+};
+
+class TGLboolean : public TuintType<13> {
+public:
+    void AppendText(TextWriter& out) const override;
+    void AppendNumericText(TextWriter& out) const override;
+};
+
+class TGLbitfield : public TuintType<14> {
+public:
+    void AppendText(TextWriter& out) const override;
+    void AppendNumericText(TextWriter& out) const override;
+};
+
+/// 16.16 fixed point, printed as a real number.
+class TGLfixed : public TintType<24> {
+public:
+    void AppendText(TextWriter& out) const override;
+};
+
+class TGLclampx : public TintType<27> {
+public:
+    void AppendText(TextWriter& out) const override;
+};
+
+/// An EGLint that stands for an EGL name.
+class TEGLintEnum : public TintType<1> {
+public:
+    void AppendText(TextWriter& out) const override;
+    void AppendNumericText(TextWriter& out) const override;
+};
+
+class TEGLBoolean : public TuintType<2> {
+public:
+    void AppendText(TextWriter& out) const override;
+    void AppendNumericText(TextWriter& out) const override;
+};
+
+class TEGLenum : public TuintType<3> {
+public:
+    void AppendText(TextWriter& out) const override;
+    void AppendNumericText(TextWriter& out) const override;
+};
+
+class TEGLContext : public TuintType<5> {
+public:
+    void AppendText(TextWriter& out) const override;
+    void AppendNumericText(TextWriter& out) const override;
+};
+
+class TEGLDisplay : public TuintType<6> {
+public:
+    void AppendText(TextWriter& out) const override;
+    void AppendNumericText(TextWriter& out) const override;
+};
+
+class TEGLSurface : public TuintType<7> {
+public:
+    void AppendText(TextWriter& out) const override;
+    void AppendNumericText(TextWriter& out) const override;
+};
+
+class TEGLNativeDisplayType : public TuintType<9> {
+public:
+    void AppendText(TextWriter& out) const override;
+    void AppendNumericText(TextWriter& out) const override;
+};
+
+}  // namespace kestrail

@@ -1,0 +1,45 @@
+#include "calls/model/array_values.h"
+
+namespace kestrail {
+
+void SArrayPtr<SString, 1, 1>::Read(CTrace& trace) {
+    trace >> pointer;
+    count = ReadStored(trace, 0, std::uint32_t{});
+    CheckRecordedSize(trace, count);
+    m_elements.clear();
+    if (count == 0) pointer.value = 0;
+    if (pointer.value == 0) return;
+    // Each string takes bytes of the file, so the array grows with what the file gives and not with
+    // what the count claims; a stream that has ended gives no more.
+    for (std::uint32_t i = 0; i < count; ++i) {
+        if (trace.Stream().Tell() >= trace.Stream().GetSize()) break;
+        m_elements.emplace_back().Read(trace);
+    }
+}
+
+void SArrayPtr<SString, 1, 1>::AppendText(TextWriter& out) const {
+    if (m_elements.empty()) return pointer.AppendText(out);
+    AppendItems(out, ElementCount(), [this](TextWriter& text, std::uint32_t i, std::size_t) {
+        m_elements[i].AppendText(text);
+    });
+}
+
+void SArrayPtr<SString, 1, 1>::AppendNumericText(TextWriter& out) const {
+    if (m_elements.empty()) return pointer.AppendText(out);
+    out.Append("{ ");
+    for (std::uint32_t i = 0; i < ElementCount(); ++i) {
+        if (i != 0) out.Append(", ");
+        m_elements[i].AppendNumericText(out);
+    }
+    out.Append(" }");
+}
+
+void SArrayPtr<SString, 1, 1>::AppendDetailText(TextWriter& out) const {
+    if (m_elements.empty()) return pointer.AppendText(out);
+    for (std::uint32_t i = 0; i < ElementCount(); ++i) {
+        if (i != 0) out.Append('\n');
+        m_elements[i].AppendDetailText(out);
+    }
+}
+
+}  // namespace kestrail

@@ -1,0 +1,33 @@
+#include "calls/model/client_arrays.h"
+
+#include <utility>
+
+namespace kestrail {
+
+void ReadClientArrays(CTrace& trace, std::uint32_t start, bool indexed,
+                      SVectorData<SDataPtr*>& arrays, SVectorData<int>& indices) {
+    constexpr std::int64_t kErrorSize = 4;
+    constexpr std::int64_t kCountSize = 4;
+    const std::int64_t recordSize = trace.GetRecordSize();
+    const auto taken = [&] { return std::int64_t{trace.Stream().Tell()} - start; };
+
+    std::int64_t remaining = recordSize - kErrorSize - taken();
+    const std::int64_t entrySize = trace.GetEsTypeSize(TPointer::kTag) + kCountSize;
+    const std::int64_t indexSize = indexed ? -trace.GetEsTypeSize(TintType<17>::kTag) : 0;
+    // The table's widths are signed, so that a damaged one can keep `remaining` from shrinking:
+    // what was taken from the stream bounds the loop as well.
+    std::int64_t before = -1;
+    while (remaining >= entrySize && taken() < recordSize && taken() > before) {
+        before = taken();
+        auto array = std::make_unique<SDataPtr>();
+        TintType<17> index;
+        index.value = -1;
+        if (indexed) trace >> index;
+        trace >> *array;
+        remaining -= entrySize + array->GetSize() + indexSize;
+        arrays.items.push_back(std::move(array));
+        indices.items.push_back(index.value);
+    }
+}
+
+}  // namespace kestrail

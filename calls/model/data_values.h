@@ -1,0 +1,80 @@
+// Values that own captured bytes: blocks of data, images, strings. Each keeps the pointer that the
+// application passed, since a null pointer, an offset into a bound buffer and captured bytes are
+// three different arguments.
+#pragma once
+
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
+
+#include "calls/model/api_type.h"
+
+namespace kestrail {
+
+/// Throws std::logic_error when `size`, read from a record, is larger than the record.
+void CheckRecordedSize(const CTrace& trace, std::uint32_t size);
+
+/// A pointer and a counted block of bytes behind it.
+class SBlock : public SApiTypeBase {
+public:
+    TPointer pointer;
+    std::uint32_t size = 0;
+
+    /// The captured bytes; null when there are none.
+    std::uint8_t* GetData() const { return m_data.get(); }
+    std::uint32_t GetSize() const { return size; }
+
+    /// Pointer by width, size in 4 bytes, then the bytes, whether the pointer is null or not.
+    void Read(CTrace& trace);
+    void AppendNumericText(TextWriter& out) const override { pointer.AppendText(out); }
+
+private:
+    struct Free {
+        void operator()(std::uint8_t* block) const { std::free(block); }
+    };
+    std::unique_ptr<std::uint8_t, Free> m_data;
+};
+
+class SDataPtr : public SBlock {
+public:
+    void AppendText(TextWriter& out) const override;
+};
+
+/// A block of pixels; their layout stands in the surrounding call.
+class SImage2D : public SBlock {
+public:
+    void AppendText(TextWriter& out) const override;
+};
+
+class SImage3D : public SImage2D {};
+
+template <typename T, unsigned N, unsigned M>
+class SArrayPtr;
+
+class SString : public SApiTypeBase {
+public:
+    TPointer pointer;
+    std::uint32_t length = 0;
+
+    /// The characters with a terminator; an empty string when none were recorded.
+    const char* GetCString() const { return m_data ? m_data.get() : ""; }
+
+    /// Pointer by width, length in 4 bytes, then the characters unless the pointer is null.
+    void Read(CTrace& trace);
+    /// Takes the strings of `parts` in their order, without separators.
+    void Join(const SArrayPtr<SString, 1, 1>& parts);
+
+    void AppendText(TextWriter& out) const override;
+    void AppendNumericText(TextWriter& out) const override;
+    void AppendDetailText(TextWriter& out) const override;
+
+private:
+    std::unique_ptr<char[]> m_data;
+};
+
+/// Appends `text` between double quotes, folded into lines of about `width` characters. A text of
+/// more than `width` lines is cut there with `stop`; without it the width grows by a quarter and
+/// the walk begins anew behind what is made already, up to `3 * width` lines in all.
+void AppendFolded(TextWriter& out, std::string_view text, int width, bool stop);
+
+}  // namespace kestrail

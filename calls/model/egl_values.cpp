@@ -1,0 +1,116 @@
+#include "calls/model/egl_values.h"
+
+#include <cstring>
+#include <utility>
+
+#include "calls/text/format_kind.h"
+#include "tracefile/bytes/typed_reads.h"
+
+namespace kestrail {
+namespace {
+
+constexpr std::int32_t kEglNone = 0x3038;
+constexpr std::int32_t kEglSurfaceType = 0x3033;
+constexpr std::int32_t kEglRenderableType = 0x3040;
+
+std::uint64_t Widen(std::int32_t value) {
+    return static_cast<std::uint64_t>(static_cast<std::int64_t>(value));
+}
+
+}  // namespace
+
+SEglAttribList::SEglAttribList(const std::int32_t* list) {
+    if (list == nullptr) return;
+    std::uint32_t end = 0;
+    while (list[end] != kEglNone) end += 2;
+    count = end + 1;
+    pointer.value = 1;
+    m_elements.reset(new std::int32_t[count]);
+    std::memcpy(m_elements.get(), list, count * sizeof(std::int32_t));
+}
+
+void SEglAttribList::GetAttribute(std::int32_t name, std::int32_t& out) const {
+    for (std::uint32_t i = 0; i + 1 < ItemCount(); i += 2) {
+        if (m_elements[i] == name) {
+            out = m_elements[i + 1];
+            return;
+        }
+    }
+}
+
+void SEglAttribList::Read(CTrace& trace) {
+    SArrayPtr::Read(trace);
+    if (!m_elements) return;
+    // A host walks the list in pairs to its end mark, which a damaged record may lack: as a name or
+    // as the value of a last lone name, two marks behind the elements end every list.
+    std::unique_ptr<std::int32_t[]> ended(new std::int32_t[std::size_t{count} + 2]);
+    std::memcpy(ended.get(), m_elements.get(), count * sizeof(std::int32_t));
+    ended[count] = kEglNone;
+    ended[std::size_t{count} + 1] = kEglNone;
+    m_elements = std::move(ended);
+}
+
+void SEglAttribList::AppendPair(TextWriter& out, std::uint32_t index) const {
+    const std::int32_t name = m_elements[index];
+    int kind = kKindEglEnum;
+    if (name == kEglSurfaceType) kind = kKindEglSurfaceType;
+    if (name == kEglRenderableType) kind = kKindEglRenderableType;
+    AppendKind(out, kKindEglEnum, Widen(name));
+    out.Append(" : ");
+    AppendKind(out, kind, Widen(m_elements[index + 1]));
+}
+
+void SEglAttribList::AppendText(TextWriter& out) const {
+    constexpr std::size_t kLimit = 40;
+    constexpr std::size_t kShown = 37;
+    if (!m_elements) return pointer.AppendText(out);
+    const std::size_t start = out.Size();
+    out.Append("{ ");
+    for (std::uint32_t i = 0; i + 1 < count; i += 2) {
+        AppendPair(out, i);
+        if (out.Size() - start > kLimit) {
+            out.Truncate(start + kShown);
+            out.Append("...");
+            break;
+        }
+        if (i + 3 < count) out.Append(", ");
+    }
+    out.Append(" }");
+}
+
+void SEglAttribList::AppendNumericText(TextWriter& out) const {
+    if (!m_elements) return pointer.AppendText(out);
+    const char* edge = count > 2 ? "\n" : "";
+    out.Append("{ ");
+    out.Append(edge);
+    for (std::uint32_t i = 0; i + 1 < count; i += 2) {
+        if (i != 0) out.Append(",\n");
+        AppendPair(out, i);
+    }
+    out.Append(edge);
+    out.Append(" }");
+}
+
+void SEglAttribList::AppendDetailText(TextWriter& out) const {
+    if (!m_elements) return pointer.AppendText(out);
+    for (std::uint32_t i = 0; i + 1 < count; i += 2) {
+        AppendPair(out, i);
+        out.Append('\n');
+    }
+}
+
+void SEglNativeWindowDesc::Read(CTrace& trace) {
+    trace >> handle;
+    width = static_cast<std::int32_t>(ReadUInt32(trace.Stream(), 0, true));
+    height = static_cast<std::int32_t>(ReadUInt32(trace.Stream(), 0, true));
+}
+
+void SEglNativePixmapDesc::Read(CTrace& trace) {
+    trace >> handle;
+    static const std::uint32_t length = ReadUInt32(trace.Stream(), 0, true);
+    CheckRecordedSize(trace, length);
+    data.resize(length);
+    trace.Stream().Read(data.data(), length, true);
+}
+
+}  // namespace kestrail
