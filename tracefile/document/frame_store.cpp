@@ -1,0 +1,152 @@
+#include "tracefile/document/frame_store.h"
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+#include "tracefile/document/trace_document.h"
+
+namespace kestrail {
+namespace {
+
+constexpr std::uint16_t kEglSwapBuffers = 1022;
+
+}  // namespace
+
+void CCallEntry::BuildInfo() {
+    m_info = std::make_unique<CGenCallInfo>();
+    call->FillCallInfo(*m_info, true);
+}
+
+void CFrameStore::BeginFrame() {
+    m_frames.clear();
+    m_calls.clear();
+    m_edits.Clear();
+    m_frames.emplace_back();
+    m_currentFrame = 0;
+    m_currentCall = 0;
+    m_nextCall = 0;
+    m_callCount = 0;
+    m_droppedFrames = 0;
+    m_lastFound = 0;
+    m_secondFlag = false;
+    m_hasStateBlock = false;
+}
+
+void CFrameStore::SetTraceInfo(std::uint32_t fileSize, bool dataFlag, bool secondFlag,
+                               std::uint32_t version, const CKSTLString& fileName) {
+    constexpr std::uint32_t kBytesPerRecord = 40;
+    if (m_document == nullptr) m_calls.reserve(fileSize / kBytesPerRecord);
+    m_dataFlag = dataFlag;
+    m_secondFlag = secondFlag;
+    m_version = version;
+    m_fileName = fileName;
+}
+
+void CFrameStore::OpenFrame(std::uint32_t firstCall) {
+    // While streaming nothing goes back to a closed frame, and the one call that frames are asked
+    // for stands in the first two.
+    constexpr std::size_t kKeptFrames = 2;
+    if (m_document != nullptr && m_frames.size() > kKeptFrames) {
+        m_frames.pop_back();
+        ++m_droppedFrames;
+    }
+    CFrameRecord frame;
+    frame.number = static_cast<std::uint32_t>(m_frames.size()) + m_droppedFrames + 1;
+    frame.firstCall = firstCall;
+    m_frames.push_back(frame);
+    m_currentFrame = m_frames.size() - 1;
+}
+
+void CFrameStore::AppendCall(std::unique_ptr<CApiCall> call, std::uint64_t offset,
+                             bool inStateBlock) {
+    if (!call) return;
+    const std::uint16_t id = call->m_id;
+    ++m_callCount;
+    m_hasStateBlock = m_hasStateBlock || inStateBlock;
+    const bool firstBehindState = m_frames.size() == 1 && !inStateBlock && m_hasStateBlock;
+    m_calls.emplace_back().call = std::move(call);
+    CFrameRecord& current = m_frames[m_currentFrame];
+    if (current.firstCall == m_callCount - 1) current.startOffset = offset;
+    CFrameRecord& last = m_frames.back();
+    last.lastCall = m_callCount - 1;
+    if (firstBehindState) {
+        // Frame 1 holds exactly the state; this call is the next frame's first.
+        last.lastCall = m_callCount - 2;
+        OpenFrame(m_callCount - 1);
+        m_frames.back().lastCall = m_callCount - 1;
+    } else if (id == kEglSwapBuffers) {
+        OpenFrame(m_callCount);
+    }
+}
+
+void CFrameStore::Rewind() {
+    m_currentFrame = 0;
+    m_currentCall = 0;
+    m_nextCall = 0;
+}
+
+bool CFrameStore::SeekFrame(std::uint32_t frame, bool resetCursor) {
+    if (frame == 0 || frame > m_frames.size()) return false;
+    const std::size_t index = frame - 1;
+    if (index == m_currentFrame && !resetCursor) return false;
+    m_currentFrame = index;
+    if (resetCursor) ResetCursor();
+    return true;
+}
+
+void CFrameStore::ResetCursor() {
+    m_currentCall = m_frames[m_currentFrame].firstCall;
+    m_nextCall = m_currentCall;
+}
+
+CCallEntry* CFrameStore::NextCall() {
+    if (m_document != nullptr) return NextStreamedCall();
+    if (m_nextCall >= m_calls.size()) return nullptr;
+    if (m_nextCall == m_frames[m_currentFrame].lastCall + 1) return nullptr;
+    m_currentCall = m_nextCall++;
+    return &m_calls[m_currentCall];
+}
+
+CCallEntry* CFrameStore::NextStreamedCall() {
+    m_calls.clear();
+    m_document->LoadRecords();
+    return m_calls.empty() ? nullptr : &m_calls.front();
+}
+
+std::uint32_t CFrameStore::CurrentFrameNumber() const {
+    return m_frames[m_currentFrame].number;
+}
+
+std::uint32_t CFrameStore::FrameCount() const {
+    const auto records = static_cast<std::uint32_t>(m_frames.size()) + m_droppedFrames;
+    if (records == 1) return m_callCount > 0 ? 1 : 0;
+    return m_frames.back().firstCall == m_callCount ? records - 1 : records;
+}
+
+const CFrameRecord* CFrameStore::GetFrameRecord(std::uint32_t frame) const {
+    return frame == 0 || frame > m_frames.size() ? nullptr : &m_frames[frame - 1];
+}
+
+CCallEntry* CFrameStore::CallAt(std::uint32_t number) {
+    return number == 0 || number > m_calls.size() ? nullptr : &m_calls[number - 1];
+}
+
+std::uint32_t CFrameStore::FrameOfCall(std::uint32_t index) const {
+    for (std::size_t i = m_lastFound; i < m_frames.size() && i <= m_lastFound + 1; ++i) {
+        if (!m_frames[i].Holds(index)) continue;
+        m_lastFound = i;
+        return m_frames[i].number;
+    }
+    // Frames follow each other without gaps: the last one that begins at or before the index.
+    const auto behind = std::upper_bound(
+        m_frames.begin(), m_frames.end(), index,
+        [](std::uint32_t wanted, const CFrameRecord& frame) { return wanted < frame.firstCall; });
+    if (behind == m_frames.begin()) return 0;
+    const auto found = std::prev(behind);
+    if (!found->Holds(index)) return 0;
+    m_lastFound = static_cast<std::size_t>(found - m_frames.begin());
+    return found->number;
+}
+
+}  // namespace kestrail

@@ -1,0 +1,118 @@
+// The loaded trace as players see it: frames of calls, and a position in them. Frames and calls are
+// numbered from 1 at this interface; `firstCall` and `lastCall` of a frame are 0-based indices.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "base/kstl_string.h"
+#include "calls/model/api_call.h"
+#include "tracefile/document/edit_list.h"
+
+namespace kestrail {
+
+class CTraceDocument;
+
+struct CFrameRecord {
+    /// `lastCall` of a frame without calls.
+    static constexpr std::uint32_t kNoCall = 0xFFFFFFFFu;
+
+    std::uint32_t number = 1;
+    std::uint64_t startOffset = 0;  ///< in the file, of the first call's record
+    std::uint32_t firstCall = 0;
+    std::uint32_t lastCall = kNoCall;
+
+    bool Holds(std::uint32_t index) const {
+        return lastCall != kNoCall && firstCall <= index && index <= lastCall;
+    }
+};
+
+/// A call and, while it is shown or played, the list of its values.
+class CCallEntry {
+public:
+    std::unique_ptr<CApiCall> call;
+
+    /// Built when first asked for.
+    CGenCallInfo* GetInfo() {
+        if (!m_info) BuildInfo();
+        return m_info.get();
+    }
+    void ReleaseInfo() { m_info.reset(); }
+
+private:
+    void BuildInfo();
+
+    std::unique_ptr<CGenCallInfo> m_info;
+};
+
+class CFrameStore {
+public:
+    CFrameStore() { BeginFrame(); }
+
+    /// Drops everything and opens frame 1.
+    void BeginFrame();
+    /// Keeps what the header says; makes room for the calls that a file of that size may hold.
+    void SetTraceInfo(std::uint32_t fileSize, bool dataFlag, bool secondFlag, std::uint32_t version,
+                      const CKSTLString& fileName);
+    /// From now on `NextCall` takes calls from the document as it reads them.
+    void StreamFrom(CTraceDocument* document) { m_document = document; }
+    /// Files a call under the current frame. eglSwapBuffers closes its frame; the first call behind
+    /// a block of state calls opens one. `offset` is that of the call's record in the file.
+    void AppendCall(std::unique_ptr<CApiCall> call, std::uint64_t offset, bool inStateBlock);
+    void SetMultiThread() { m_multiThread = true; }
+
+    /// To the first frame.
+    void Rewind();
+    /// Makes `frame` the current one, and with `resetCursor` its first call the next one. False for
+    /// a frame that there is not, or for the current one without `resetCursor`.
+    bool SeekFrame(std::uint32_t frame, bool resetCursor);
+    void ResetCursor();
+    /// The next call of the current frame; null at its end. Streaming, the next call of the file,
+    /// which replaces the one before it; throws what reading it throws.
+    CCallEntry* NextCall();
+
+    /// 1-based, of the call that `NextCall` gave last. Stays at the start while streaming.
+    std::uint32_t CurrentCallNumber() const { return m_currentCall + 1; }
+    std::uint32_t CurrentFrameNumber() const;
+    /// Frames that hold calls.
+    std::uint32_t FrameCount() const;
+    std::uint32_t CallCount() const { return m_callCount; }
+    /// Null out of range.
+    const CFrameRecord* GetFrameRecord(std::uint32_t frame) const;
+    CCallEntry* CallAt(std::uint32_t number);
+    /// The frame that holds the 0-based `index`, or 0. The line of a call asks with the call's
+    /// 1-based number, so that a frame's last call shows as the next frame's.
+    std::uint32_t FrameOfCall(std::uint32_t index) const;
+
+    CEditList& Edits() { return m_edits; }
+    const CEditList& Edits() const { return m_edits; }
+    bool DataFlag() const { return m_dataFlag; }
+    bool MultiThread() const { return m_multiThread; }
+    std::uint32_t Version() const { return m_version; }
+
+private:
+    void OpenFrame(std::uint32_t firstCall);
+    CCallEntry* NextStreamedCall();
+
+    CTraceDocument* m_document = nullptr;
+    std::vector<CFrameRecord> m_frames;
+    std::vector<CCallEntry> m_calls;
+    CEditList m_edits;
+    std::size_t m_currentFrame = 0;
+    std::uint32_t m_currentCall = 0;
+    std::uint32_t m_nextCall = 0;
+    std::uint32_t m_callCount = 0;
+    /// Frames closed while streaming and not kept.
+    std::uint32_t m_droppedFrames = 0;
+    bool m_dataFlag = false;
+    bool m_secondFlag = false;
+    bool m_hasStateBlock = false;
+    bool m_multiThread = false;
+    std::uint32_t m_version = 0;
+    CKSTLString m_fileName;
+    /// Where the last answer of `FrameOfCall` stood: the next one is there or behind it.
+    mutable std::size_t m_lastFound = 0;
+};
+
+}  // namespace kestrail

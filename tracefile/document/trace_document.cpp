@@ -1,0 +1,234 @@
+#include "tracefile/document/trace_document.h"
+
+#include <cstdio>
+
+#include "base/output.h"
+#include "calls/model/factories.h"
+#include "tracefile/bytes/typed_reads.h"
+
+namespace kestrail {
+namespace {
+
+constexpr std::uint64_t kRecordHead = 6;
+constexpr std::uint64_t kFooterSize = 10;
+constexpr std::uint16_t kThreadRecord = 1;
+constexpr std::uint16_t kLastMarker = 5;
+
+}  // namespace
+
+struct CTraceDocument::SRecordLoop {
+    std::uint64_t size;
+    std::uint64_t offset;
+    std::uint32_t thread = 0;
+    bool inStateBlock = false;
+    /// The section of state records is being read, ahead of all others.
+    bool stateFirst = false;
+};
+
+CTraceDocument* CTraceDocument::Instance() {
+    static CTraceDocument instance;
+    return &instance;
+}
+
+void CTraceDocument::SetStage(const char* text, std::uint32_t value) {
+    progressTitle = text;
+    progressDetail = text;
+    progressMax = 100;
+    progressValue = value;
+}
+
+unsigned CTraceDocument::OpenTrace(const CKSTLString& name, bool useMemory) {
+    try {
+        if (m_store) CloseTrace();
+        m_byteSwapped = false;
+        m_version = 0;
+        m_dataFlag = false;
+        m_typeSet = 0;
+        m_typeSizes.clear();
+        m_multiThread = false;
+        m_progressEnabled = true;
+        m_noMemory = !useMemory;
+        return Load(name);
+    } catch (const char* text) {
+        m_stream.Close();
+        output::Print("Exception: %s\n", text);
+        output::ErrorStreamLine(text);
+        return kOpenRefused;
+    } catch (...) {
+        m_stream.Close();
+        output::ErrorStreamLine("An exception occurred");
+        return kOpenException;
+    }
+}
+
+unsigned CTraceDocument::Load(const CKSTLString& name) {
+    SetStage("Reading File", 0);
+    m_fileName = name;
+    output::Message(m_noMemory ? "Opening Trace file (noMemory): %s" : "Opening Trace file: %s",
+                    name.c_str());
+    if (!m_stream.Open(name, true)) return kOpenEmpty;
+    output::Message("Trace file open : %s", name.c_str());
+    SetStage("File Read", 100);
+    CLoadObservers::Instance().Notify(kLoadProgressEvent, *this);
+    progressValue = 0;
+    m_store = std::make_unique<CFrameStore>();
+    m_store->BeginFrame();
+    if (!ReadTraceStart()) {
+        m_stream.Close();
+        m_store.reset();
+        return kOpenRefused;
+    }
+    output::Message("Processing File....");
+    if (m_noMemory) m_store->StreamFrom(this);
+    m_store->SetTraceInfo(m_stream.GetSize(), m_dataFlag, m_secondFlag, m_version, m_fileName);
+    if (m_noMemory) return kOpened;
+
+    const unsigned errors = LoadRecords();
+    m_store->Edits().MarkCalls(*m_store);
+    if (errors != 0) {
+        output::Message("Processing File... Done with Errors:%d", static_cast<int>(errors));
+    } else {
+        output::Message("Processing File... Done");
+    }
+    m_stream.Close();
+    SetStage(errors != 0 ? "Trace Error" : "Trace Processed", 100);
+    CLoadObservers::Instance().Notify(kLoadProgressEvent, *this);
+    if (errors != 0) return errors;
+    return m_store->CallCount() > 0 ? kOpened : kOpenEmpty;
+}
+
+bool CTraceDocument::ChooseStart(SRecordLoop& loop) const {
+    const std::uint64_t position = loop.offset;
+    if (!m_noMemory) {
+        loop.stateFirst = HasStateSection();
+        loop.offset = HasStateSection() ? m_stateOffset : m_firstRecordOffset;
+        return true;
+    }
+    if (position >= loop.size) return false;
+    if (position + kFooterSize == loop.size) {
+        loop.offset = m_firstRecordOffset;
+        return HasStateSection();
+    }
+    if (HasStateSection() && position == m_firstRecordOffset) loop.offset = m_stateOffset;
+    return true;
+}
+
+bool CTraceDocument::AtEnd(SRecordLoop& loop) const {
+    if (m_stateOffset == kNoFooter) return loop.offset >= loop.size;
+    if (loop.stateFirst) {
+        if (loop.offset + kFooterSize == loop.size) {
+            loop.offset = m_firstRecordOffset;
+            loop.stateFirst = false;
+        }
+        return false;
+    }
+    if (m_stateOffset == 0) return loop.offset + kFooterSize >= loop.size;
+    return loop.offset >= m_stateOffset;
+}
+
+unsigned CTraceDocument::LoadRecords() {
+    progressMax = m_stream.GetSize();
+    m_reader.emplace(&m_stream, m_version, m_dataFlag, m_typeSizes.data(),
+                     static_cast<std::int8_t>(m_typeCount));
+    SRecordLoop loop{m_stream.GetSize(), m_stream.Tell()};
+    if (!ChooseStart(loop)) return kOpened;
+    while (m_noMemory || !AtEnd(loop)) {
+        const std::uint64_t recordOffset = loop.offset;
+        // Offsets past 31 bits lie behind every file.
+        const bool seekable = recordOffset < loop.size;
+        const auto target = static_cast<std::int32_t>(seekable ? recordOffset : loop.size);
+        if (m_stream.Seek(target, SEEK_SET) == 0) {
+            m_reader.reset();
+            throw 4;
+        }
+        const std::uint32_t size = ReadUInt32(m_stream, 0, true);
+        const std::uint16_t id = ReadUInt16(m_stream, 0, true);
+        loop.offset += size + kRecordHead;
+        if (id == kThreadRecord) {
+            TakeThread(loop);
+            continue;
+        }
+        if (id > kThreadRecord && id <= kLastMarker) {
+            loop.inStateBlock = !loop.inStateBlock;
+            continue;
+        }
+        if (!TakeCall(loop, id, size, recordOffset)) {
+            return m_store->CallCount() > 0 ? kOpenCut : kOpenRefused;
+        }
+        if (m_noMemory) break;
+    }
+    return kOpened;
+}
+
+void CTraceDocument::TakeThread(SRecordLoop& loop) {
+    const auto thread = static_cast<std::uint32_t>(ReadUInt64(m_stream, 0, true));
+    if (loop.thread != 0 && loop.thread != thread) {
+        if (!m_multiThread) {
+            output::Message(
+                "Multiple Thread detected. Kestrail doesn't support Multi-Context trace in "
+                "playback.");
+        }
+        m_multiThread = true;
+        m_store->SetMultiThread();
+    }
+    loop.thread = thread;
+}
+
+bool CTraceDocument::TakeCall(SRecordLoop& loop, std::uint16_t id, std::uint32_t size,
+                              std::uint64_t offset) {
+    if (loop.offset > loop.size) return false;
+    m_reader->SetRecordSize(size);
+    std::unique_ptr<CApiCall> call = CreateCall(id, *m_reader);
+    // Where the next entry goes on.
+    if (m_noMemory) m_stream.Seek(static_cast<std::int32_t>(loop.offset), SEEK_SET);
+    if (!call) return true;
+    const CApiCall& made = *call;
+    m_reader->CallNumber() = m_store->CallCount() + 1;
+    m_store->AppendCall(std::move(call), offset, loop.inStateBlock);
+    if (m_progressEnabled) ShowProgress(made, loop.offset);
+    return true;
+}
+
+void CTraceDocument::ShowProgress(const CApiCall& call, std::uint64_t offset) {
+    constexpr float kStep = 0.01F;
+    const auto whole = static_cast<float>(progressMax);
+    const float done = static_cast<float>(offset) / whole;
+    if (!(done > static_cast<float>(progressValue) / whole + kStep)) return;
+    Format(progressDetail, "Frame: %d  @ ", static_cast<int>(m_store->CurrentFrameNumber()));
+    progressDetail.append(call.GetName());
+    progressDetail.append(" ");
+    progressTitle = progressDetail;
+    progressValue = static_cast<std::uint32_t>(offset);
+    CLoadObservers::Instance().Notify(kLoadProgressEvent, *this);
+}
+
+std::unique_ptr<CApiCall> CTraceDocument::CreateCall(std::uint16_t id, CTrace& reader) {
+    std::unique_ptr<CApiCall> call;
+    if (id >= 1001 && id <= 1200) {
+        call = CreateEglCall(id, reader);
+    } else if (id >= 3001 && id <= 3145) {
+        call = CreateEs1Call(id, reader);
+    } else if (id >= 2001 && id <= 2142) {
+        call = CreateEs2Call(id, reader);
+    } else if (id >= 5001 && id <= 5246) {
+        call = CreateEs3Call(id, reader);
+    } else if (id >= 4001 && id <= 4239) {
+        call = CreateExtCall(id, reader);
+    }
+    if (call) call->m_id = id;
+    return call;
+}
+
+void CTraceDocument::CloseTrace() {
+    m_stream.Close();
+    m_reader.reset();
+    m_store.reset();
+    m_typeSizes.clear();
+}
+
+CFrameStore* CTraceDocument::GetFrameStore() {
+    if (m_store) m_store->Rewind();
+    return m_store.get();
+}
+
+}  // namespace kestrail

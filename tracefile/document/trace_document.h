@@ -1,0 +1,100 @@
+// The loaded trace's owner: the byte stream, the header's values and the store of frames. A trace
+// is read whole when it is opened, or, streamed, record by record as the store is asked for calls.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "base/kstl_string.h"
+#include "calls/model/api_call.h"
+#include "tracefile/bytes/io_manager.h"
+#include "tracefile/bytes/trace.h"
+#include "tracefile/document/frame_store.h"
+#include "tracefile/document/load_observers.h"
+
+namespace kestrail {
+
+/// What `OpenTrace` gives back.
+enum EOpenResult : unsigned {
+    kOpened = 0,
+    kOpenRefused = 2,    ///< the header is refused, or nothing could be read behind it
+    kOpenCut = 3,        ///< a record overruns the file; the calls before it stay
+    kOpenEmpty = 4,      ///< the file cannot be opened, or holds no call
+    kOpenException = 5,  ///< any other exception; what was loaded before it stays
+};
+
+class CTraceDocument : private COpenProgress {
+public:
+    static CTraceDocument* Instance();
+
+    /// Opens a trace. `useMemory`: all records are read now; otherwise the header alone, and the
+    /// store streams. An open trace is closed first.
+    unsigned OpenTrace(const CKSTLString& name, bool useMemory);
+    /// Reads all records, or while streaming the next one. 0, or what `OpenTrace` gives for a
+    /// record that overruns the file. Throws what reading a record throws.
+    unsigned LoadRecords();
+    void CloseTrace();
+    /// The store, rewound; null when nothing is loaded.
+    CFrameStore* GetFrameStore();
+
+    void RegisterObserver(std::uint32_t event, CLoadObserver* observer) {
+        CLoadObservers::Instance().Register(event, observer);
+    }
+    void UnregisterObserver(std::uint32_t event, CLoadObserver* observer) {
+        CLoadObservers::Instance().Unregister(event, observer);
+    }
+
+    /// The call of a record, by its identifier and the file's version; null for what is no call.
+    static std::unique_ptr<CApiCall> CreateCall(std::uint16_t id, CTrace& reader);
+
+private:
+    /// Where a run over the records stands.
+    struct SRecordLoop;
+
+    CTraceDocument() = default;
+    ~CTraceDocument() = default;
+
+    unsigned Load(const CKSTLString& name);
+    /// Header and footer. False when the header is refused.
+    bool ReadTraceStart();
+    bool ReadFileHeader();
+    bool ReadWidthTable();
+    void ReadEditLists();
+    void ReadFooter();
+
+    bool HasStateSection() const { return m_stateOffset != kNoFooter && m_stateOffset != 0; }
+    /// False when the stream has ended.
+    bool ChooseStart(SRecordLoop& loop) const;
+    /// True when the whole-file loop has come to its end.
+    bool AtEnd(SRecordLoop& loop) const;
+    void TakeThread(SRecordLoop& loop);
+    /// Reads the record at hand as a call. False for one that overruns the file.
+    bool TakeCall(SRecordLoop& loop, std::uint16_t id, std::uint32_t size, std::uint64_t offset);
+    void ShowProgress(const CApiCall& call, std::uint64_t offset);
+    void SetStage(const char* text, std::uint32_t value);
+
+    static constexpr std::uint64_t kNoFooter = ~std::uint64_t{0};
+
+    /// The newest reader: one for a whole file, one for each record of a stream.
+    std::optional<CTrace> m_reader;
+    std::unique_ptr<CFrameStore> m_store;
+    bool m_byteSwapped = false;
+    std::uint32_t m_version = 0;
+    bool m_dataFlag = false;
+    bool m_secondFlag = false;
+    std::uint32_t m_typeSet = 0;
+    /// The width table and one spare entry, which a tag one past the table reads.
+    std::vector<std::int8_t> m_typeSizes;
+    std::int32_t m_typeCount = 0;
+    std::uint64_t m_stateOffset = kNoFooter;
+    std::uint32_t m_firstRecordOffset = 0;
+    CKSTLString m_fileName;
+    IOManager m_stream;
+    bool m_progressEnabled = false;
+    bool m_multiThread = false;
+    bool m_noMemory = false;
+};
+
+}  // namespace kestrail

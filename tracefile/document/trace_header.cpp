@@ -1,0 +1,119 @@
+// What stands before and behind the records of a trace: header and footer.
+#include <algorithm>
+#include <cstring>
+
+#include "base/output.h"
+#include "tracefile/bytes/typed_reads.h"
+#include "tracefile/document/trace_document.h"
+
+namespace kestrail {
+namespace {
+
+constexpr char kMagic[] = {'K', 'e', 's', 't', 'r', 'a', 'i', 'l'};
+constexpr std::uint32_t kByteOrder = 0xFFFE0100;
+constexpr std::uint32_t kOtherByteOrder = 0x0001FEFF;
+constexpr std::uint32_t kOldestVersion = 7;
+constexpr std::int32_t kFooterSize = 10;
+
+}  // namespace
+
+bool CTraceDocument::ReadTraceStart() {
+    constexpr std::uint32_t kFirstWithFooter = 12;
+    if (!ReadFileHeader()) return false;
+    m_stateOffset = kNoFooter;
+    m_firstRecordOffset = m_stream.Tell();
+    if (m_version >= kFirstWithFooter) ReadFooter();
+    return true;
+}
+
+bool CTraceDocument::ReadFileHeader() {
+    constexpr std::uint32_t kFirstWithSecondFlag = 11;
+    constexpr std::uint32_t kFirstWithEdits = 13;
+    char magic[sizeof(kMagic)] = {};
+    m_stream.Read(magic, sizeof(magic), true);
+    if (std::memcmp(magic, kMagic, sizeof(kMagic)) != 0) {
+        output::Error("Unrecognized file type.\n");
+        return false;
+    }
+    const std::uint32_t order = ReadUInt32(m_stream, 0, true);
+    m_byteSwapped = order == kOtherByteOrder;
+    if (order != kByteOrder && order != kOtherByteOrder) {
+        output::Error("Unsupported trace endianness.\n");
+        return false;
+    }
+    m_version = ReadUInt32(m_stream, 0, true);
+    if (m_version < kOldestVersion) {
+        output::Error("Unsupported file format version...\n");
+        return false;
+    }
+    const std::uint8_t dataFlag = ReadBool(m_stream, 1, true);
+    m_dataFlag = dataFlag == 1;
+    if (!m_dataFlag) {
+        output::Error("Trace file was recorded with no data, unable to replay.\n");
+        return false;
+    }
+    m_secondFlag = false;
+    if (m_version >= kFirstWithSecondFlag) m_secondFlag = ReadBool(m_stream, 1, true) != 0;
+    m_typeSet = ReadUInt32(m_stream, 0, true);
+    if (!ReadWidthTable()) return false;
+    if (m_version >= kFirstWithEdits) ReadEditLists();
+    return true;
+}
+
+bool CTraceDocument::ReadWidthTable() {
+    constexpr std::uint32_t kLastWithoutLength = 7;
+    constexpr std::uint32_t kLongTypeSet = 1;
+    if (m_version > kLastWithoutLength) {
+        m_typeCount = ReadInt8(m_stream, 0, true);
+    } else {
+        m_typeCount = m_typeSet == kLongTypeSet ? 28 : 27;
+    }
+    const auto count = static_cast<std::uint32_t>(std::max(m_typeCount, 0));
+    m_typeSizes.assign(count + 1, 0);
+    m_stream.Read(m_typeSizes.data(), count, true);
+    return true;
+}
+
+void CTraceDocument::ReadEditLists() {
+    // A count is believed only as far as the file goes on.
+    const auto ended = [this] { return m_stream.Tell() >= m_stream.GetSize(); };
+    CEditList& edits = m_store->Edits();
+    const std::int32_t disabledCount = ReadInt32(m_stream, 0, true);
+    for (std::int32_t i = 0; i < disabledCount && !ended(); ++i) {
+        edits.AddDisabled(ReadUInt32(m_stream, 0, true));
+    }
+    const std::int32_t overrideCount = ReadInt32(m_stream, 0, true);
+    for (std::int32_t i = 0; i < overrideCount && !ended(); ++i) {
+        const std::uint32_t number = ReadUInt32(m_stream, 0, true);
+        const std::uint32_t length = ReadUInt32(m_stream, 0, true);
+        const std::uint32_t position = std::min(m_stream.Tell(), m_stream.GetSize());
+        std::vector<std::uint8_t> text(std::min(length, m_stream.GetSize() - position));
+        if (!text.empty()) {
+            m_stream.Read(text.data(), static_cast<std::uint32_t>(text.size()), true);
+        }
+        edits.AddOverride(number, std::move(text));
+    }
+}
+
+void CTraceDocument::ReadFooter() {
+    constexpr std::int8_t kFirstMark = 19;
+    constexpr std::int8_t kSecondMark = 16;
+    const auto backToRecords = [this] {
+        m_stream.Seek(static_cast<std::int32_t>(m_firstRecordOffset), SEEK_SET);
+    };
+    m_stream.Seek(kFooterSize, SEEK_END);
+    if (ReadInt8(m_stream, 0, true) != kFirstMark) {
+        output::Message("The footer is currupted, no valid Render State Data.");
+        return backToRecords();
+    }
+    if (ReadInt8(m_stream, 0, true) != kSecondMark) {
+        output::Message("The footer is currupted (Check 2), no valid Render State Data.");
+        return backToRecords();
+    }
+    m_stateOffset = ReadUInt64(m_stream, 0, true);
+    if (m_stateOffset == 0) return backToRecords();
+    if (m_stateOffset == kNoFooter) return;
+    m_stream.Seek(static_cast<std::int32_t>(m_stateOffset), SEEK_SET);
+}
+
+}  // namespace kestrail
