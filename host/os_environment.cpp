@@ -1,0 +1,141 @@
+#include "host/os_environment.h"
+
+#ifdef __QNX__
+#include <screen/screen.h>
+#else
+#include "host/screen/screen.h"
+#endif
+
+#include <cstring>
+
+#include "base/name_table.h"
+#include "base/output.h"
+
+namespace kestrail {
+namespace {
+
+// Shared by all environments; windows and the context are left to the end of the process.
+TNameTable<std::uint64_t, NativeDisplay> nativeDisplays;
+TNameTable<std::uint64_t, NativeWindow> nativeWindows;
+screen_context_t screenContext = nullptr;
+
+NativeDisplay CreateScreenContext() {
+    if (screenContext == nullptr && screen_create_context(&screenContext, 0) != 0) {
+        output::SystemError("screen_create_context");
+        screenContext = nullptr;
+    }
+    return NativeDisplay{};
+}
+
+bool PrepareWindow(screen_window_t window, std::int32_t width, std::int32_t height,
+                   const char* name) {
+    constexpr int kUsage = 38;  // may be drawn on by OpenGL ES
+    constexpr int kBuffers = 2;
+    if (name != nullptr) {
+        screen_set_window_property_cv(window, SCREEN_PROPERTY_ID_STRING,
+                                      static_cast<int>(std::strlen(name)), name);
+    }
+    const int size[2] = {width, height};
+    if (width > 0 && height > 0 &&
+        screen_set_window_property_iv(window, SCREEN_PROPERTY_SIZE, size) != 0) {
+        output::SystemError("screen_set_window_property_iv(SCREEN_PROPERTY_SIZE)");
+        return false;
+    }
+    if (screen_set_window_property_iv(window, SCREEN_PROPERTY_USAGE, &kUsage) != 0) {
+        output::SystemError("screen_set_window_property_iv(SCREEN_PROPERTY_USAGE)");
+        return false;
+    }
+    if (screen_create_window_buffers(window, kBuffers) != 0) {
+        output::SystemError("screen_create_window_buffers");
+        return false;
+    }
+    return true;
+}
+
+NativeWindow CreateScreenWindow(std::int32_t width, std::int32_t height, const char* name,
+                                NativeDisplay) {
+    screen_window_t window = nullptr;
+    if (screen_create_window(&window, screenContext) != 0) {
+        output::SystemError("screen_create_window");
+        return NativeWindow{};
+    }
+    // The handle of a destroyed window is returned all the same: the surface that is then made on
+    // it fails with a message of its own.
+    if (!PrepareWindow(window, width, height, name)) screen_destroy_window(window);
+    return reinterpret_cast<NativeWindow>(window);
+}
+
+void DestroyScreenWindow(NativeWindow window, NativeDisplay) {
+    if (window != NativeWindow{}) screen_destroy_window(reinterpret_cast<screen_window_t>(window));
+}
+
+bool ProcessScreenEvents(NativeWindow, NativeDisplay) {
+    return true;
+}
+
+}  // namespace
+
+COsEnvironment::COsEnvironment()
+    : createDisplay(&CreateScreenContext),
+      createWindow(&CreateScreenWindow),
+      destroy(&DestroyScreenWindow),
+      processEvents(&ProcessScreenEvents) {}
+
+NativeDisplay COsEnvironment::GetDisplay(std::uint64_t recordedDisplay) {
+    if (const NativeDisplay* known = nativeDisplays.Find(recordedDisplay)) return *known;
+    const NativeDisplay display = createDisplay();
+    nativeDisplays.GetOrCreate(recordedDisplay) = display;
+    return display;
+}
+
+NativeWindow COsEnvironment::GetWindow(std::uint64_t recordedWindow, std::int32_t width,
+                                       std::int32_t height, NativeDisplay display) {
+    if (const NativeWindow* known = nativeWindows.Find(recordedWindow)) return *known;
+    const NativeWindow window = createWindow(width, height, "KestrailPlayback", display);
+    nativeWindows.GetOrCreate(recordedWindow) = window;
+    return window;
+}
+
+NativeWindow COsEnvironment::FindWindow(std::uint64_t recordedWindow) {
+    if (nativeWindows.Count() == 0) return NativeWindow{};
+    if (recordedWindow == ~std::uint64_t{0}) return *nativeWindows.ValueAt(0);
+    return nativeWindows.GetOrCreate(recordedWindow);
+}
+
+bool COsEnvironment::PumpEvents() {
+    // Starting out true, this cannot turn false: one window's wish to quit must not be masked by
+    // another's content, so a platform that can answer false needs another rule here.
+    bool result = true;
+    for (std::int32_t i = 0; i < nativeWindows.Count(); ++i) {
+        result |= processEvents(*nativeWindows.ValueAt(i), NativeDisplay{});
+    }
+    result |= processEvents(NativeWindow{}, NativeDisplay{});
+    return result;
+}
+
+void COsEnvironment::DestroyAll() {
+    for (std::int32_t i = 0; i < nativeWindows.Count(); ++i) {
+        destroy(*nativeWindows.ValueAt(i), NativeDisplay{});
+    }
+    nativeWindows.Clear();
+    for (std::int32_t i = 0; i < nativeDisplays.Count(); ++i) {
+        destroy(NativeWindow{}, *nativeDisplays.ValueAt(i));
+    }
+    nativeDisplays.Clear();
+}
+
+void COsEnvironment::DestroyDisplay(std::uint64_t recordedDisplay) {
+    const NativeDisplay* display = nativeDisplays.Find(recordedDisplay);
+    if (display == nullptr) return;
+    destroy(NativeWindow{}, *display);
+    nativeDisplays.Erase(recordedDisplay);
+}
+
+void COsEnvironment::DestroyWindow(std::uint64_t recordedWindow) {
+    const NativeWindow* window = nativeWindows.Find(recordedWindow);
+    if (window == nullptr) return;
+    destroy(*window, NativeDisplay{});
+    nativeWindows.Erase(recordedWindow);
+}
+
+}  // namespace kestrail
