@@ -1,0 +1,328 @@
+#include "exec/egl_config.h"
+
+#include <algorithm>
+#include <array>
+#include <iterator>
+#include <vector>
+
+#include "base/output.h"
+#include "host/egl_host.h"
+
+namespace kestrail {
+namespace {
+
+/// In the order in which they stand in a relaxed list; they are given up from the end.
+constexpr EGLint kAttributeOrder[] = {
+    EGL_STENCIL_SIZE,
+    EGL_DEPTH_SIZE,
+    EGL_BUFFER_SIZE,
+    EGL_LUMINANCE_SIZE,
+    EGL_BLUE_SIZE,
+    EGL_GREEN_SIZE,
+    EGL_RED_SIZE,
+    EGL_ALPHA_SIZE,
+    EGL_ALPHA_MASK_SIZE,
+    EGL_SAMPLE_BUFFERS,
+    EGL_SAMPLES,
+    EGL_SURFACE_TYPE,
+    EGL_COLOR_BUFFER_TYPE,
+    EGL_LEVEL,
+    EGL_CONFORMANT,
+    EGL_TRANSPARENT_BLUE_VALUE,
+    EGL_TRANSPARENT_GREEN_VALUE,
+    EGL_TRANSPARENT_RED_VALUE,
+    EGL_TRANSPARENT_TYPE,
+    EGL_MAX_SWAP_INTERVAL,
+    EGL_MIN_SWAP_INTERVAL,
+    EGL_BIND_TO_TEXTURE_RGBA,
+    EGL_BIND_TO_TEXTURE_RGB,
+    EGL_CONFIG_CAVEAT,
+    EGL_NATIVE_VISUAL_TYPE,
+};
+
+int LowWord(EGLConfig config) {
+    return static_cast<int>(reinterpret_cast<std::uintptr_t>(config));
+}
+
+/// A recorded list, taken apart.
+struct SRecordedConfig {
+    EGLint renderable = 0;
+    bool windowAndPbuffer = false;  ///< EGL_SURFACE_TYPE is exactly these two
+    std::vector<EGLint> relaxed;    ///< name and value pairs, ended by EGL_NONE
+    std::size_t base = 0;           ///< the first pair that may be given up
+};
+
+SRecordedConfig TakeApart(const EGLint* attributes) {
+    constexpr EGLint kHighestRenderable = 4;
+    SRecordedConfig config;
+    std::array<const EGLint*, std::size(kAttributeOrder)> found{};
+    for (const EGLint* pair = attributes; *pair != EGL_NONE; pair += 2) {
+        if (*pair == EGL_RENDERABLE_TYPE) {
+            config.renderable = std::min(pair[1], kHighestRenderable);
+            continue;
+        }
+        if (*pair == EGL_SURFACE_TYPE && pair[1] == (EGL_WINDOW_BIT | EGL_PBUFFER_BIT)) {
+            config.windowAndPbuffer = true;
+        }
+        const auto* place =
+            std::find(std::begin(kAttributeOrder), std::end(kAttributeOrder), *pair);
+        if (place != std::end(kAttributeOrder)) {
+            found[static_cast<std::size_t>(place - std::begin(kAttributeOrder))] = pair;
+        }
+    }
+    if (config.renderable != 0) config.relaxed = {EGL_RENDERABLE_TYPE, config.renderable};
+    config.base = config.relaxed.size();
+    for (const EGLint* pair : found) {
+        if (pair != nullptr) config.relaxed.insert(config.relaxed.end(), {pair[0], pair[1]});
+    }
+    config.relaxed.push_back(EGL_NONE);
+    return config;
+}
+
+/// Weakens one pair, or cuts the list there.
+void Relax(EGLint* pair, EGLint renderable) {
+    constexpr EGLint kOpenVg = 2;
+    switch (pair[0]) {
+        case EGL_BUFFER_SIZE:
+        case EGL_ALPHA_SIZE:
+        case EGL_BLUE_SIZE:
+        case EGL_GREEN_SIZE:
+        case EGL_RED_SIZE:
+        case EGL_DEPTH_SIZE:
+        case EGL_STENCIL_SIZE:
+        case EGL_SAMPLES:
+        case EGL_LUMINANCE_SIZE:
+            pair[1] = std::min(pair[1], 1);
+            break;
+        case EGL_SAMPLE_BUFFERS:
+            pair[1] = 0;
+            break;
+        case EGL_SURFACE_TYPE:
+            if (pair[1] > EGL_WINDOW_BIT) pair[1] &= EGL_WINDOW_BIT;
+            break;
+        case EGL_ALPHA_MASK_SIZE:
+            if (renderable == kOpenVg) {
+                pair[0] = EGL_NONE;
+            } else {
+                pair[1] = 0;
+            }
+            break;
+        default:
+            pair[0] = EGL_NONE;
+            break;
+    }
+}
+
+struct SChoice {
+    EGLConfig config = nullptr;
+    EGLBoolean result = EGL_FALSE;
+    EGLint count = 0;
+};
+
+SChoice Choose(SEglHost& host, EGLDisplay display, const EGLint* attributes) {
+    SChoice choice;
+    choice.result = host.eglChooseConfig(display, attributes, &choice.config, 1, &choice.count);
+    return choice;
+}
+
+bool Found(const SChoice& choice, EGLint error) {
+    return error == EGL_SUCCESS && choice.result == EGL_TRUE && choice.count > 0;
+}
+
+/// The last resorts: a list of the barest needs, then whatever the host has.
+EGLConfig ChooseBare(SEglHost& host, EGLDisplay display, const SRecordedConfig& recorded) {
+    output::Message("Could not determine equivalent EGLConfig: Using bare config\n");
+    std::vector<EGLint> bare = {EGL_SURFACE_TYPE, recorded.windowAndPbuffer
+                                                      ? EGL_WINDOW_BIT | EGL_PBUFFER_BIT
+                                                      : EGL_WINDOW_BIT};
+    if (recorded.renderable != 0) {
+        bare.insert(bare.end(), {EGL_RENDERABLE_TYPE, recorded.renderable});
+    }
+    bare.insert(bare.end(), {EGL_BUFFER_SIZE, 24, EGL_NONE});
+    SChoice choice = Choose(host, display, bare.data());
+    if (Found(choice, host.eglGetError())) return choice.config;
+
+    output::Message("Bare config not valid, getting any available configs...\n");
+    choice = SChoice{};
+    choice.result = host.eglGetConfigs(display, &choice.config, 1, &choice.count);
+    if (Found(choice, host.eglGetError())) return choice.config;
+
+    output::Message(
+        "Could not find any valid EGLConfigs. Please try a different playback platform.\n");
+    throw "Impossible to create a proper EGL Context";
+}
+
+struct SDumpWord {
+    EGLint value;
+    const char* text;
+};
+
+void DumpNumber(const char* name, EGLint value) {
+    output::Message("%s=%d", name, value);
+}
+
+/// The name and, on a line of its own, the value's word.
+void DumpWord(const char* name, EGLint value, std::initializer_list<SDumpWord> words) {
+    output::Message("%s=", name);
+    for (const SDumpWord& word : words) {
+        if (word.value == value) return output::Message("%s", word.text);
+    }
+    output::Message("%d (Undefined)", value);
+}
+
+void DumpBits(const char* name, EGLint value, std::initializer_list<SDumpWord> bits) {
+    output::Message("%s=", name);
+    for (const SDumpWord& bit : bits) {
+        if ((value & bit.value) != 0) output::Message("%s", bit.text);
+    }
+}
+
+void DumpPlainValue(const char* name, EGLint value) {
+    output::Message("%s=", name);
+    output::Message("%d", value);
+}
+
+void DumpBoolean(const char* name, EGLint value) {
+    DumpWord(name, value, {{-1, "EGL_DONT_CARE"}, {1, "EGL_TRUE"}, {0, "EGL_FALSE"}});
+}
+
+void DumpApis(const char* name, EGLint value) {
+    DumpBits(name, value,
+             {{1, "EGL_OPENGL_ES_BIT "},
+              {2, "EGL_OPENVG_BIT "},
+              {4, "EGL_OPENGL_ES2_BIT "},
+              {8, "EGL_OPENGL_BIT "}});
+}
+
+/// False for a code that names no attribute of a configuration.
+bool DumpAttribute(EGLint code, EGLint value) {
+    static constexpr const char* kNumbers[] = {
+        "EGL_BUFFER_SIZE", "EGL_ALPHA_SIZE", "EGL_BLUE_SIZE",   "EGL_GREEN_SIZE",
+        "EGL_RED_SIZE",    "EGL_DEPTH_SIZE", "EGL_STENCIL_SIZE"};
+    static constexpr const char* kLimits[] = {"EGL_CONFIG_ID", "EGL_LEVEL",
+                                              "EGL_MAX_PBUFFER_HEIGHT", "EGL_MAX_PBUFFER_PIXELS",
+                                              "EGL_MAX_PBUFFER_WIDTH"};
+    static constexpr const char* kTransparent[] = {
+        "EGL_TRANSPARENT_BLUE_VALUE", "EGL_TRANSPARENT_GREEN_VALUE", "EGL_TRANSPARENT_RED_VALUE"};
+    static constexpr const char* kIntervals[] = {"EGL_MIN_SWAP_INTERVAL", "EGL_MAX_SWAP_INTERVAL",
+                                                 "EGL_LUMINANCE_SIZE", "EGL_ALPHA_MASK_SIZE"};
+    if (code >= EGL_BUFFER_SIZE && code <= EGL_STENCIL_SIZE) {
+        DumpNumber(kNumbers[code - EGL_BUFFER_SIZE], value);
+    } else if (code >= EGL_CONFIG_ID && code <= EGL_MAX_PBUFFER_WIDTH) {
+        DumpNumber(kLimits[code - EGL_CONFIG_ID], value);
+    } else if (code >= EGL_TRANSPARENT_BLUE_VALUE && code <= EGL_TRANSPARENT_RED_VALUE) {
+        DumpPlainValue(kTransparent[code - EGL_TRANSPARENT_BLUE_VALUE], value);
+    } else if (code >= EGL_MIN_SWAP_INTERVAL && code <= EGL_ALPHA_MASK_SIZE) {
+        DumpNumber(kIntervals[code - EGL_MIN_SWAP_INTERVAL], value);
+    } else {
+        switch (code) {
+            case EGL_CONFIG_CAVEAT:
+                DumpWord("EGL_CONFIG_CAVEAT", value,
+                         {{EGL_NONE, "EGL_NONE"},
+                          {EGL_SLOW_CONFIG, "EGL_SLOW_CONFIG"},
+                          {EGL_NON_CONFORMANT_CONFIG, "EGL_NON_CONFORMANT_CONFIG"}});
+                break;
+            case EGL_NATIVE_RENDERABLE:
+                DumpBoolean("EGL_NATIVE_RENDERABLE", value);
+                break;
+            case EGL_NATIVE_VISUAL_ID:
+                DumpNumber("EGL_NATIVE_VISUAL_ID", value);
+                break;
+            case EGL_NATIVE_VISUAL_TYPE:
+                DumpPlainValue("EGL_NATIVE_VISUAL_TYPE", value);
+                break;
+            case EGL_SAMPLES:
+                DumpNumber("EGL_SAMPLES", value);
+                break;
+            case EGL_SAMPLE_BUFFERS:
+                DumpNumber("EGL_SAMPLE_BUFFERS", value);
+                break;
+            case EGL_SURFACE_TYPE:
+                DumpBits("EGL_SURFACE_TYPE", value,
+                         {{0x1, "EGL_PBUFFER_BIT "},
+                          {0x2, "EGL_PIXMAP_BIT "},
+                          {0x4, "EGL_WINDOW_BIT "},
+                          {0x20, "EGL_VG_COLORSPACE_LINEAR_BIT "},
+                          {0x40, "EGL_VG_ALPHA_FORMAT_PRE_BIT "},
+                          {0x200, "EGL_MULTISAMPLE_RESOLVE_BOX_BIT "},
+                          {0x400, "EGL_SWAP_BEHAVIOR_PRESERVED_BIT "}});
+                break;
+            case EGL_TRANSPARENT_TYPE:
+                DumpWord("EGL_TRANSPARENT_TYPE", value,
+                         {{EGL_NONE, "EGL_NONE"}, {EGL_TRANSPARENT_RGB, "EGL_TRANSPARENT_RGB"}});
+                break;
+            case EGL_BIND_TO_TEXTURE_RGB:
+                DumpBoolean("EGL_BIND_TO_TEXTURE_RGB", value);
+                break;
+            case EGL_BIND_TO_TEXTURE_RGBA:
+                DumpBoolean("EGL_BIND_TO_TEXTURE_RGBA", value);
+                break;
+            case EGL_COLOR_BUFFER_TYPE:
+                DumpWord("EGL_COLOR_BUFFER_TYPE", value,
+                         {{EGL_RGB_BUFFER, "EGL_RGB_BUFFER"},
+                          {EGL_LUMINANCE_BUFFER, "EGL_LUMINANCE_BUFFER"}});
+                break;
+            case EGL_RENDERABLE_TYPE:
+                DumpApis("EGL_RENDERABLE_TYPE", value);
+                break;
+            case EGL_CONFORMANT:
+                DumpApis("EGL_CONFORMANT", value);
+                break;
+            default:
+                return false;
+        }
+    }
+    return true;
+}
+
+}  // namespace
+
+void DumpEglConfig(EGLConfig config, EGLDisplay display) {
+    SEglHost& host = *GetEglHost();
+    output::Message("\n Final Config: %d", LowWord(config));
+    for (EGLint code = EGL_BUFFER_SIZE; code <= EGL_CONFORMANT; ++code) {
+        EGLint value = 0;
+        host.eglGetConfigAttrib(display, config, code, &value);
+        if (DumpAttribute(code, value)) output::Message("%s", "");
+    }
+    output::Message("%s", "");
+}
+
+EGLConfig FindEglConfig(CEglNames& names, EGLDisplay display, std::int64_t recordedConfig,
+                        const EGLint* attributes) {
+    const auto recorded = static_cast<CEglNames::Recorded>(recordedConfig);
+    if (const EGLConfig* known = names.FindConfig(display, recorded)) return *known;
+    if (attributes == nullptr || attributes[0] == EGL_NONE) return nullptr;
+
+    SEglHost& host = *GetEglHost();
+    SChoice choice = Choose(host, display, attributes);
+    const EGLint firstError = host.eglGetError();
+    if (Found(choice, host.eglGetError())) {
+        names.SetConfig(display, recorded, choice.config);
+        return choice.config;
+    }
+    // The recorded configuration fills two of the conversions, and all others move by one.
+    output::Message(
+        "Original EGLConfig is not valid (%d), attempting to find a similar valid config. "
+        "Error: 0x%x Return value=%d Comfigs found=%d",
+        static_cast<int>(recorded), static_cast<unsigned>(recorded >> 32), firstError,
+        static_cast<int>(choice.result));
+
+    SRecordedConfig config = TakeApart(attributes);
+    const std::size_t end = config.relaxed.size() - 1;
+    for (std::size_t i = end; i >= config.base + 2; i -= 2) {
+        choice = Choose(host, display, config.relaxed.data());
+        if (Found(choice, host.eglGetError())) {
+            output::Message("\n Valid config found. Using config: %d", LowWord(choice.config));
+            DumpEglConfig(choice.config, display);
+            names.SetConfig(display, recorded, choice.config);
+            return choice.config;
+        }
+        Relax(&config.relaxed[i - 2], config.renderable);
+    }
+    const EGLConfig bare = ChooseBare(host, display, config);
+    names.SetConfig(display, recorded, bare);
+    return bare;
+}
+
+}  // namespace kestrail

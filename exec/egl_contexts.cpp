@@ -1,0 +1,106 @@
+// Displays, contexts, and what binds them to the thread.
+#include "exec/egl_calls.h"
+#include "exec/egl_config.h"
+#include "exec/egl_executor.h"
+#include "exec/surface_size.h"
+
+namespace kestrail {
+namespace {
+
+EGLDisplay LiveDisplay(SEglPlay& c) {
+    return c.names.GetDisplay(c.Value<TEGLDisplay>(0));
+}
+
+/// Also for a recording that began after the application had initialised EGL.
+void Initialize(SEglPlay& c, EGLDisplay display) {
+    c.host.eglInitialize(display, nullptr, nullptr);
+    c.names.SetContextValid(true);
+}
+
+}  // namespace
+
+EPlayed PlayEglBindAPI(SEglPlay& c) {
+    c.host.eglBindAPI(c.Value<TEGLenum>(0));
+    return EPlayed::kPlayed;
+}
+
+EPlayed PlayEglCreateContext(SEglPlay& c) {
+    const EGLDisplay display = LiveDisplay(c);
+    const EGLConfig config = FindEglConfig(c.names, display, c.Value<TuintType<4>>(1),
+                                           c.At<SEglAttribList>(4).GetRawArray());
+    const EGLContext shared = c.names.GetContext(display, c.Value<TEGLContext>(2));
+    Initialize(c, display);
+    const EGLContext context =
+        c.host.eglCreateContext(display, config, shared, c.At<SEglAttribList>(3).GetRawArray());
+    c.player.lastError = static_cast<std::uint32_t>(c.host.eglGetError());
+    c.names.SetContext(display, c.Returned<TEGLContext>(), context);
+    return EPlayed::kPlayed;
+}
+
+EPlayed PlayEglDestroyContext(SEglPlay& c) {
+    const EGLDisplay display = LiveDisplay(c);
+    const std::uint32_t recorded = c.Value<TEGLContext>(1);
+    c.host.eglDestroyContext(display, c.names.GetContext(display, recorded));
+    c.names.RemoveContext(display, recorded);
+    return EPlayed::kPlayed;
+}
+
+EPlayed PlayEglGetDisplay(SEglPlay& c) {
+    const EGLNativeDisplayType native =
+        c.player.environment.GetDisplay(c.Value<TEGLNativeDisplayType>(0));
+    c.names.SetDisplay(c.Returned<TEGLDisplay>(), c.host.eglGetDisplay(native), native);
+    return EPlayed::kPlayed;
+}
+
+EPlayed PlayEglInitialize(SEglPlay& c) {
+    Initialize(c, LiveDisplay(c));
+    return EPlayed::kPlayed;
+}
+
+EPlayed PlayEglMakeCurrent(SEglPlay& c) {
+    const EGLDisplay display = LiveDisplay(c);
+    const EGLSurface draw = c.names.GetSurface(display, c.Value<TEGLSurface>(1));
+    const EGLSurface read = c.names.GetSurface(display, c.Value<TEGLSurface>(2));
+    const EGLContext context = c.names.GetContext(display, c.Value<TEGLContext>(3));
+    c.host.eglMakeCurrent(display, draw, read, context);
+    if (context == EGL_NO_CONTEXT) return EPlayed::kPlayed;
+    c.names.UseContext(context);
+    if (CheckEglError(c.player) && c.player.sync) c.host.eglSwapInterval(display, 0);
+    CheckEglError(c.player);
+    LearnSurfaceSize(c, display, read, true, -1, -1);
+    return EPlayed::kPlayed;
+}
+
+EPlayed PlayEglReleaseThread(SEglPlay& c) {
+    c.host.eglReleaseThread();
+    return EPlayed::kPlayed;
+}
+
+EPlayed PlayEglTerminate(SEglPlay& c) {
+    const EGLDisplay display = LiveDisplay(c);
+    c.host.eglTerminate(display);
+    c.names.ClearDisplay(display);
+    // Keyed by the live handle, so that the recorded display stays known.
+    c.names.RemoveDisplay(reinterpret_cast<std::uintptr_t>(display));
+    c.names.SetContextValid(false);
+    c.player.names.ResetNames();
+    c.player.es1Names.ResetNames();
+    return EPlayed::kPlayed;
+}
+
+EPlayed PlayEglWaitClient(SEglPlay& c) {
+    c.host.eglWaitClient();
+    return EPlayed::kPlayed;
+}
+
+EPlayed PlayEglWaitGL(SEglPlay& c) {
+    c.host.eglWaitGL();
+    return EPlayed::kPlayed;
+}
+
+EPlayed PlayEglWaitNative(SEglPlay& c) {
+    c.host.eglWaitNative(EGL_CORE_NATIVE_ENGINE);
+    return EPlayed::kLeftOut;
+}
+
+}  // namespace kestrail

@@ -1,0 +1,32 @@
+#include "exec/egl_executor.h"
+
+#include "base/output.h"
+#include "exec/egl_calls.h"
+
+namespace kestrail {
+
+bool CheckEglError(SPlayerState& player) {
+    player.lastError = static_cast<std::uint32_t>(GetEglHost()->eglGetError());
+    if (player.lastError == EGL_SUCCESS) return true;
+    output::Message("EGL Error Code: 0x%lx, Call= %s\n",
+                    static_cast<unsigned long>(player.lastError), player.currentCallName);
+    return false;
+}
+
+bool PlayEglCall(SPlayerState& player, CCallEntry& entry) {
+    constexpr std::uint16_t kFirst = 1001;
+    constexpr std::uint16_t kLast = 1034;
+    const auto& call = static_cast<const CEglCall&>(*entry.call);
+    // A call that failed when it was recorded changed nothing that later calls rely on.
+    if (call.m_eglError.GetValue() != EGL_SUCCESS) return true;
+    if (call.m_id < kFirst || call.m_id > kLast) {
+        output::Message("EGL Unknown call");
+        return false;
+    }
+    SEglPlay c{player, entry, *entry.GetInfo(), call.m_id, *GetEglHost(), player.eglNames};
+    const EPlayed played = PlayEglCase(c);
+    if (played != EPlayed::kPlayed) return played == EPlayed::kLeftOut;
+    return player.checkErrors ? CheckEglError(player) : true;
+}
+
+}  // namespace kestrail

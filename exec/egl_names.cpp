@@ -1,0 +1,132 @@
+#include "exec/egl_names.h"
+
+namespace kestrail {
+namespace {
+
+std::uint64_t Key(const void* live) {
+    return reinterpret_cast<std::uintptr_t>(live);
+}
+
+/// The entry of a nested table; null without a table or an entry.
+template <typename Live>
+const Live* FindNested(const TNameTable<std::uint64_t, TNameTable<std::uint64_t, Live>>& tables,
+                       EGLDisplay display, std::uint64_t recorded) {
+    const auto* table = tables.Find(Key(display));
+    return table != nullptr ? table->Find(recorded) : nullptr;
+}
+
+template <typename Live>
+void EraseNested(TNameTable<std::uint64_t, TNameTable<std::uint64_t, Live>>& tables,
+                 EGLDisplay display, std::uint64_t recorded) {
+    auto* table = tables.Find(Key(display));
+    if (table != nullptr) table->Erase(recorded);
+}
+
+/// A size of -1 asks for the stored one; any other is stored.
+void StoreOrLoad(std::int32_t& value, std::int32_t& stored) {
+    if (value == -1) {
+        value = stored;
+    } else {
+        stored = value;
+    }
+}
+
+}  // namespace
+
+CEglNames::SState CEglNames::s_state;
+
+CEglNames::SState::SState() : pixelStore(&pixelStores.GetOrCreate(0)) {}
+
+EGLDisplay CEglNames::GetDisplay(Recorded recorded) const {
+    if (recorded == 0) return EGL_NO_DISPLAY;
+    const EGLDisplay* live = s_state.displays.Find(recorded);
+    return live != nullptr ? *live : EGL_NO_DISPLAY;
+}
+
+void CEglNames::SetDisplay(Recorded recorded, EGLDisplay live, EGLNativeDisplayType native) {
+    s_state.displays.GetOrCreate(recorded) = live;
+    s_state.nativeDisplays.GetOrCreate(Key(live)) = native;
+}
+
+EGLNativeDisplayType CEglNames::GetNativeDisplay(EGLDisplay live) const {
+    if (live == EGL_NO_DISPLAY) return EGLNativeDisplayType{};
+    const EGLNativeDisplayType* native = s_state.nativeDisplays.Find(Key(live));
+    return native != nullptr ? *native : EGLNativeDisplayType{};
+}
+
+EGLSurface CEglNames::GetSurface(EGLDisplay live, Recorded recorded) const {
+    if (recorded == 0) return EGL_NO_SURFACE;
+    const EGLSurface* surface = FindNested(s_state.surfaces, live, recorded);
+    return surface != nullptr ? *surface : EGL_NO_SURFACE;
+}
+
+void CEglNames::SetSurface(EGLDisplay live, Recorded recorded, EGLSurface surface) {
+    s_state.surfaces.GetOrCreate(Key(live)).GetOrCreate(recorded) = surface;
+}
+
+void CEglNames::RemoveSurface(EGLDisplay live, Recorded recorded) {
+    EraseNested(s_state.surfaces, live, recorded);
+}
+
+EGLContext CEglNames::GetContext(EGLDisplay live, Recorded recorded) {
+    if (recorded == 0) return EGL_NO_CONTEXT;
+    return s_state.contexts.GetOrCreate(Key(live)).GetOrCreate(recorded);
+}
+
+void CEglNames::SetContext(EGLDisplay live, Recorded recorded, EGLContext context) {
+    s_state.contexts.GetOrCreate(Key(live)).GetOrCreate(recorded) = context;
+    // A host may hand out the handle of a destroyed context again; the new one starts afresh.
+    SPixelStore* store = s_state.pixelStores.Find(Key(context));
+    if (store != nullptr && context != EGL_NO_CONTEXT) *store = SPixelStore{};
+}
+
+void CEglNames::RemoveContext(EGLDisplay live, Recorded recorded) {
+    EraseNested(s_state.contexts, live, recorded);
+}
+
+const EGLConfig* CEglNames::FindConfig(EGLDisplay live, Recorded recorded) const {
+    return FindNested(s_state.configs, live, recorded);
+}
+
+void CEglNames::SetConfig(EGLDisplay live, Recorded recorded, EGLConfig config) {
+    s_state.configs.GetOrCreate(Key(live)).GetOrCreate(recorded) = config;
+}
+
+void CEglNames::ClearDisplay(EGLDisplay live) {
+    auto* surfaces = s_state.surfaces.Find(Key(live));
+    if (surfaces != nullptr) surfaces->Clear();
+    auto* contexts = s_state.contexts.Find(Key(live));
+    if (contexts != nullptr) contexts->Clear();
+    if (s_state.contexts.Count() == 1) s_state.contexts.Clear();
+}
+
+void CEglNames::RemoveDisplay(Recorded recorded) {
+    const EGLDisplay* found = s_state.displays.Find(recorded);
+    if (found == nullptr) return;
+    const std::uint64_t live = Key(*found);
+    s_state.displays.Erase(recorded);
+    s_state.nativeDisplays.Erase(live);
+    s_state.surfaces.Erase(live);
+    s_state.contexts.Erase(live);
+    s_state.configs.Erase(live);
+}
+
+void CEglNames::SurfaceGeometry(std::int32_t& liveWidth, std::int32_t& liveHeight,
+                                std::int32_t& recordedWidth, std::int32_t& recordedHeight,
+                                EGLDisplay& display) {
+    StoreOrLoad(liveWidth, s_state.liveWidth);
+    StoreOrLoad(liveHeight, s_state.liveHeight);
+    StoreOrLoad(recordedWidth, s_state.recordedWidth);
+    StoreOrLoad(recordedHeight, s_state.recordedHeight);
+    if (display == EGL_NO_DISPLAY) {
+        display = s_state.surfaceDisplay;
+    } else {
+        s_state.surfaceDisplay = display;
+    }
+}
+
+void CEglNames::UseContext(EGLContext context) {
+    s_state.pixelStore = &s_state.pixelStores.GetOrCreate(Key(context));
+}
+
+}  // namespace kestrail

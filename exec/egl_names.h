@@ -1,0 +1,78 @@
+// EGL handles of the recording against those of the host, the size of the current surface, and the
+// pixel store state of each context. Empty objects; the state behind them is one for the process.
+#pragma once
+
+#include <EGL/egl.h>
+
+#include <cstdint>
+
+#include "base/name_table.h"
+#include "exec/pixel_store.h"
+
+namespace kestrail {
+
+class CEglNames {
+public:
+    /// Recorded handles are 64-bit keys, whatever width the recording had.
+    using Recorded = std::uint64_t;
+
+    /// EGL_NO_DISPLAY for 0 and for an unknown handle.
+    EGLDisplay GetDisplay(Recorded recorded) const;
+    void SetDisplay(Recorded recorded, EGLDisplay live, EGLNativeDisplayType native);
+    EGLNativeDisplayType GetNativeDisplay(EGLDisplay live) const;
+    /// EGL_NO_SURFACE for 0 and for an unknown handle.
+    EGLSurface GetSurface(EGLDisplay live, Recorded recorded) const;
+    void SetSurface(EGLDisplay live, Recorded recorded, EGLSurface surface);
+    void RemoveSurface(EGLDisplay live, Recorded recorded);
+    /// EGL_NO_CONTEXT for 0; an unknown handle gets an entry with that value.
+    EGLContext GetContext(EGLDisplay live, Recorded recorded);
+    void SetContext(EGLDisplay live, Recorded recorded, EGLContext context);
+    void RemoveContext(EGLDisplay live, Recorded recorded);
+    /// The live configuration chosen for a recorded one; null when none was chosen yet.
+    const EGLConfig* FindConfig(EGLDisplay live, Recorded recorded) const;
+    void SetConfig(EGLDisplay live, Recorded recorded, EGLConfig config);
+
+    /// Empties the display's tables of surfaces and contexts.
+    void ClearDisplay(EGLDisplay live);
+    /// Forgets the display and all that hangs from it.
+    void RemoveDisplay(Recorded recorded);
+
+    /// Sets and gets at once: a size other than -1 is stored, one of -1 is overwritten with what is
+    /// stored; likewise for a display other than EGL_NO_DISPLAY. Sizes in pixels.
+    void SurfaceGeometry(std::int32_t& liveWidth, std::int32_t& liveHeight,
+                         std::int32_t& recordedWidth, std::int32_t& recordedHeight,
+                         EGLDisplay& display);
+
+    /// A context is usable: what GL executors test before they touch the host.
+    bool ContextValid() const { return s_state.contextValid; }
+    void SetContextValid(bool valid) { s_state.contextValid = valid; }
+
+    /// The pixel store state that the player has given to the context in use.
+    SPixelStore& PixelStore() { return *s_state.pixelStore; }
+    void UseContext(EGLContext context);
+
+private:
+    template <typename Live>
+    using PerDisplay = TNameTable<std::uint64_t, TNameTable<std::uint64_t, Live>>;
+
+    struct SState {
+        SState();
+        TNameTable<std::uint64_t, EGLDisplay> displays;
+        TNameTable<std::uint64_t, EGLNativeDisplayType> nativeDisplays;
+        PerDisplay<EGLSurface> surfaces;
+        PerDisplay<EGLContext> contexts;
+        PerDisplay<EGLConfig> configs;
+        TNameTable<std::uint64_t, SPixelStore> pixelStores;
+        SPixelStore* pixelStore;
+        bool contextValid = false;
+        std::int32_t liveWidth = 0;
+        std::int32_t liveHeight = 0;
+        std::int32_t recordedWidth = 0;
+        std::int32_t recordedHeight = 0;
+        EGLDisplay surfaceDisplay = EGL_NO_DISPLAY;
+    };
+
+    static SState s_state;
+};
+
+}  // namespace kestrail

@@ -1,0 +1,219 @@
+// Draws. ES1 has fixed arrays: before the host draws, each enabled client array is pointed at the
+// bytes that the recorder kept in the call.
+#include <algorithm>
+
+#include "base/output.h"
+#include "calls/model/client_arrays.h"
+#include "exec/draw_indices.h"
+#include "exec/es1_calls.h"
+#include "exec/es1_executor.h"
+#include "exec/extension_resolver.h"
+#include "exec/viewport_correction.h"
+
+namespace kestrail {
+namespace {
+
+using CapturedArrays = SVectorData<SDataPtr*>;
+using CapturedIndices = SVectorData<int>;
+
+/// A kind of client array by the enumerants that ask for its state; 0 where it has no such state.
+struct SArrayKind {
+    GLenum enable;
+    GLenum size;
+    GLenum type;
+    GLenum buffer;
+    GLenum pointer;
+};
+
+enum EKind : int {
+    kColor,
+    kNormal,
+    kVertex,
+    kPointSize,
+    kMatrixIndex,
+    kWeight,
+    kFirstTexture,
+    kKinds = kFirstTexture + 8,
+};
+
+constexpr SArrayKind kArrayKinds[] = {
+    {32886, 32897, 32898, 34968, 32912},  // colour
+    {32885, 0, 32894, 34967, 32911},      // normal
+    {32884, 32890, 32891, 34966, 32910},  // vertex
+    {35740, 0, 35210, 35743, 35212},      // point size
+    {34884, 34886, 34887, 35742, 34889},  // matrix index
+    {34477, 34475, 34473, 34974, 34476},  // weight
+    {32888, 32904, 32905, 34970, 32914},  // texture coordinates of a unit
+};
+
+/// What the host says of a client array.
+struct SArrayState {
+    GLint size = 1;
+    GLint type = 0;
+    GLint buffer = 0;
+    void* pointer = nullptr;
+};
+
+GLint Integer(SEs1Host& host, GLenum name) {
+    GLint value = 0;
+    host.glGetIntegerv(name, &value);
+    return value;
+}
+
+class CEs1ClientArrays {
+public:
+    /// `vertices`: how many vertices the draw reads; 0 when that stands in a buffer of the host.
+    /// `missing`: what is said of an array without captured bytes; null for nothing.
+    CEs1ClientArrays(SEs1Play& c, const CapturedArrays& arrays, const CapturedIndices& indices,
+                     std::int64_t vertices, const char* missing)
+        : m_c(c),
+          m_arrays(arrays),
+          m_indices(indices),
+          m_byPosition(!indices.items.empty() && indices.items.front() == -1),
+          m_vertices(vertices),
+          m_missing(missing) {}
+
+    /// Points the enabled client arrays at their bytes. False when the bytes end before the
+    /// vertices do.
+    bool Point() {
+        for (int kind = 0; kind < kFirstTexture; ++kind) PointFixed(kind);
+        for (int kind = kFirstTexture; kind < kKinds; ++kind) PointTexture(kind);
+        return m_sound;
+    }
+
+private:
+    SArrayState Ask(const SArrayKind& kind) const {
+        SArrayState state;
+        if (kind.size != 0) state.size = Integer(m_c.host, kind.size);
+        state.type = Integer(m_c.host, kind.type);
+        state.buffer = Integer(m_c.host, kind.buffer);
+        m_c.host.glGetPointerv(kind.pointer, &state.pointer);
+        return state;
+    }
+
+    void PointFixed(int kind) {
+        const SArrayKind& array = kArrayKinds[kind];
+        if (kind == kMatrixIndex) {
+            if (m_c.host.glMatrixIndexPointerOES == nullptr) return;
+            const bool enabled = m_c.host.glIsEnabled(array.enable) != GL_FALSE;
+            // The enumerant may be unknown to the driver, and its error must not linger.
+            m_c.player.lastError = m_c.host.glGetError();
+            if (!enabled) return;
+        } else if (m_c.host.glIsEnabled(array.enable) == GL_FALSE) {
+            return;
+        }
+        const SArrayState state = Ask(array);
+        if (state.buffer == 0 && state.pointer != nullptr) PointOne(kind, state);
+    }
+
+    void PointTexture(int kind) {
+        constexpr GLenum kMaxTextureUnits = 34018;
+        constexpr GLenum kClientActiveTexture = 34017;
+        const SArrayKind& array = kArrayKinds[kFirstTexture];
+        if (kind - kFirstTexture >= Integer(m_c.host, kMaxTextureUnits)) return;
+        const auto saved = static_cast<GLenum>(Integer(m_c.host, kClientActiveTexture));
+        m_c.host.glClientActiveTexture(GL_TEXTURE0 + static_cast<GLenum>(kind - kFirstTexture));
+        const SArrayState state = Ask(array);
+        if (state.buffer == 0 && state.pointer != nullptr &&
+            m_c.host.glIsEnabled(array.enable) == GL_TRUE) {
+            PointOne(kind, state);
+        }
+        m_c.host.glClientActiveTexture(saved);
+    }
+
+    /// The captured array of a kind; null when it has none.
+    const SDataPtr* ArrayOf(int kind) const {
+        std::size_t place = m_next;
+        if (!m_byPosition) {
+            const auto found = std::find(m_indices.items.begin(), m_indices.items.end(), kind);
+            place = static_cast<std::size_t>(found - m_indices.items.begin());
+        }
+        return place < m_arrays.items.size() ? m_arrays.items[place].get() : nullptr;
+    }
+
+    void PointOne(int kind, const SArrayState& state) {
+        const SDataPtr* array = ArrayOf(kind);
+        if (array == nullptr) {
+            if (!m_byPosition && m_missing != nullptr) output::Message("%s", m_missing);
+            return;
+        }
+        const auto type = static_cast<GLenum>(state.type);
+        const GLint size = kind == kNormal ? 3 : state.size;
+        if (array->GetSize() < VertexBytes(type, size) * m_vertices) m_sound = false;
+        Set(kind, size, type, array->GetData());
+        if (m_byPosition) ++m_next;
+    }
+
+    /// The captured bytes are tightly packed, whatever stride the application used.
+    void Set(int kind, GLint size, GLenum type, const void* data) {
+        switch (kind) {
+            case kColor:
+                return m_c.host.glColorPointer(size, type, 0, data);
+            case kNormal:
+                return m_c.host.glNormalPointer(type, 0, data);
+            case kVertex:
+                return m_c.host.glVertexPointer(size, type, 0, data);
+            case kPointSize:
+                return m_c.host.glPointSizePointerOES(type, 0, data);
+            case kMatrixIndex:
+                return m_c.host.glMatrixIndexPointerOES(size, type, 0, data);
+            case kWeight:
+                if (m_c.host.glWeightPointerOES == nullptr) return;
+                return m_c.host.glWeightPointerOES(size, type, 0, data);
+            default:
+                return m_c.host.glTexCoordPointer(size, type, 0, data);
+        }
+    }
+
+    SEs1Play& m_c;
+    const CapturedArrays& m_arrays;
+    const CapturedIndices& m_indices;
+    bool m_byPosition;
+    std::int64_t m_vertices;
+    const char* m_missing;
+    std::size_t m_next = 0;
+    bool m_sound = true;
+};
+
+/// Points the arrays for a draw, with the array buffer unbound meanwhile.
+bool PointArrays(SEs1Play& c, CEs1ClientArrays& arrays) {
+    constexpr GLenum kArrayBufferBinding = 34964;
+    const auto arrayBuffer = static_cast<GLuint>(Integer(c.host, kArrayBufferBinding));
+    c.host.glBindBuffer(GL_ARRAY_BUFFER, 0);
+    EnsureExtensionResolver(c.names);
+    const bool sound = arrays.Point();
+    c.host.glBindBuffer(GL_ARRAY_BUFFER, arrayBuffer);
+    CorrectViewport(c.player, c.names.ViewportDirty(), c.host);
+    return sound;
+}
+
+}  // namespace
+
+EPlayed PlayGlDrawArrays(SEs1Play& c) {
+    const GLint first = c.Value<TintType<17>>(1);
+    const GLsizei count = c.Value<TintType<18>>(2);
+    CEs1ClientArrays arrays(c, c.At<CapturedArrays>(3), c.At<CapturedIndices>(4),
+                            std::max<std::int64_t>(std::int64_t{first} + count, 0),
+                            "glDrawArrays: No enought Data. No Pointer replaced with real memory. "
+                            "glDrawArrays would crash.");
+    if (!PointArrays(c, arrays)) return EPlayed::kFailed;
+    c.host.glDrawArrays(c.Value<TGLBeginMode>(0), first, count);
+    return EPlayed::kPlayed;
+}
+
+EPlayed PlayGlDrawElements(SEs1Play& c) {
+    constexpr GLenum kElementBufferBinding = 34965;
+    const GLsizei count = c.Value<TintType<18>>(1);
+    const GLenum type = c.Value<TGLenum>(2);
+    const bool elementBuffer = Integer(c.host, kElementBufferBinding) != 0;
+    const SDrawIndices indices =
+        DrawIndices(elementBuffer, c.At<SDataPtr>(3), c.Value<TPointer>(4), count, type);
+    // Arrays without captured bytes are passed over in silence here.
+    CEs1ClientArrays arrays(c, c.At<CapturedArrays>(5), c.At<CapturedIndices>(6), indices.vertices,
+                            nullptr);
+    if (!PointArrays(c, arrays) || !indices.sound) return EPlayed::kFailed;
+    c.host.glDrawElements(c.Value<TGLBeginMode>(0), count, type, indices.pointer);
+    return EPlayed::kPlayed;
+}
+
+}  // namespace kestrail

@@ -1,0 +1,97 @@
+#include "exec/es1_executor.h"
+
+#include "exec/es1_calls.h"
+#include "exec/extension_resolver.h"
+#include "exec/texture_images.h"
+
+namespace kestrail {
+
+bool CheckEs1Error(SPlayerState& player) {
+    player.lastError = GetEs1Host()->glGetError();
+    return player.lastError == GL_NO_ERROR;
+}
+
+bool PlayEs1Call(SPlayerState& player, CCallEntry& entry) {
+    const CApiCall& call = *entry.call;
+    if (call.m_error.GetValue() != GL_NO_ERROR) return true;
+    SEs1Play c{player, entry, *entry.GetInfo(), call.m_id, *GetEs1Host(), player.es1Names};
+    const EPlayed played = PlayEs1Case(c);
+    if (played != EPlayed::kPlayed) return played == EPlayed::kLeftOut;
+    return player.checkErrors ? CheckEs1Error(player) : true;
+}
+
+EPlayed PlayGlDeleteBuffers(SEs1Play& c) {
+    const GLsizei count = c.Value<TintType<18>>(0);
+    const auto& recorded = c.At<SNameArray>(1);
+    if (recorded.ItemCount() < std::int64_t{count}) return EPlayed::kFailed;
+    // One host call a name, and the translations stay: a later bind of the same recorded name binds
+    // the deleted one and generates none.
+    for (GLsizei i = 0; i < count; ++i) {
+        const GLuint live = c.names.Buffers().Get(recorded.GetItem(static_cast<std::uint32_t>(i)));
+        c.host.glDeleteBuffers(1, &live);
+    }
+    return EPlayed::kPlayed;
+}
+
+EPlayed PlayGlPixelStorei(SEs1Play& c) {
+    return PlayPixelStorei(c);
+}
+
+EPlayed PlayGlTexImage2D(SEs1Play& c) {
+    return PlayTexImage2D(c);
+}
+
+EPlayed PlayGlPointSizePointerOES(SEs1Play& c) {
+    EnsureExtensionResolver(c.names);
+    c.host.glPointSizePointerOES(c.Value<TGLenum>(0), c.Value<TintType<18>>(1),
+                                 AsPointer(c.Value<TPointer>(3)));
+    return EPlayed::kPlayed;
+}
+
+EPlayed PlayGlReadPixels(SEs1Play& c) {
+    const GLsizei width = c.Value<TintType<18>>(2);
+    const GLsizei height = c.Value<TintType<18>>(3);
+    const GLenum format = c.Value<TGLenum>(4);
+    const GLenum type = c.Value<TGLenum>(5);
+    auto& pixels = c.At<SDataPtr>(6);
+    SPixelStore pack;
+    pack.unpackAlignment = c.Pixels().packAlignment;
+    if (pixels.GetSize() < ImageBytes(format, type, width, height, 1, pack)) {
+        return EPlayed::kFailed;
+    }
+    c.host.glReadPixels(c.Value<TintType<17>>(0), c.Value<TintType<17>>(1), width, height, format,
+                        type, pixels.GetData());
+    return EPlayed::kPlayed;
+}
+
+EPlayed PlayGlTexSubImage2D(SEs1Play& c) {
+    // Whatever error is pending is not this call's.
+    c.player.lastError = c.host.glGetError();
+    const GLsizei width = c.Value<TintType<18>>(4);
+    const GLsizei height = c.Value<TintType<18>>(5);
+    const GLenum format = c.Value<TGLenum>(6);
+    const GLenum type = c.Value<TGLenum>(7);
+    const SHostData pixels = HostData(
+        c.At<SImage2D>(8), ImageBytes(format, type, width, height, 1, c.Pixels()), false, false);
+    if (!pixels.sound) return EPlayed::kFailed;
+    c.host.glTexSubImage2D(c.Value<TGLenum>(0), c.Value<TintType<17>>(1), c.Value<TintType<17>>(2),
+                           c.Value<TintType<17>>(3), width, height, format, type, pixels.pointer);
+    return EPlayed::kPlayed;
+}
+
+EPlayed PlayGlVertexPointer(SEs1Play& c) {
+    CheckEs1Error(c.player);
+    c.host.glVertexPointer(c.Value<TintType<17>>(0), c.Value<TGLenum>(1), c.Value<TintType<18>>(2),
+                           AsPointer(c.Value<TPointer>(4)));
+    CheckEs1Error(c.player);
+    return EPlayed::kPlayed;
+}
+
+EPlayed PlayGlViewport(SEs1Play& c) {
+    c.names.ViewportDirty() = true;
+    c.host.glViewport(c.Value<TintType<17>>(0), c.Value<TintType<17>>(1), c.Value<TintType<18>>(2),
+                      c.Value<TintType<18>>(3));
+    return EPlayed::kPlayed;
+}
+
+}  // namespace kestrail

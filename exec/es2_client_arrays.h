@@ -1,0 +1,141 @@
+// Client arrays of draws in ES2 and ES3. The recorder kept, with each draw, the memory that its
+// enabled arrays pointed at; before the host draws, each of those arrays is pointed at the bytes in
+// the call.
+#pragma once
+
+#include <GLES2/gl2.h>
+
+#include <cstdint>
+
+#include "base/output.h"
+#include "calls/model/client_arrays.h"
+#include "exec/draw_indices.h"
+#include "exec/es2_executor.h"
+#include "exec/es2_names.h"
+#include "exec/host_data.h"
+#include "exec/played.h"
+#include "exec/viewport_correction.h"
+
+namespace kestrail {
+
+using CapturedArrays = SVectorData<SDataPtr*>;
+using CapturedIndices = SVectorData<int>;
+
+template <typename Host>
+GLuint BoundBuffer(Host& host, GLenum binding) {
+    GLint buffer = 0;
+    host.glGetIntegerv(binding, &buffer);
+    return static_cast<GLuint>(buffer);
+}
+
+/// Which captured arrays go to which attributes, and whether they reach as far as the draw does.
+template <typename Context>
+class TClientArrays {
+public:
+    /// `vertices`: how many vertices the draw reads; 0 when that stands in a buffer of the host.
+    TClientArrays(Context& c, const CapturedArrays& arrays, const CapturedIndices& indices,
+                  std::int64_t vertices)
+        : m_c(c),
+          m_arrays(arrays),
+          m_indices(indices),
+          m_byPosition(!indices.items.empty() && indices.items.front() == -1),
+          m_vertices(vertices) {}
+
+    /// Points the enabled client arrays at their bytes. False when the bytes end before the
+    /// vertices do.
+    bool Point(const char* draw) {
+        GLint attributes = 0;
+        m_c.host.glGetIntegerv(GL_MAX_VERTEX_ATTRIBS, &attributes);
+        for (GLint a = 0; a < attributes; ++a) {
+            const GLuint index = AttributeIndex(m_c.names, static_cast<std::uint32_t>(a));
+            if (!IsClientArray(index)) continue;
+            if (!PointOne(index, draw)) break;
+        }
+        return m_sound;
+    }
+
+private:
+    GLint Query(GLuint index, GLenum name) const {
+        GLint value = 0;
+        m_c.host.glGetVertexAttribiv(index, name, &value);
+        return value;
+    }
+
+    bool IsClientArray(GLuint index) const {
+        if (Query(index, GL_VERTEX_ATTRIB_ARRAY_ENABLED) == 0) return false;
+        if (Query(index, GL_VERTEX_ATTRIB_ARRAY_BUFFER_BINDING) != 0) return false;
+        void* pointer = nullptr;
+        m_c.host.glGetVertexAttribPointerv(index, GL_VERTEX_ATTRIB_ARRAY_POINTER, &pointer);
+        return pointer != nullptr;
+    }
+
+    /// The captured array of an attribute; all ones when it has none.
+    std::size_t ArrayOf(GLuint index) const {
+        if (m_byPosition) return m_next;
+        std::size_t found = ~std::size_t{0};
+        for (std::size_t i = 0; i < m_arrays.items.size(); ++i) {
+            if (m_indices.items[i] == static_cast<int>(index)) found = i;
+        }
+        return found;
+    }
+
+    bool PointOne(GLuint index, const char* draw) {
+        const GLint size = Query(index, GL_VERTEX_ATTRIB_ARRAY_SIZE);
+        const auto type = static_cast<GLenum>(Query(index, GL_VERTEX_ATTRIB_ARRAY_TYPE));
+        const GLint normalized = Query(index, GL_VERTEX_ATTRIB_ARRAY_NORMALIZED);
+        const std::size_t array = ArrayOf(index);
+        if (array == ~std::size_t{0}) {
+            output::Message(
+                "%s: No enought Data. No Pointer replaced with real memory. %s would crash.", draw,
+                draw);
+            return false;
+        }
+        if (array >= m_arrays.items.size()) return true;
+        const SDataPtr& bytes = *m_arrays.items[array];
+        if (bytes.GetSize() < VertexBytes(type, size) * m_vertices) m_sound = false;
+        // The captured bytes are tightly packed, whatever stride the application used.
+        m_c.host.glVertexAttribPointer(index, size, type, static_cast<GLboolean>(normalized), 0,
+                                       bytes.GetData());
+        if (m_byPosition) ++m_next;
+        return true;
+    }
+
+    Context& m_c;
+    const CapturedArrays& m_arrays;
+    const CapturedIndices& m_indices;
+    bool m_byPosition;
+    std::int64_t m_vertices;
+    std::size_t m_next = 0;
+    bool m_sound = true;
+};
+
+/// What an indexed draw reads, as its record has it.
+struct SIndexedDraw {
+    const SDataPtr& captured;
+    std::uint32_t offset;
+    std::int32_t count;
+    std::uint32_t type;
+    const CapturedArrays& arrays;
+    const CapturedIndices& indices;
+};
+
+/// Does for an indexed draw all that stands around the host's own call, `draw(pointer)`.
+template <typename Context, typename Draw>
+EPlayed DrawIndexed(Context& c, const SIndexedDraw& indexed, Draw draw) {
+    CorrectViewport(c.player, c.names.ViewportDirty(), c.host);
+    const GLuint elementBuffer = BoundBuffer(c.host, GL_ELEMENT_ARRAY_BUFFER_BINDING);
+    const GLuint arrayBuffer = BoundBuffer(c.host, GL_ARRAY_BUFFER_BINDING);
+    const SDrawIndices indices = DrawIndices(elementBuffer != 0, indexed.captured, indexed.offset,
+                                             indexed.count, indexed.type);
+    c.host.glBindBuffer(GL_ARRAY_BUFFER, 0);
+    TClientArrays<Context> arrays(c, indexed.arrays, indexed.indices, indices.vertices);
+    const bool sound = arrays.Point("glDrawElements");
+    c.host.glBindBuffer(GL_ARRAY_BUFFER, arrayBuffer);
+    if (!sound || !indices.sound) return EPlayed::kFailed;
+    CheckEs2Error(c.player);
+    draw(indices.pointer);
+    CheckEs2Error(c.player);
+    return EPlayed::kPlayed;
+}
+
+}  // namespace kestrail

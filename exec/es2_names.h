@@ -1,0 +1,118 @@
+// Names of ES2 and ES3 objects: what the recording calls them against what the host calls them. The
+// objects of this class are empty; the tables behind them are one for the process, so that every
+// player and transition sees the same.
+#pragma once
+
+#include <cstdint>
+
+#include "exec/name_map.h"
+
+namespace kestrail {
+
+struct SShaderRecord {
+    std::uint32_t references = 0;  ///< how many program records list it
+    bool deletePending = false;    ///< deleted by the application while attached
+    std::uint32_t liveName = 0;
+    std::uint32_t type = 0;
+};
+
+struct SProgramRecord {
+    bool deletePending = false;  ///< deleted by the application while in use
+    std::uint32_t liveName = 0;
+    std::uint32_t vertexShader = 0;    ///< recorded name of the shader attached last, 0 when none
+    std::uint32_t fragmentShader = 0;  ///< likewise
+};
+
+class CEs2Names {
+public:
+    using Names = TNameMap<std::uint32_t>;
+    static constexpr std::uint32_t kUnknown = 0xFFFFFFFFu;
+
+    Names& Textures() { return s_state.textures; }
+    Names& Samplers() { return s_state.samplers; }
+    Names& Renderbuffers() { return s_state.renderbuffers; }
+    Names& Framebuffers() { return s_state.framebuffers; }
+    Names& VertexArrays() { return s_state.vertexArrays; }
+    Names& Buffers() { return s_state.buffers; }
+    /// Sync objects are pointers on the host.
+    TNameMap<std::uintptr_t>& Syncs() { return s_state.syncs; }
+
+    /// Null for a name that the recording did not create.
+    SShaderRecord* GetShaderRecord(std::uint32_t recorded) {
+        return s_state.shaders.Find(recorded);
+    }
+    SProgramRecord* GetProgramRecord(std::uint32_t recorded) {
+        return s_state.programs.Find(recorded);
+    }
+    void SetShader(std::uint32_t recorded, std::uint32_t live, std::uint32_t type);
+    void SetProgram(std::uint32_t recorded, std::uint32_t live);
+    void DeleteShaderRecord(std::uint32_t recorded) { s_state.shaders.Erase(recorded); }
+    /// Both records must be there.
+    void AttachShader(std::uint32_t recordedProgram, std::uint32_t recordedShader);
+    void DetachShader(std::uint32_t recordedProgram, std::uint32_t recordedShader);
+    /// Erases the record with its hold on shaders, or marks it while the program is in use.
+    void DeleteProgram(std::uint32_t recordedProgram);
+    /// Makes a live program the one in use; with `sweep`, programs that were deleted while in use
+    /// go now.
+    void UseProgram(std::uint32_t liveName, bool sweep);
+    std::uint32_t CurrentProgram() const { return s_state.currentProgram; }
+
+    void SetUniformLocation(std::uint32_t liveProgram, std::int32_t recorded, std::int32_t live);
+    void SetAttribLocation(std::uint32_t liveProgram, std::int32_t recorded, std::int32_t live);
+    /// By the locations of the program in use; -1 for one that was never asked for.
+    std::int32_t GetUniformLocation(std::int32_t recorded) const {
+        return LocationIn(s_state.uniformLocations, recorded);
+    }
+    std::int32_t GetAttribLocation(std::int32_t recorded) const {
+        return LocationIn(s_state.attribLocations, recorded);
+    }
+    void EraseUniformLocation(std::int32_t recorded);
+    void ClearUniformLocations(std::uint32_t liveProgram);
+
+    /// Set by what moves the viewport or the framebuffer; the next draw reads and clears it.
+    bool& ViewportDirty() { return s_state.viewportDirty; }
+    /// The extension entries of this API's host table are filled for the context.
+    bool& ExtensionsResolved() { return s_state.extensionsResolved; }
+
+    /// Forgets all names but 0, which stays 0, and the attribute locations.
+    void ResetNames();
+
+private:
+    using Locations = TNameTable<std::uint32_t, std::int32_t>;
+
+    struct SState {
+        Names textures{0};
+        Names samplers{0};
+        TNameMap<std::uintptr_t> syncs{0};
+        Names renderbuffers{kUnknown};
+        Names framebuffers{kUnknown};
+        Names vertexArrays{kUnknown};
+        Names buffers{kUnknown};
+        TNameTable<std::uint32_t, SShaderRecord> shaders;
+        TNameTable<std::uint32_t, SProgramRecord> programs;
+        TNameTable<std::uint32_t, Locations> uniformLocations;
+        TNameTable<std::uint32_t, Locations> attribLocations;
+        std::uint32_t currentProgram = 0;
+        bool viewportDirty = false;
+        bool extensionsResolved = false;
+    };
+
+    static std::int32_t LocationIn(const TNameTable<std::uint32_t, Locations>& programs,
+                                   std::int32_t recorded) {
+        const Locations* locations = programs.Find(s_state.currentProgram);
+        if (locations == nullptr) return -1;
+        const std::int32_t* live = locations->Find(static_cast<std::uint32_t>(recorded));
+        return live != nullptr ? *live : -1;
+    }
+
+    static SState s_state;
+};
+
+/// The live index of a recorded attribute index, which stands for itself when it has no
+/// translation.
+inline std::uint32_t AttributeIndex(const CEs2Names& names, std::uint32_t recorded) {
+    const std::int32_t live = names.GetAttribLocation(static_cast<std::int32_t>(recorded));
+    return live == -1 ? recorded : static_cast<std::uint32_t>(live);
+}
+
+}  // namespace kestrail

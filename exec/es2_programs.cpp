@@ -1,0 +1,176 @@
+// Shaders, programs and their locations. Records follow the rules of deletion of OpenGL ES, so that
+// a translation lives as long as the host's object: a name without a record fails.
+#include <algorithm>
+
+#include "base/output.h"
+#include "exec/es2_calls.h"
+
+namespace kestrail {
+
+EPlayed PlayGlCreateProgram(SEs2Play& c) {
+    const std::uint32_t recorded = c.Returned<TuintType<21>>();
+    if (c.names.GetProgramRecord(recorded) != nullptr) return EPlayed::kFailed;
+    c.names.SetProgram(recorded, c.host.glCreateProgram());
+    return EPlayed::kPlayed;
+}
+
+EPlayed PlayGlCreateShader(SEs2Play& c) {
+    const std::uint32_t recorded = c.Returned<TuintType<21>>();
+    const GLenum type = c.Value<TGLenum>(0);
+    if (c.names.GetShaderRecord(recorded) != nullptr) return EPlayed::kFailed;
+    c.names.SetShader(recorded, c.host.glCreateShader(type), type);
+    return EPlayed::kPlayed;
+}
+
+EPlayed PlayGlDeleteProgram(SEs2Play& c) {
+    const std::uint32_t recorded = c.Value<TuintType<21>>(0);
+    const SProgramRecord* program = c.names.GetProgramRecord(recorded);
+    if (program == nullptr) return EPlayed::kFailed;
+    c.host.glDeleteProgram(program->liveName);
+    c.names.DeleteProgram(recorded);
+    return EPlayed::kPlayed;
+}
+
+EPlayed PlayGlDeleteShader(SEs2Play& c) {
+    const std::uint32_t recorded = c.Value<TuintType<21>>(0);
+    SShaderRecord* shader = c.names.GetShaderRecord(recorded);
+    if (shader == nullptr) return EPlayed::kFailed;
+    const GLuint live = shader->liveName;
+    if (shader->references != 0) {
+        shader->deletePending = true;
+    } else {
+        c.names.DeleteShaderRecord(recorded);
+    }
+    c.host.glDeleteShader(live);
+    return EPlayed::kPlayed;
+}
+
+EPlayed PlayGlAttachShader(SEs2Play& c) {
+    const std::uint32_t recordedProgram = c.Value<TuintType<21>>(0);
+    const std::uint32_t recordedShader = c.Value<TuintType<21>>(1);
+    const SProgramRecord* program = c.names.GetProgramRecord(recordedProgram);
+    SShaderRecord* shader = c.names.GetShaderRecord(recordedShader);
+    if (program == nullptr || shader == nullptr) return EPlayed::kFailed;
+    c.names.AttachShader(recordedProgram, recordedShader);
+    shader->deletePending = false;
+    c.host.glAttachShader(program->liveName, shader->liveName);
+    return EPlayed::kPlayed;
+}
+
+EPlayed PlayGlDetachShader(SEs2Play& c) {
+    const std::uint32_t recordedShader = c.Value<TuintType<21>>(1);
+    const SProgramRecord* program = c.names.GetProgramRecord(c.Value<TuintType<21>>(0));
+    const SShaderRecord* shader = c.names.GetShaderRecord(recordedShader);
+    if (program == nullptr || shader == nullptr) return EPlayed::kFailed;
+    c.host.glDetachShader(program->liveName, shader->liveName);
+    if (shader->deletePending) c.names.DeleteShaderRecord(recordedShader);
+    return EPlayed::kPlayed;
+}
+
+EPlayed PlayGlGetAttribLocation(SEs2Play& c) {
+    const SProgramRecord* program = c.names.GetProgramRecord(c.Value<TuintType<21>>(0));
+    if (program == nullptr) return EPlayed::kFailed;
+    const GLint live = c.host.glGetAttribLocation(program->liveName, c.At<SString>(1).GetCString());
+    if (live != -1) c.names.SetAttribLocation(program->liveName, c.Returned<TintType<17>>(), live);
+    return EPlayed::kPlayed;
+}
+
+EPlayed PlayGlGetUniformLocation(SEs2Play& c) {
+    const SProgramRecord* program = c.names.GetProgramRecord(c.Value<TuintType<21>>(0));
+    if (program == nullptr) return EPlayed::kFailed;
+    const GLint live =
+        c.host.glGetUniformLocation(program->liveName, c.At<SString>(1).GetCString());
+    if (live != -1) c.names.SetUniformLocation(program->liveName, c.Returned<TintType<17>>(), live);
+    return EPlayed::kPlayed;
+}
+
+EPlayed PlayGlGetProgramiv(SEs2Play& c) {
+    const SProgramRecord* program = c.names.GetProgramRecord(c.Value<TuintType<21>>(0));
+    if (program == nullptr) return EPlayed::kFailed;
+    // The answer goes nowhere; no parameter of a program has more values than these.
+    GLint answer[16] = {};
+    c.host.glGetProgramiv(program->liveName, c.Value<TGLenum>(1), answer);
+    return EPlayed::kPlayed;
+}
+
+EPlayed PlayGlLinkProgram(SEs2Play& c) {
+    constexpr GLsizei kLogSize = 400;
+    const SProgramRecord* program = c.names.GetProgramRecord(c.Value<TuintType<21>>(0));
+    if (program == nullptr) return EPlayed::kFailed;
+    const GLuint live = program->liveName;
+    c.host.glLinkProgram(live);
+    GLint status = -1;
+    GLint logLength = 0;
+    c.host.glGetProgramiv(live, GL_LINK_STATUS, &status);
+    c.host.glGetProgramiv(live, GL_INFO_LOG_LENGTH, &logLength);
+    if (status != 0) return EPlayed::kPlayed;
+
+    GLint attached = 0;
+    c.host.glGetProgramiv(live, GL_ATTACHED_SHADERS, &attached);
+    char log[kLogSize] = "";
+    c.host.glGetProgramInfoLog(live, kLogSize, nullptr, log);
+    log[kLogSize - 1] = '\0';
+    GLuint shaders[2] = {0, 0};
+    GLsizei count = 0;
+    c.host.glGetAttachedShaders(live, 2, &count, shaders);
+    output::Message("Playback Link Status: %d <Link Program: %d> Shaders(%d,%d)     \n Log: %s",
+                    status, static_cast<int>(live), static_cast<int>(shaders[0]),
+                    static_cast<int>(shaders[1]), log);
+    return EPlayed::kPlayed;
+}
+
+EPlayed PlayGlReleaseShaderCompiler(SEs2Play& c) {
+    c.host.glReleaseShaderCompiler();
+    c.host.glGetError();
+    return EPlayed::kPlayed;
+}
+
+EPlayed PlayGlShaderBinary(SEs2Play& c) {
+    const GLsizei count = c.Value<TintType<18>>(0);
+    const auto& recorded = c.At<SNameArray>(1);
+    const GLsizei length = c.Value<TintType<18>>(4);
+    const SHostData binary = HostData(c.At<SDataPtr>(3), length, false, false);
+    if (recorded.ItemCount() < std::int64_t{count} || !binary.sound) return EPlayed::kFailed;
+    CLiveNames live(count);
+    for (GLsizei i = 0; i < count; ++i) {
+        const SShaderRecord* shader =
+            c.names.GetShaderRecord(recorded.GetItem(static_cast<std::uint32_t>(i)));
+        if (shader == nullptr) return EPlayed::kFailed;
+        live[i] = shader->liveName;
+    }
+    c.host.glShaderBinary(count, live.Data(), c.Value<TGLenum>(2), binary.pointer, length);
+    return EPlayed::kPlayed;
+}
+
+EPlayed PlayGlShaderSource(SEs2Play& c) {
+    const SShaderRecord* shader = c.names.GetShaderRecord(c.Value<TuintType<21>>(0));
+    if (shader == nullptr) return EPlayed::kFailed;
+    const auto& source = c.At<SString>(4);
+    const GLchar* text = source.GetCString();
+    auto length = static_cast<GLint>(source.length);
+    const CEditList& edits = c.player.store->Edits();
+    if (c.entry.call->m_edited && edits.enabled) {
+        const std::uint8_t* replacement = nullptr;
+        std::uint32_t replacementLength = 0;
+        bool fromFile = false;
+        if (edits.GetTextOverride(c.player.currentCallNumber, replacement, replacementLength,
+                                  fromFile) &&
+            fromFile) {
+            text = reinterpret_cast<const GLchar*>(replacement);
+            length = static_cast<GLint>(replacementLength);
+        }
+    }
+    c.host.glShaderSource(shader->liveName, 1, &text, &length);
+    return EPlayed::kPlayed;
+}
+
+EPlayed PlayGlUseProgram(SEs2Play& c) {
+    const SProgramRecord* program = c.names.GetProgramRecord(c.Value<TuintType<21>>(0));
+    if (program == nullptr) return EPlayed::kFailed;
+    const GLuint live = program->liveName;
+    c.host.glUseProgram(live);
+    c.names.UseProgram(live, true);
+    return EPlayed::kLeftOut;
+}
+
+}  // namespace kestrail

@@ -1,0 +1,95 @@
+#include "exec/es3_executor.h"
+
+#include "base/output.h"
+#include "exec/es2_client_arrays.h"
+#include "exec/es2_executor.h"
+#include "exec/es3_calls.h"
+#include "host/es2_host.h"
+
+namespace kestrail {
+namespace {
+
+/// Instanced and ranged draws carry no client arrays.
+const CapturedArrays kNoArrays;
+const CapturedIndices kNoIndices;
+
+GLsync LiveSync(SEs3Play& c) {
+    return reinterpret_cast<GLsync>(c.names.Syncs().Get(c.Value<TPointer>(0)));
+}
+
+}  // namespace
+
+bool PlayEs3Call(SPlayerState& player, CCallEntry& entry) {
+    const CApiCall& call = *entry.call;
+    if (call.m_error.GetValue() != GL_NO_ERROR) {
+        output::Message("Es3 Call:Error. (Recorded GL_ERROR) %s", call.GetName());
+        return false;
+    }
+    if (!player.eglNames.ContextValid()) {
+        output::Message("Es3 Call:Error. Invalid context");
+        return false;
+    }
+    if (!player.defaultFramebufferKnown) {
+        player.defaultFramebufferKnown = true;
+        GLint framebuffer = 0;
+        GetEs2Host()->glGetIntegerv(GL_FRAMEBUFFER_BINDING, &framebuffer);
+        player.defaultFramebuffer = static_cast<std::uint32_t>(framebuffer);
+    }
+    if (player.checkErrors) player.currentCallName = call.GetName();
+
+    SEs3Play c{player, entry, *entry.GetInfo(), call.m_id, *GetEs3Host(), player.names};
+    const EPlayed played = PlayEs3Case(c);
+    if (played != EPlayed::kPlayed) return played == EPlayed::kLeftOut;
+    return player.checkErrors ? CheckEs2Error(player) : true;
+}
+
+EPlayed PlayGlDrawRangeElements(SEs3Play& c) {
+    const auto& indices = c.At<SDataPtr>(5);
+    const SIndexedDraw indexed{indices,
+                               indices.pointer.GetValue(),
+                               c.Value<TintType<18>>(3),
+                               c.Value<TGLenum>(4),
+                               kNoArrays,
+                               kNoIndices};
+    return DrawIndexed(c, indexed, [&](const void* pointer) {
+        c.host.glDrawRangeElements(c.Value<TGLBeginMode>(0), c.Value<TuintType<21>>(1),
+                                   c.Value<TuintType<21>>(2), indexed.count, indexed.type, pointer);
+    });
+}
+
+EPlayed PlayGlDrawElementsInstanced(SEs3Play& c) {
+    const SIndexedDraw indexed{c.At<SDataPtr>(4),
+                               c.Value<TPointer>(5),
+                               c.Value<TintType<18>>(1),
+                               c.Value<TGLenum>(2),
+                               kNoArrays,
+                               kNoIndices};
+    return DrawIndexed(c, indexed, [&](const void* pointer) {
+        c.host.glDrawElementsInstanced(c.Value<TGLBeginMode>(0), indexed.count, indexed.type,
+                                       pointer, c.Value<TintType<18>>(3));
+    });
+}
+
+EPlayed PlayGlFenceSync(SEs3Play& c) {
+    const GLsync live = c.host.glFenceSync(c.Value<TGLenum>(0), c.Value<TGLbitfield>(1));
+    c.names.Syncs().Set(c.Returned<TPointer>(), reinterpret_cast<std::uintptr_t>(live));
+    return EPlayed::kPlayed;
+}
+
+EPlayed PlayGlDeleteSync(SEs3Play& c) {
+    c.host.glDeleteSync(LiveSync(c));
+    c.names.Syncs().Erase(c.Value<TPointer>(0));
+    return EPlayed::kPlayed;
+}
+
+EPlayed PlayGlClientWaitSync(SEs3Play& c) {
+    c.host.glClientWaitSync(LiveSync(c), c.Value<TGLbitfield>(1), c.Value<TuintType<31>>(2));
+    return EPlayed::kPlayed;
+}
+
+EPlayed PlayGlWaitSync(SEs3Play& c) {
+    c.host.glWaitSync(LiveSync(c), c.Value<TGLbitfield>(1), c.Value<TuintType<31>>(2));
+    return EPlayed::kPlayed;
+}
+
+}  // namespace kestrail

@@ -1,0 +1,168 @@
+#include "exec/host_data.h"
+
+#include <GLES3/gl3.h>
+
+#include <algorithm>
+
+namespace kestrail {
+namespace {
+
+// Enumerants of extensions and of ES1, which gl3.h does not name.
+constexpr std::uint32_t kHalfFloatOes = 0x8D61;
+constexpr std::uint32_t kBgraExt = 0x80E1;
+constexpr std::uint32_t kFixed = 0x140C;
+constexpr std::uint32_t kInt1010102Oes = 0x8DF7;
+constexpr std::uint32_t kUnsignedInt1010102Oes = 0x8DF6;
+
+/// Bytes of a whole pixel or vertex in a packed type; 0 for a type of single components.
+std::int64_t PackedBytes(std::uint32_t type) {
+    switch (type) {
+        case GL_UNSIGNED_SHORT_5_6_5:
+        case GL_UNSIGNED_SHORT_4_4_4_4:
+        case GL_UNSIGNED_SHORT_5_5_5_1:
+        case 0x8365:  // GL_UNSIGNED_SHORT_4_4_4_4_REV_EXT
+        case 0x8366:  // GL_UNSIGNED_SHORT_1_5_5_5_REV_EXT
+            return 2;
+        case GL_UNSIGNED_INT_2_10_10_10_REV:
+        case GL_INT_2_10_10_10_REV:
+        case GL_UNSIGNED_INT_10F_11F_11F_REV:
+        case GL_UNSIGNED_INT_5_9_9_9_REV:
+        case GL_UNSIGNED_INT_24_8:
+        case kInt1010102Oes:
+        case kUnsignedInt1010102Oes:
+            return 4;
+        case GL_FLOAT_32_UNSIGNED_INT_24_8_REV:
+            return 8;
+        default:
+            return 0;
+    }
+}
+
+std::int64_t FormatComponents(std::uint32_t format) {
+    switch (format) {
+        case GL_ALPHA:
+        case GL_LUMINANCE:
+        case GL_RED:
+        case GL_RED_INTEGER:
+        case GL_DEPTH_COMPONENT:
+        case 0x1901:  // GL_STENCIL_INDEX
+            return 1;
+        case GL_LUMINANCE_ALPHA:
+        case GL_RG:
+        case GL_RG_INTEGER:
+        case GL_DEPTH_STENCIL:
+            return 2;
+        case GL_RGB:
+        case GL_RGB_INTEGER:
+            return 3;
+        case kBgraExt:
+        default:
+            return 4;
+    }
+}
+
+}  // namespace
+
+void SPixelStore::Set(std::uint32_t name, std::int32_t value) {
+    if (name == GL_UNPACK_ALIGNMENT || name == GL_PACK_ALIGNMENT) {
+        const bool known = value == 1 || value == 2 || value == 4 || value == 8;
+        if (known) (name == GL_PACK_ALIGNMENT ? packAlignment : unpackAlignment) = value;
+        return;
+    }
+    if (value < 0) return;
+    switch (name) {
+        case GL_UNPACK_ROW_LENGTH:
+            unpackRowLength = value;
+            break;
+        case GL_UNPACK_IMAGE_HEIGHT:
+            unpackImageHeight = value;
+            break;
+        case GL_UNPACK_SKIP_PIXELS:
+            unpackSkipPixels = value;
+            break;
+        case GL_UNPACK_SKIP_ROWS:
+            unpackSkipRows = value;
+            break;
+        case GL_UNPACK_SKIP_IMAGES:
+            unpackSkipImages = value;
+            break;
+        default:
+            break;
+    }
+}
+
+SHostData HostData(const SBlock& block, std::int64_t needed, bool nullAllowed, bool bufferBound) {
+    if (block.GetData() != nullptr) return {block.GetData(), block.GetSize() >= needed};
+    if (bufferBound) return {AsPointer(block.pointer.value), true};
+    return {nullptr, nullAllowed || needed <= 0};
+}
+
+std::int64_t ImageBytes(std::uint32_t format, std::uint32_t type, std::int32_t width,
+                        std::int32_t height, std::int32_t depth, const SPixelStore& store) {
+    if (width <= 0 || height <= 0 || depth <= 0) return 0;
+    const std::int64_t packed = PackedBytes(type);
+    const std::int64_t pixel =
+        packed != 0 ? packed : FormatComponents(format) * ComponentBytes(type);
+    const std::int64_t alignment = store.unpackAlignment;
+    const std::int64_t rowPixels = store.unpackRowLength != 0 ? store.unpackRowLength : width;
+    const std::int64_t row = (rowPixels * pixel + alignment - 1) / alignment * alignment;
+    // Sizes beyond any image that a host can hold stop here, before products leave 64 bits.
+    constexpr std::int64_t kBeyond = std::int64_t{1} << 40;
+    const std::int64_t imageRows = store.unpackImageHeight != 0 ? store.unpackImageHeight : height;
+    const std::int64_t images = std::int64_t{store.unpackSkipImages} + depth - 1;
+    const std::int64_t rows = std::int64_t{store.unpackSkipRows} + height - 1;
+    const std::int64_t last = (std::int64_t{store.unpackSkipPixels} + width) * pixel;
+    if (images != 0 && imageRows > kBeyond / images) return kBeyond;
+    const std::int64_t allRows = images * imageRows + rows;
+    if (allRows != 0 && row > kBeyond / allRows) return kBeyond;
+    return std::min(allRows * row + last, kBeyond);
+}
+
+std::int64_t ComponentBytes(std::uint32_t type) {
+    switch (type) {
+        case GL_BYTE:
+        case GL_UNSIGNED_BYTE:
+            return 1;
+        case GL_SHORT:
+        case GL_UNSIGNED_SHORT:
+        case GL_HALF_FLOAT:
+        case kHalfFloatOes:
+            return 2;
+        case kFixed:
+        default:
+            return 4;
+    }
+}
+
+std::int64_t VertexBytes(std::uint32_t type, std::int32_t size) {
+    const std::int64_t packed = PackedBytes(type);
+    return packed != 0 ? packed : ComponentBytes(type) * size;
+}
+
+std::uint32_t ParameterCount(std::uint32_t pname) {
+    switch (pname) {
+        case 0x0B53:  // GL_LIGHT_MODEL_AMBIENT
+        case 0x0B66:  // GL_FOG_COLOR
+        case 0x1004:  // GL_TEXTURE_BORDER_COLOR_OES
+        case 0x1200:  // GL_AMBIENT
+        case 0x1201:  // GL_DIFFUSE
+        case 0x1202:  // GL_SPECULAR
+        case 0x1203:  // GL_POSITION
+        case 0x1600:  // GL_EMISSION
+        case 0x1602:  // GL_AMBIENT_AND_DIFFUSE
+        case 0x2201:  // GL_TEXTURE_ENV_COLOR
+        case 0x8B9D:  // GL_TEXTURE_CROP_RECT_OES
+            return 4;
+        case 0x1204:  // GL_SPOT_DIRECTION
+        case 0x8129:  // GL_POINT_DISTANCE_ATTENUATION
+            return 3;
+        default:
+            return 1;
+    }
+}
+
+std::uint32_t ClearValueCount(std::uint32_t buffer) {
+    return buffer == GL_COLOR ? 4 : 1;
+}
+
+}  // namespace kestrail

@@ -1,0 +1,38 @@
+// What a player shares with the executors: the names, the surface's default framebuffer, the flags
+// and the last error. Players derive from it, so that executors need not know players.
+#pragma once
+
+#include <cstdint>
+
+#include "exec/egl_names.h"
+#include "exec/es1_names.h"
+#include "exec/es2_names.h"
+#include "host/os_environment.h"
+#include "tracefile/document/frame_store.h"
+
+namespace kestrail {
+
+struct SPlayerState {
+    CFrameStore* store = nullptr;  ///< the trace, not owned
+    COsEnvironment environment;
+    CEglNames eglNames;
+    CEs1Names es1Names;
+    CEs2Names names;
+    /// What was bound to GL_FRAMEBUFFER when the first ES2 call played, once it is known.
+    std::uint32_t defaultFramebuffer = 0;
+    bool defaultFramebufferKnown = false;
+    /// What the last error check read, of EGL or GL.
+    std::uint32_t lastError = 0;
+    /// The call being played, for messages; of static lifetime.
+    const char* currentCallName = "";
+    /// Buffer swaps are not tied to the display's refresh.
+    bool sync = false;
+    /// ES2 calls that failed when recorded are left out.
+    bool skipCallOnError = true;
+    /// The host's error is read after each call.
+    bool checkErrors = false;
+    /// 1-based position in the trace of the last call that the edit lists name.
+    std::uint32_t currentCallNumber = 0;
+};
+
+}  // namespace kestrail

@@ -1,0 +1,46 @@
+// The image calls that ES1 and ES2 play alike.
+#pragma once
+
+#include "exec/host_data.h"
+#include "exec/play_context.h"
+#include "exec/played.h"
+
+namespace kestrail {
+
+template <typename Context>
+EPlayed PlayPixelStorei(Context& c) {
+    const std::uint32_t name = c.template Value<TGLenum>(0);
+    const std::int32_t value = c.template Value<TintType<17>>(1);
+    c.host.glPixelStorei(name, value);
+    c.Pixels().Set(name, value);
+    return EPlayed::kPlayed;
+}
+
+template <typename Context>
+EPlayed PlayTexImage2D(Context& c) {
+    constexpr std::uint32_t kUnpackAlignment = 0x0CF5;
+    SPixelStore& store = c.Pixels();
+    // The alignment that the image was captured with, which the application may have set before the
+    // recording began.
+    const std::int32_t alignment = c.template Value<TintType<17>>(9);
+    SPixelStore captured = store;
+    captured.Set(kUnpackAlignment, alignment);
+    if (captured.unpackAlignment != store.unpackAlignment) {
+        c.host.glPixelStorei(kUnpackAlignment, alignment);
+        store = captured;
+    }
+    const std::int32_t width = c.template Value<TintType<18>>(3);
+    const std::int32_t height = c.template Value<TintType<18>>(4);
+    const std::uint32_t format = c.template Value<TGLenum>(6);
+    const std::uint32_t type = c.template Value<TGLenum>(7);
+    const SHostData pixels =
+        HostData(c.template At<SImage2D>(8), ImageBytes(format, type, width, height, 1, store),
+                 true, store.unpackBuffer != 0);
+    if (!pixels.sound) return EPlayed::kFailed;
+    c.host.glTexImage2D(c.template Value<TGLenum>(0), c.template Value<TintType<17>>(1),
+                        c.template Value<TintType<17>>(2), width, height,
+                        c.template Value<TintType<17>>(5), format, type, pixels.pointer);
+    return EPlayed::kPlayed;
+}
+
+}  // namespace kestrail
