@@ -1,0 +1,22 @@
+// The front end of the frame-seeking player.
+#pragma once
+
+#include <cstdint>
+
+#include "playback/playback_interface.h"
+
+namespace kestrail {
+
+class AdvancedPlaybackInterface : public PlaybackInterface {
+public:
+    /// As the base's, with a warning for a trace of several threads; false also for a trace that
+    /// was recorded without data.
+    bool LoadTrace(const char* path, bool wholeFile);
+    /// Takes a loaded trace; false when it cannot be sought in.
+    bool AttachTrace(CFrameStore* trace);
+    /// Renders one frame, 1-based. False when it fails or there is no player for it.
+    bool PlayFrame(std::uint32_t frame);
+    void Reset() override;
+};
+
+}  // namespace kestrail

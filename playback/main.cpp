@@ -1,0 +1,76 @@
+// The program's entry point: chooses between playing in sequence and seeking frames, and drives the
+// chosen player to the end. Every path ends with exit status 0; the text tells of failures.
+#include <cstdlib>
+
+#include "base/output.h"
+#include "playback/advanced_playback_interface.h"
+#include "playback/options.h"
+#include "playback/playback_interface.h"
+
+namespace kestrail {
+namespace {
+
+void PlayInSequence(const SOptions& options) {
+    PlaybackInterface playback;
+    if (!playback.LoadTrace(options.tracePath, options.wholeFile)) return;
+    if (!options.skipCallOnError) output::Print("****** NoskipCallOnError enable ******\n");
+    if (options.sync) output::Print("****** Sync enable ******\n");
+    if (options.skipRangeGiven) {
+        output::Print("****** SkipFrames enable: [%d - %d]\n", options.skipRangeStart,
+                      options.skipRangeEnd);
+        playback.SetOption(kOptionSkipRangeStart, options.skipRangeStart);
+        playback.SetOption(kOptionSkipRangeEnd, options.skipRangeEnd);
+    }
+    playback.SetOption(kOptionSkipCallOnError, options.skipCallOnError ? 1 : 0);
+    playback.SetOption(kOptionSync, options.sync ? 1 : 0);
+    playback.Play();
+}
+
+void PlaySoughtFrames(const SOptions& options) {
+    AdvancedPlaybackInterface playback;
+    if (!playback.LoadTrace(options.tracePath, true)) return;
+    playback.SetOption(kOptionSync, options.sync ? 1 : 0);
+    const auto count = static_cast<std::int32_t>(playback.GetTrace()->FrameCount());
+    if (options.random) {
+        // Never seeded: every run plays the same frames. One play fewer than the iterations.
+        for (std::int32_t i = 1; i < options.iterations && count > 0; ++i) {
+            playback.PlayFrame(static_cast<std::uint32_t>(std::rand() % count + 1));
+        }
+    } else if (options.frame != -1) {
+        if (options.frame <= count) playback.PlayFrame(static_cast<std::uint32_t>(options.frame));
+    } else {
+        for (std::int32_t frame = 1; frame < count; ++frame) {
+            playback.PlayFrame(static_cast<std::uint32_t>(frame));
+        }
+    }
+}
+
+void Run(int argumentCount, const char* const* arguments) {
+    output::Message("Running KestrailPlayback....");
+    if (argumentCount <= 1) return PrintUsage(argumentCount == 1 ? arguments[0] : "");
+    const SOptions options = ParseOptions(argumentCount, arguments);
+    if (!options.wholeFile) {
+        if (options.advanced) {
+            return output::Print(
+                "****** Advance options are not compatible with --noMemory option. Abort "
+                "******\n");
+        }
+        output::Print("****** Low Memory option enabled ******\n");
+    }
+    if (options.sync) output::Print("****** Sync enabled ******\n");
+    if (options.advanced) {
+        PlaySoughtFrames(options);
+    } else {
+        PlayInSequence(options);
+    }
+}
+
+}  // namespace
+}  // namespace kestrail
+
+int main(int argumentCount, char** arguments) {
+    kestrail::output::FlushOnAnyExit();
+    kestrail::Run(argumentCount, arguments);
+    kestrail::output::Flush();
+    return 0;
+}

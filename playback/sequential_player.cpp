@@ -1,0 +1,180 @@
+#include "playback/sequential_player.h"
+
+#include <cstdlib>
+
+#include "base/output.h"
+#include "exec/egl_executor.h"
+#include "exec/es1_executor.h"
+#include "exec/es2_executor.h"
+#include "exec/es3_executor.h"
+#include "exec/ext_executor.h"
+
+namespace kestrail {
+namespace {
+
+/// Calls started so far in this process.
+std::uint32_t g_callCount = 0;
+
+constexpr std::uint16_t kEglInitialize = 1017;
+constexpr std::uint16_t kEglMakeCurrent = 1018;
+
+}  // namespace
+
+void CSequentialPlayer::SetTrace(CFrameStore* trace) {
+    store = trace;
+    m_window = NativeWindow{};
+}
+
+void CSequentialPlayer::SetSkipFrameRange(std::int32_t start, std::int32_t end) {
+    if (start != -1) {
+        m_skipFrameStart = start;
+        m_skipFrameRangeEnabled = true;
+    }
+    if (end != -1) {
+        m_skipFrameEnd = end;
+        m_skipFrameRangeEnabled = true;
+    }
+}
+
+bool CSequentialPlayer::Skips(std::uint32_t frame, std::uint32_t frameCount) {
+    if (!m_skipFrameRangeEnabled) return false;
+    const auto start = static_cast<std::uint32_t>(m_skipFrameStart);
+    const auto end = static_cast<std::uint32_t>(m_skipFrameEnd);
+    const bool valid = end <= frameCount && m_skipFrameStart != -1 && m_skipFrameEnd != -1 &&
+                       m_skipFrameEnd >= m_skipFrameStart;
+    if (!valid) {
+        output::Message("m_skipFrameRange....");
+        m_skipFrameRangeEnabled = false;
+        output::Message("Disabling SkipFrameRange. Range is not valid.  %d-%d\n", m_skipFrameStart,
+                        m_skipFrameEnd);
+        return false;
+    }
+    return start <= frame && end >= frame;
+}
+
+void CSequentialPlayer::PlayAllFrames() {
+    names.ResetNames();
+    es1Names.ResetNames();
+    const std::uint32_t count = store->FrameCount();
+    for (std::uint32_t frame = 1; frame <= count; ++frame) {
+        if (Skips(frame, count)) continue;
+        if (!PlayFrame(frame)) {
+            output::Message("Aborting Playback....");
+            break;
+        }
+    }
+}
+
+void CSequentialPlayer::PlayStream() {
+    names.ResetNames();
+    es1Names.ResetNames();
+    if (!PlayFrame(1)) output::Message("Aborting Playback....");
+}
+
+bool CSequentialPlayer::PlayFrame(std::uint32_t frame) {
+    store->SeekFrame(frame, true);
+    // Whatever is thrown, by the host's libraries or by a record that cannot be read while
+    // streaming, ends the playback.
+    try {
+        while (CCallEntry* entry = store->NextCall()) PlayNext(*entry);
+    } catch (...) {
+        output::Error("Exception drawing call\n");
+        return false;
+    }
+    if (m_saveFrameBuffer) SaveFrameBuffer(frame);
+    return true;
+}
+
+void CSequentialPlayer::PlayNext(CCallEntry& entry) {
+    const std::uint32_t number = store->CurrentCallNumber();
+    ++g_callCount;
+    PrintCall(*entry.GetInfo(), number);
+    if (!environment.PumpEvents()) {
+        output::Message("User quit\n");
+        std::exit(0);
+    }
+    if (entry.call->m_edited) {
+        currentCallNumber = number;
+        if (store->Edits().IsCallDisabled(number)) return entry.ReleaseInfo();
+    }
+    if (!PlayCall(&entry, true)) output::Error("PlayCall Error: Unrecognized/Error call");
+    entry.ReleaseInfo();
+}
+
+void CSequentialPlayer::PrintCall(CGenCallInfo& info, std::uint32_t number) const {
+    TextWriter& out = output::Pending();
+    out.Append("KESTRAIL(M) Frame(P): ");
+    out.AppendSigned(static_cast<std::int32_t>(store->FrameOfCall(number)));
+    out.Append(" Call:");
+    out.AppendSigned(static_cast<std::int32_t>(g_callCount));
+    out.Append(' ');
+    out.Append(info.GetCallName());
+    out.Append(' ');
+    if (const CGenCallInfo::Parameters* parameters = info.GetParameters()) {
+        out.Append(" (");
+        for (const SApiTypeBase* parameter : *parameters) {
+            parameter->AppendText(out);
+            out.Append(" , ");
+        }
+        out.Append(')');
+    }
+    out.Append(" => ");
+    if (const SApiTypeBase* value = info.GetReturnValue()) value->AppendDetailText(out);
+    out.Append(" :: Error: ");
+    if (const SApiTypeBase* error = info.GetErrorValue()) error->AppendDetailText(out);
+    out.Append(" \n");
+    output::LineDone();
+}
+
+bool CSequentialPlayer::PlayCall(CCallEntry* call, bool checkErrorsAfter) {
+    checkErrors = checkErrorsAfter;
+    if (call == nullptr) {
+        output::Error("PlayCall Error: Unrecognized/Error call");
+        return false;
+    }
+    const std::uint16_t id = call->call->m_id;
+    // The loader's own records are no calls.
+    if (id >= 2 && id <= 4) return true;
+    bool played = false;
+    if (id > 1000 && id < 1035) {
+        played = PlayEglCall(*this, *call);
+    } else if (id > 3000 && id < 3146) {
+        played = PlayEs1Call(*this, *call);
+    } else if (id > 2000 && id < 2143) {
+        played = PlayEs2Call(*this, *call);
+    } else if (id > 5000 && id < 5247) {
+        played = PlayEs3Call(*this, *call);
+    } else if (id > 4000 && id < 4091) {
+        played = PlayExtCall(*this, *call);
+    }
+    if (!played) output::Message("Error call:%s %d", call->call->GetName(), id);
+    return played;
+}
+
+CCallEntry* CSequentialPlayer::FindCall(std::uint16_t id, bool rewind) {
+    const std::uint32_t count = store->FrameCount();
+    for (std::uint32_t frame = 0; frame < count; ++frame) {
+        store->SeekFrame(frame, rewind);
+        if (rewind) store->ResetCursor();
+        while (CCallEntry* entry = store->NextCall()) {
+            if (entry->call->m_id == id) return entry;
+        }
+    }
+    return nullptr;
+}
+
+bool CSequentialPlayer::CheckCompatibleEnvironment() {
+    if (m_searchedCompatibleEnvironment) return true;
+    if (FindCall(kEglInitialize, true) != nullptr) return false;
+    m_searchedCompatibleEnvironment = true;
+    output::Message("Android Java used. Searching for a compatible enviroment.");
+    FindCall(kEglMakeCurrent, true);
+    return true;
+}
+
+NativeWindow CSequentialPlayer::GetWindow(std::uint64_t recordedWindow) {
+    if (m_window == NativeWindow{}) m_window = environment.FindWindow(recordedWindow);
+    return m_window;
+}
+
+}  // namespace kestrail

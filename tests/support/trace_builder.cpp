@@ -1,0 +1,394 @@
+#include "tests/support/trace_builder.h"
+
+#include <bit>
+#include <cstdlib>
+#include <fstream>
+
+namespace kestrail {
+
+namespace {
+
+void AppendLittle(Bytes& out, std::uint64_t value, std::size_t width) {
+    for (std::size_t i = 0; i < width; ++i) {
+        out.push_back(i < 8 ? static_cast<std::uint8_t>(value >> (8 * i)) : std::uint8_t{0});
+    }
+}
+
+void AppendRaw(Bytes& out, const void* data, std::size_t size) {
+    const auto* first = static_cast<const std::uint8_t*>(data);
+    if (size != 0) out.insert(out.end(), first, first + size);
+}
+
+std::uint32_t Low32(std::size_t value) {
+    return static_cast<std::uint32_t>(value);
+}
+
+// What eglGetConfigAttrib would have told of a 24-bit configuration with depth and stencil, kept to
+// the attributes that a driver elsewhere can match.
+std::vector<std::int64_t> DefaultConfigAttributes() {
+    return {0x3020, 24,      // EGL_BUFFER_SIZE
+            0x3021, 0,       // EGL_ALPHA_SIZE
+            0x3022, 8,       // EGL_BLUE_SIZE
+            0x3023, 8,       // EGL_GREEN_SIZE
+            0x3024, 8,       // EGL_RED_SIZE
+            0x3025, 24,      // EGL_DEPTH_SIZE
+            0x3026, 8,       // EGL_STENCIL_SIZE
+            0x3031, 0,       // EGL_SAMPLES
+            0x3033, 0x0004,  // EGL_SURFACE_TYPE: EGL_WINDOW_BIT
+            0x3040, 0x0045,  // EGL_RENDERABLE_TYPE: ES1, ES2 and ES3
+            0x3038};
+}
+
+}  // namespace
+
+WidthTable StandardWidths() {
+    return {4,  -4, 4, 4, 4, 4, 4, 4,  4,  4,  4,  4, 4,  1,  4,  -1, -2,
+            -4, -4, 1, 2, 4, 4, 4, -4, -4, -4, -4, 0, -4, -4, -8, -8};
+}
+
+CRecordBuilder::CRecordBuilder(const WidthTable& widths, std::uint32_t version)
+    : m_widths(widths), m_version(version) {}
+
+CRecordBuilder& CRecordBuilder::Value(unsigned typeTag, std::uint64_t value) {
+    const int entry = typeTag < m_widths.size() ? m_widths[typeTag] : 0;
+    AppendLittle(m_bytes, value, entry == 0 ? 4U : static_cast<std::size_t>(std::abs(entry)));
+    return *this;
+}
+
+CRecordBuilder& CRecordBuilder::Real(unsigned typeTag, float value) {
+    return Value(typeTag, std::bit_cast<std::uint32_t>(value));
+}
+
+CRecordBuilder& CRecordBuilder::U8(std::uint8_t value) {
+    m_bytes.push_back(value);
+    return *this;
+}
+
+CRecordBuilder& CRecordBuilder::U32(std::uint32_t value) {
+    AppendLittle(m_bytes, value, 4);
+    return *this;
+}
+
+CRecordBuilder& CRecordBuilder::U64(std::uint64_t value) {
+    AppendLittle(m_bytes, value, 8);
+    return *this;
+}
+
+CRecordBuilder& CRecordBuilder::Raw(const void* data, std::size_t size) {
+    AppendRaw(m_bytes, data, size);
+    return *this;
+}
+
+CRecordBuilder& CRecordBuilder::Data(std::uint64_t pointer, const void* data, std::size_t size) {
+    return Pointer(pointer).U32(Low32(size)).Raw(data, size);
+}
+
+CRecordBuilder& CRecordBuilder::String(std::uint64_t pointer, std::string_view text) {
+    Pointer(pointer).U32(Low32(text.size()));
+    return pointer == 0 ? *this : Raw(text.data(), text.size());
+}
+
+CRecordBuilder& CRecordBuilder::ArrayHead(std::uint64_t pointer, std::uint32_t count) {
+    return Pointer(pointer).U32(count);
+}
+
+CRecordBuilder& CRecordBuilder::Array(unsigned typeTag, std::uint64_t pointer,
+                                      const std::vector<std::int64_t>& scalars,
+                                      std::size_t perItem) {
+    ArrayHead(pointer, Low32(scalars.size() / perItem));
+    if (pointer == 0) return *this;
+    for (std::int64_t scalar : scalars) Signed(typeTag, scalar);
+    return *this;
+}
+
+CRecordBuilder& CRecordBuilder::Reals(unsigned typeTag, std::uint64_t pointer,
+                                      const std::vector<float>& scalars, std::size_t perItem) {
+    ArrayHead(pointer, Low32(scalars.size() / perItem));
+    if (pointer == 0) return *this;
+    for (float scalar : scalars) Real(typeTag, scalar);
+    return *this;
+}
+
+CRecordBuilder& CRecordBuilder::Strings(std::uint64_t pointer,
+                                        const std::vector<std::string>& texts) {
+    ArrayHead(pointer, Low32(texts.size()));
+    if (pointer == 0) return *this;
+    std::uint64_t address = pointer + 0x1000;
+    for (const std::string& text : texts) {
+        String(address, text);
+        address += text.size() + 1;
+    }
+    return *this;
+}
+
+CRecordBuilder& CRecordBuilder::Item(unsigned typeTag, std::uint64_t pointer,
+                                     const std::vector<std::int64_t>& scalars) {
+    Pointer(pointer);
+    if (pointer == 0) return *this;
+    for (std::int64_t scalar : scalars) Signed(typeTag, scalar);
+    return *this;
+}
+
+CRecordBuilder& CRecordBuilder::RealItem(unsigned typeTag, std::uint64_t pointer,
+                                         const std::vector<float>& scalars) {
+    Pointer(pointer);
+    if (pointer == 0) return *this;
+    for (float scalar : scalars) Real(typeTag, scalar);
+    return *this;
+}
+
+CRecordBuilder& CRecordBuilder::Attributes(const std::vector<std::int64_t>& list,
+                                           std::uint64_t pointer) {
+    return Array(tag::EglInt, list.empty() ? 0 : pointer, list);
+}
+
+CRecordBuilder& CRecordBuilder::Window(std::uint64_t handle, std::uint32_t width,
+                                       std::uint32_t height) {
+    return Value(tag::EglNativeWindow, handle).U32(width).U32(height);
+}
+
+CRecordBuilder& CRecordBuilder::ClientArray(std::int64_t index, std::uint64_t pointer,
+                                            const Bytes& bytes) {
+    if (m_version >= 14) Int(index);
+    return Data(pointer, bytes);
+}
+
+CTraceBuilder::CTraceBuilder(std::uint32_t version)
+    : m_version(version),
+      m_widths(StandardWidths()),
+      m_footer(version >= 12),
+      m_configAttributes(DefaultConfigAttributes()) {
+    if (version == 7) {
+        m_typeSet = 1;
+        m_widths.resize(28);
+    }
+}
+
+CTraceBuilder& CTraceBuilder::SetMagic(std::string_view magic) {
+    m_magic = magic;
+    return *this;
+}
+
+CTraceBuilder& CTraceBuilder::SetByteOrderMark(std::uint32_t mark) {
+    m_mark = mark;
+    return *this;
+}
+
+CTraceBuilder& CTraceBuilder::SetDataFlag(std::uint8_t flag) {
+    m_dataFlag = flag;
+    return *this;
+}
+
+CTraceBuilder& CTraceBuilder::SetSecondFlag(std::uint8_t flag) {
+    m_secondFlag = flag;
+    return *this;
+}
+
+CTraceBuilder& CTraceBuilder::SetTypeSet(std::uint32_t typeSet) {
+    m_typeSet = typeSet;
+    return *this;
+}
+
+CTraceBuilder& CTraceBuilder::SetWidths(const WidthTable& widths) {
+    m_widths = widths;
+    return *this;
+}
+
+CTraceBuilder& CTraceBuilder::SetWidthCount(std::int8_t count) {
+    m_widthCountSet = true;
+    m_widthCount = count;
+    return *this;
+}
+
+CTraceBuilder& CTraceBuilder::Disable(std::uint32_t callNumber) {
+    m_disabled.push_back(callNumber);
+    return *this;
+}
+
+CTraceBuilder& CTraceBuilder::OverrideText(std::uint32_t callNumber, std::string_view text) {
+    m_overrides.emplace_back(callNumber, text);
+    return *this;
+}
+
+CRecordBuilder CTraceBuilder::Plain() const {
+    return CRecordBuilder(m_widths, m_version);
+}
+
+CRecordBuilder CTraceBuilder::Egl(std::int32_t error) const {
+    return Plain().EglInt(error);
+}
+
+CRecordBuilder CTraceBuilder::Gl(std::uint32_t error) const {
+    return Plain().Enum(error);
+}
+
+CRecordBuilder CTraceBuilder::Ext(std::uint32_t error, std::uint8_t api) const {
+    return Plain().Enum(error).Ubyte(api);
+}
+
+CTraceBuilder& CTraceBuilder::Add(std::uint16_t id, const CRecordBuilder& record) {
+    return AddSized(Low32(record.Content().size()), id, record.Content());
+}
+
+CTraceBuilder& CTraceBuilder::AddSized(std::uint32_t size, std::uint16_t id, const Bytes& payload) {
+    Bytes& section = Section();
+    AppendLittle(section, size, 4);
+    AppendLittle(section, id, 2);
+    AppendRaw(section, payload.data(), payload.size());
+    if (id > 5) ++m_callCount;
+    return *this;
+}
+
+CTraceBuilder& CTraceBuilder::AddRaw(const Bytes& bytes) {
+    AppendRaw(Section(), bytes.data(), bytes.size());
+    return *this;
+}
+
+CTraceBuilder& CTraceBuilder::Thread(std::uint64_t thread) {
+    return Add(1, Plain().U64(thread));
+}
+
+CTraceBuilder& CTraceBuilder::Marker(std::uint16_t id) {
+    return Add(id, Plain());
+}
+
+CTraceBuilder& CTraceBuilder::BeginState() {
+    m_inState = true;
+    return *this;
+}
+
+CTraceBuilder& CTraceBuilder::EndState() {
+    m_inState = false;
+    return *this;
+}
+
+CTraceBuilder& CTraceBuilder::SetFooter(bool present) {
+    m_footer = present;
+    return *this;
+}
+
+CTraceBuilder& CTraceBuilder::SetFooterMarks(std::int8_t first, std::int8_t second) {
+    m_firstMark = first;
+    m_secondMark = second;
+    return *this;
+}
+
+CTraceBuilder& CTraceBuilder::SetStateOffset(std::uint64_t offset) {
+    m_stateOffsetSet = true;
+    m_stateOffset = offset;
+    return *this;
+}
+
+CTraceBuilder& CTraceBuilder::GetDisplay(std::uint32_t dpy) {
+    return Add(1014, Egl().Display(dpy).Value(tag::EglNativeDisplay, 0));
+}
+
+CTraceBuilder& CTraceBuilder::Initialize(std::uint32_t dpy) {
+    return Add(1017, Egl()
+                         .EglBoolean(true)
+                         .Display(dpy)
+                         .Array(tag::EglInt, 0x20000, {1})
+                         .Array(tag::EglInt, 0x20004, {4}));
+}
+
+CTraceBuilder& CTraceBuilder::CreateContext(int clientVersion, std::uint32_t ctx,
+                                            std::uint32_t share) {
+    return Add(1003, Egl()
+                         .Context(ctx)
+                         .Display(display)
+                         .Config(config)
+                         .Context(share)
+                         .Attributes({0x3098, clientVersion, 0x3038})
+                         .Attributes(m_configAttributes));
+}
+
+CTraceBuilder& CTraceBuilder::CreateWindowSurface(std::uint32_t width, std::uint32_t height,
+                                                  std::uint32_t srf, std::uint32_t dpy) {
+    return Add(1006, Egl()
+                         .Surface(srf)
+                         .Display(dpy)
+                         .Config(config)
+                         .Window(0x500, width, height)
+                         .Attributes({})
+                         .Attributes(m_configAttributes));
+}
+
+CTraceBuilder& CTraceBuilder::MakeCurrent(std::uint32_t srf, std::uint32_t ctx) {
+    CRecordBuilder record =
+        Egl().EglBoolean(true).Display(display).Surface(srf).Surface(srf).Context(ctx);
+    if (m_version >= 9) record.Config(config).Attributes(m_configAttributes);
+    return Add(1018, record);
+}
+
+CTraceBuilder& CTraceBuilder::SwapBuffers(std::uint32_t width, std::uint32_t height,
+                                          const Bytes& picture, std::uint32_t srf) {
+    CRecordBuilder record = Egl().EglBoolean(true).Display(display).Surface(srf);
+    if (m_version >= 9) record.Uint(++m_frame);
+    if (m_version >= 10) {
+        record.Uint(width).Uint(height).Data(picture.empty() ? 0 : 0x30000, picture);
+    }
+    return Add(1022, record);
+}
+
+CTraceBuilder& CTraceBuilder::StartUp(int clientVersion, std::uint32_t width,
+                                      std::uint32_t height) {
+    GetDisplay();
+    Initialize();
+    CreateContext(clientVersion);
+    CreateWindowSurface(width, height);
+    return MakeCurrent();
+}
+
+void CTraceBuilder::SetConfigAttributes(const std::vector<std::int64_t>& attributes) {
+    m_configAttributes = attributes;
+}
+
+Bytes CTraceBuilder::BuildHeader() const {
+    Bytes out;
+    AppendRaw(out, m_magic.data(), m_magic.size());
+    AppendLittle(out, m_mark, 4);
+    AppendLittle(out, m_version, 4);
+    out.push_back(m_dataFlag);
+    if (m_version > 10) out.push_back(m_secondFlag);
+    AppendLittle(out, m_typeSet, 4);
+    if (m_version > 7) {
+        const auto size = static_cast<std::int8_t>(m_widths.size());
+        out.push_back(static_cast<std::uint8_t>(m_widthCountSet ? m_widthCount : size));
+    }
+    AppendRaw(out, m_widths.data(), m_widths.size());
+    if (m_version > 12) {
+        AppendLittle(out, m_disabled.size(), 4);
+        for (std::uint32_t callNumber : m_disabled) AppendLittle(out, callNumber, 4);
+        AppendLittle(out, m_overrides.size(), 4);
+        for (const auto& [callNumber, text] : m_overrides) {
+            AppendLittle(out, callNumber, 4);
+            AppendLittle(out, text.size(), 4);
+            AppendRaw(out, text.data(), text.size());
+        }
+    }
+    return out;
+}
+
+Bytes CTraceBuilder::Build() const {
+    Bytes out = BuildHeader();
+    AppendRaw(out, m_calls.data(), m_calls.size());
+    const std::uint64_t statePlace = m_state.empty() ? 0 : out.size();
+    AppendRaw(out, m_state.data(), m_state.size());
+    if (m_footer) {
+        out.push_back(static_cast<std::uint8_t>(m_firstMark));
+        out.push_back(static_cast<std::uint8_t>(m_secondMark));
+        AppendLittle(out, m_stateOffsetSet ? m_stateOffset : statePlace, 8);
+    }
+    return out;
+}
+
+bool CTraceBuilder::Write(const std::string& path) const {
+    const Bytes bytes = Build();
+    std::ofstream file(path, std::ios::binary | std::ios::trunc);
+    file.write(reinterpret_cast<const char*>(bytes.data()),
+               static_cast<std::streamsize>(bytes.size()));
+    file.close();
+    return !file.fail();
+}
+
+}  // namespace kestrail

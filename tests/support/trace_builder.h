@@ -1,0 +1,241 @@
+// Builds trace files byte by byte, of any version from 7 on, sound or damaged. It is the oracle
+// that the reader is tested against and the writer of the sample traces, so it shares no code with
+// the reader: every layout is written down here once more.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <initializer_list>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace kestrail {
+
+using Bytes = std::vector<std::uint8_t>;
+using WidthTable = std::vector<std::int8_t>;
+
+/// The width table of version 14: one signed byte for each of the tags 0 to 32.
+WidthTable StandardWidths();
+
+/// The type tags by which the width table is indexed.
+namespace tag {
+enum Tag : unsigned {
+    Pointer = 0,
+    EglInt = 1,
+    EglBoolean = 2,
+    EglEnum = 3,
+    EglConfig = 4,
+    EglContext = 5,
+    EglDisplay = 6,
+    EglSurface = 7,
+    EglClientBuffer = 8,
+    EglNativeDisplay = 9,
+    EglNativePixmap = 10,
+    EglNativeWindow = 11,
+    Enum = 12,
+    Boolean = 13,
+    Bitfield = 14,
+    Int = 17,
+    Sizei = 18,
+    Ubyte = 19,
+    Uint = 21,
+    Float = 22,
+    Clampf = 23,
+    Fixed = 24,
+    Intptr = 25,
+    Sizeiptr = 26,
+    Clampx = 27,
+    EglImage = 28,
+    EglImageOes = 29,
+    Int64 = 30,
+    Uint64 = 31,
+};
+}  // namespace tag
+
+/// The payload of one record. Values are appended in stream order, each in the width that the table
+/// gives for its tag; the family's own fields come first (CTraceBuilder::Egl, Gl and Ext write
+/// them).
+class CRecordBuilder {
+public:
+    CRecordBuilder(const WidthTable& widths, std::uint32_t version);
+
+    /// A value in the width of its tag, least significant byte first; bytes above the eighth are 0.
+    CRecordBuilder& Value(unsigned typeTag, std::uint64_t value);
+    /// A float as its four bytes, filled with zeros where the tag's width is more than four.
+    CRecordBuilder& Real(unsigned typeTag, float value);
+
+    CRecordBuilder& Enum(std::uint32_t value) { return Value(tag::Enum, value); }
+    CRecordBuilder& Boolean(bool value) { return Value(tag::Boolean, value ? 1U : 0U); }
+    CRecordBuilder& Bitfield(std::uint32_t value) { return Value(tag::Bitfield, value); }
+    CRecordBuilder& Int(std::int64_t value) { return Signed(tag::Int, value); }
+    CRecordBuilder& Sizei(std::int64_t value) { return Signed(tag::Sizei, value); }
+    CRecordBuilder& Ubyte(std::uint8_t value) { return Value(tag::Ubyte, value); }
+    CRecordBuilder& Uint(std::uint32_t value) { return Value(tag::Uint, value); }
+    CRecordBuilder& Float(float value) { return Real(tag::Float, value); }
+    CRecordBuilder& Clampf(float value) { return Real(tag::Clampf, value); }
+    CRecordBuilder& Fixed(std::int64_t value) { return Signed(tag::Fixed, value); }
+    CRecordBuilder& Clampx(std::int64_t value) { return Signed(tag::Clampx, value); }
+    CRecordBuilder& Intptr(std::int64_t value) { return Signed(tag::Intptr, value); }
+    CRecordBuilder& Sizeiptr(std::int64_t value) { return Signed(tag::Sizeiptr, value); }
+    CRecordBuilder& Pointer(std::uint64_t value) { return Value(tag::Pointer, value); }
+    CRecordBuilder& EglInt(std::int64_t value) { return Signed(tag::EglInt, value); }
+    CRecordBuilder& EglBoolean(bool value) { return Value(tag::EglBoolean, value ? 1U : 0U); }
+    CRecordBuilder& EglEnum(std::uint32_t value) { return Value(tag::EglEnum, value); }
+    CRecordBuilder& Config(std::uint64_t value) { return Value(tag::EglConfig, value); }
+    CRecordBuilder& Context(std::uint64_t value) { return Value(tag::EglContext, value); }
+    CRecordBuilder& Display(std::uint64_t value) { return Value(tag::EglDisplay, value); }
+    CRecordBuilder& Surface(std::uint64_t value) { return Value(tag::EglSurface, value); }
+
+    /// Fixed-width fields, whatever the table says.
+    CRecordBuilder& U8(std::uint8_t value);
+    CRecordBuilder& U32(std::uint32_t value);
+    CRecordBuilder& U64(std::uint64_t value);
+    CRecordBuilder& Raw(const void* data, std::size_t size);
+    CRecordBuilder& Raw(const Bytes& bytes) { return Raw(bytes.data(), bytes.size()); }
+
+    /// A block of bytes or pixels: pointer, size, bytes. The bytes stand there for a null pointer
+    /// too.
+    CRecordBuilder& Data(std::uint64_t pointer, const void* data, std::size_t size);
+    CRecordBuilder& Data(std::uint64_t pointer, const Bytes& bytes = {}) {
+        return Data(pointer, bytes.data(), bytes.size());
+    }
+    /// A string: pointer, length, and the characters unless the pointer is null.
+    CRecordBuilder& String(std::uint64_t pointer, std::string_view text);
+    /// The head of a counted array (pointer and count); the elements are up to the caller.
+    CRecordBuilder& ArrayHead(std::uint64_t pointer, std::uint32_t count);
+    /// A counted array. `perItem` is the number of scalars in one item; the count on file is in
+    /// items. A null pointer writes no elements.
+    CRecordBuilder& Array(unsigned typeTag, std::uint64_t pointer,
+                          const std::vector<std::int64_t>& scalars, std::size_t perItem = 1);
+    CRecordBuilder& Reals(unsigned typeTag, std::uint64_t pointer,
+                          const std::vector<float>& scalars, std::size_t perItem = 1);
+    CRecordBuilder& Strings(std::uint64_t pointer, const std::vector<std::string>& texts);
+    /// One item behind a pointer, without a count; a null pointer writes no elements.
+    CRecordBuilder& Item(unsigned typeTag, std::uint64_t pointer,
+                         const std::vector<std::int64_t>& scalars);
+    CRecordBuilder& RealItem(unsigned typeTag, std::uint64_t pointer,
+                             const std::vector<float>& scalars);
+    /// An EGL attribute list, its EGL_NONE included in `list`; an empty list is a null pointer.
+    CRecordBuilder& Attributes(const std::vector<std::int64_t>& list,
+                               std::uint64_t pointer = 0x10000);
+    /// A native window: handle by width, then width and height.
+    CRecordBuilder& Window(std::uint64_t handle, std::uint32_t width, std::uint32_t height);
+    /// One captured array at the end of a draw; the attribute index stands there from version 14
+    /// on.
+    CRecordBuilder& ClientArray(std::int64_t index, std::uint64_t pointer, const Bytes& bytes);
+
+    const Bytes& Content() const { return m_bytes; }
+
+private:
+    CRecordBuilder& Signed(unsigned typeTag, std::int64_t value) {
+        return Value(typeTag, static_cast<std::uint64_t>(value));
+    }
+
+    WidthTable m_widths;
+    std::uint32_t m_version;
+    Bytes m_bytes;
+};
+
+/// A trace file in the making. Settings of the header and the footer may be given in any order;
+/// records are kept in the order in which they are added.
+class CTraceBuilder {
+public:
+    explicit CTraceBuilder(std::uint32_t version = 14);
+
+    CTraceBuilder& SetMagic(std::string_view magic);
+    CTraceBuilder& SetByteOrderMark(std::uint32_t mark);
+    CTraceBuilder& SetDataFlag(std::uint8_t flag);
+    CTraceBuilder& SetSecondFlag(std::uint8_t flag);
+    CTraceBuilder& SetTypeSet(std::uint32_t typeSet);
+    /// Applies to the records begun from here on. In version 7 the table's length isn't on file:
+    /// 28 entries want a type set of 1, 27 any other.
+    CTraceBuilder& SetWidths(const WidthTable& widths);
+    /// A table length byte that differs from the table's own size.
+    CTraceBuilder& SetWidthCount(std::int8_t count);
+    CTraceBuilder& Disable(std::uint32_t callNumber);
+    CTraceBuilder& OverrideText(std::uint32_t callNumber, std::string_view text);
+
+    /// A payload that begins with the family's own fields.
+    CRecordBuilder Egl(std::int32_t error = 0x3000) const;
+    CRecordBuilder Gl(std::uint32_t error = 0) const;
+    CRecordBuilder Ext(std::uint32_t error = 0, std::uint8_t api = 2) const;
+    CRecordBuilder Plain() const;
+
+    CTraceBuilder& Add(std::uint16_t id, const CRecordBuilder& record);
+    /// A record whose size field may lie.
+    CTraceBuilder& AddSized(std::uint32_t size, std::uint16_t id, const Bytes& payload);
+    /// Bytes without a frame.
+    CTraceBuilder& AddRaw(const Bytes& bytes);
+    CTraceBuilder& Thread(std::uint64_t thread = 1);
+    /// A section marker, 2 to 5.
+    CTraceBuilder& Marker(std::uint16_t id);
+    /// What follows goes to the state section behind the call records, until EndState.
+    CTraceBuilder& BeginState();
+    CTraceBuilder& EndState();
+
+    /// The footer is written from version 12 on unless it is left off here.
+    CTraceBuilder& SetFooter(bool present);
+    CTraceBuilder& SetFooterMarks(std::int8_t first, std::int8_t second);
+    /// Replaces the offset that the state section's place gives.
+    CTraceBuilder& SetStateOffset(std::uint64_t offset);
+
+    // EGL start-up on the handles below, and the frame's end.
+    static constexpr std::uint32_t display = 0x100;
+    static constexpr std::uint32_t config = 0x200;
+    static constexpr std::uint32_t context = 0x300;
+    static constexpr std::uint32_t surface = 0x400;
+
+    CTraceBuilder& GetDisplay(std::uint32_t dpy = display);
+    CTraceBuilder& Initialize(std::uint32_t dpy = display);
+    CTraceBuilder& CreateContext(int clientVersion, std::uint32_t ctx = context,
+                                 std::uint32_t share = 0);
+    CTraceBuilder& CreateWindowSurface(std::uint32_t width, std::uint32_t height,
+                                       std::uint32_t srf = surface, std::uint32_t dpy = display);
+    CTraceBuilder& MakeCurrent(std::uint32_t srf = surface, std::uint32_t ctx = context);
+    /// `picture` holds width x height RGBA pixels, bottom row first; empty for a frame without one.
+    CTraceBuilder& SwapBuffers(std::uint32_t width = 0, std::uint32_t height = 0,
+                               const Bytes& picture = {}, std::uint32_t srf = surface);
+    /// Display, context, window surface and eglMakeCurrent in one.
+    CTraceBuilder& StartUp(int clientVersion, std::uint32_t width, std::uint32_t height);
+    /// The attributes of the configuration that contexts and surfaces are recorded with.
+    void SetConfigAttributes(const std::vector<std::int64_t>& attributes);
+
+    std::uint32_t Version() const { return m_version; }
+    /// Number of calls added so far to the section in hand, markers and thread records left out.
+    std::uint32_t CallCount() const { return m_callCount; }
+
+    Bytes Build() const;
+    /// False if the file couldn't be written whole.
+    bool Write(const std::string& path) const;
+
+private:
+    Bytes BuildHeader() const;
+    Bytes& Section() { return m_inState ? m_state : m_calls; }
+
+    std::uint32_t m_version;
+    std::string m_magic = "Kestrail";
+    std::uint32_t m_mark = 0xFFFE0100U;
+    std::uint8_t m_dataFlag = 1;
+    std::uint8_t m_secondFlag = 1;
+    std::uint32_t m_typeSet = 2;
+    WidthTable m_widths;
+    bool m_widthCountSet = false;
+    std::int8_t m_widthCount = 0;
+    std::vector<std::uint32_t> m_disabled;
+    std::vector<std::pair<std::uint32_t, std::string>> m_overrides;
+    Bytes m_calls;
+    Bytes m_state;
+    bool m_inState = false;
+    bool m_footer;
+    std::int8_t m_firstMark = 19;
+    std::int8_t m_secondMark = 16;
+    bool m_stateOffsetSet = false;
+    std::uint64_t m_stateOffset = 0;
+    std::uint32_t m_callCount = 0;
+    std::uint32_t m_frame = 0;
+    std::vector<std::int64_t> m_configAttributes;
+};
+
+}  // namespace kestrail
