@@ -59,9 +59,12 @@ NativeWindow CreateScreenWindow(std::int32_t width, std::int32_t height, const c
         output::SystemError("screen_create_window");
         return NativeWindow{};
     }
-    // The handle of a destroyed window is returned all the same: the surface that is then made on
-    // it fails with a message of its own.
-    if (!PrepareWindow(window, width, height, name)) screen_destroy_window(window);
+    if (!PrepareWindow(window, width, height, name)) {
+        screen_destroy_window(window);
+        // The surface that is then made on it must fail with a message of its own. Of a window that
+        // is gone some drivers do not ask whether it exists, and crash; of no window they do.
+        return NativeWindow{};
+    }
     return reinterpret_cast<NativeWindow>(window);
 }
 
@@ -103,8 +106,8 @@ NativeWindow COsEnvironment::FindWindow(std::uint64_t recordedWindow) {
 }
 
 bool COsEnvironment::PumpEvents() {
-    // Starting out true, this cannot turn false: one window's wish to quit must not be masked by
-    // another's content, so a platform that can answer false needs another rule here.
+    // This cannot turn false, as no callback here asks to quit. A platform whose callback does
+    // needs another way to join the answers.
     bool result = true;
     for (std::int32_t i = 0; i < nativeWindows.Count(); ++i) {
         result |= processEvents(*nativeWindows.ValueAt(i), NativeDisplay{});

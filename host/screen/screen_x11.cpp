@@ -50,6 +50,17 @@ int Check(xcb_void_cookie_t cookie) {
     return Fail(error->error_code == XCB_ALLOC ? ENOMEM : EINVAL);
 }
 
+/// Drivers take several bytes for a pixel of every buffer, and some do not survive running out of
+/// memory.
+int CheckArea(xcb_window_t id) {
+    constexpr std::uint32_t kLargestArea = 8192 * 8192;
+    const Reply<xcb_get_geometry_reply_t> geometry(xcb_get_geometry_reply(
+        g_context.connection, xcb_get_geometry(g_context.connection, id), nullptr));
+    if (geometry == nullptr) return Fail(Connected() ? EINVAL : EIO);
+    const std::uint32_t area = std::uint32_t{geometry->width} * geometry->height;
+    return area <= kLargestArea ? 0 : Fail(ENOMEM);
+}
+
 bool IsViewable(xcb_window_t id) {
     const Reply<xcb_get_window_attributes_reply_t> attributes(xcb_get_window_attributes_reply(
         g_context.connection, xcb_get_window_attributes(g_context.connection, id), nullptr));
@@ -76,6 +87,12 @@ void AwaitViewable(xcb_window_t id) {
         poll(&connection, 1, left < 10 ? static_cast<int>(left) : 10);
         DropEvents();
     }
+}
+
+/// Whether requests about the window go to a window manager.
+void Redirect(xcb_window_t id, bool toManager) {
+    const std::uint32_t override = toManager ? 0 : 1;
+    xcb_change_window_attributes(g_context.connection, id, XCB_CW_OVERRIDE_REDIRECT, &override);
 }
 
 /// The size as minimum and maximum, so that a window manager keeps it.
@@ -128,6 +145,7 @@ int screen_create_window_buffers(screen_window_t window, int count) {
     if (count < 1) return Fail(EINVAL);
     if (!Connected()) return Fail(EIO);
     const xcb_window_t id = IdOf(window);
+    if (CheckArea(id) != 0) return -1;
     if (Check(xcb_map_window_checked(g_context.connection, id)) != 0) return -1;
     AwaitViewable(id);
     // Nobody reads events from here on, so none may gather.
@@ -148,10 +166,14 @@ int screen_set_window_property_iv(screen_window_t window, int property, const in
     }
     const std::uint32_t size[] = {static_cast<std::uint32_t>(values[0]),
                                   static_cast<std::uint32_t>(values[1])};
-    FixSize(IdOf(window), size[0], size[1]);
-    return Check(xcb_configure_window_checked(g_context.connection, IdOf(window),
-                                              XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT,
-                                              size));
+    const xcb_window_t id = IdOf(window);
+    FixSize(id, size[0], size[1]);
+    // A window manager has no say, and no delay, in the size of a window that is not shown yet.
+    Redirect(id, false);
+    const int result = Check(xcb_configure_window_checked(
+        g_context.connection, id, XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, size));
+    Redirect(id, true);
+    return result;
 }
 
 int screen_set_window_property_cv(screen_window_t window, int property, int length,

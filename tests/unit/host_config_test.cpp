@@ -1,0 +1,145 @@
+#include "host/host_config.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+#include "base/output.h"
+
+namespace kestrail {
+namespace {
+
+class HostConfig : public testing::Test {
+protected:
+    void SetUp() override {
+        static_cast<void>(GetHostConfig());
+        GetHostSettings() = SHostSettings{};
+        m_path = testing::TempDir() + "kestrail_config_" + std::to_string(getpid());
+    }
+    void TearDown() override { std::filesystem::remove(m_path); }
+
+    /// What the reader makes of a file with this content, and what it prints, in `m_printed`.
+    CHostConfig Read(const std::string& content) {
+        std::ofstream(m_path) << content;
+        CHostConfig config;
+        testing::internal::CaptureStdout();
+        ReadConfigFile(config, m_path.c_str());
+        output::Flush();
+        m_printed = testing::internal::GetCapturedStdout();
+        return config;
+    }
+
+    std::string m_path;
+    std::string m_printed;
+};
+
+TEST_F(HostConfig, KeysAreTakenFromAnyPlaceAndForm) {
+    const std::string longest(480, 'x');
+    const struct {
+        std::string content;
+        std::string egl;
+    } cases[] = {
+        {"", "libEGL.so"},
+        {"EglLibraryPath=a.so", "a.so"},
+        {"  EglLibraryPath   =   /lib/x.so  \r\n", "/lib/x.so"},
+        {"[record]\nEglLibraryPath = a\n[nobody]\n", "a"},
+        {"[broken\nEglLibraryPath = a", "a"},
+        {"EglLibraryPath = a=b", "a=b"},
+        {"EglLibraryPath =\n", ""},
+        {"# EglLibraryPath = a\n' EglLibraryPath = a\nEglLibraryPath\n\n", "libEGL.so"},
+        {"egllibrarypath = a\nEglLibraryPath\t= a\n[EglLibraryPath = a\n", "libEGL.so"},
+        {"EglLibraryPath = a\n \t EglLibraryPath = b\n", "b"},
+        {"EglLibraryPath = " + longest + "y\n", longest + "y"},
+        // 499 characters make a line; what follows is the next one.
+        {"EglLibraryPath = " + longest + "yyEglLibraryPath = b\n", "b"},
+    };
+    for (const auto& row : cases) {
+        EXPECT_STREQ(Read(row.content).EglLibraryPath.c_str(), row.egl.c_str()) << row.content;
+    }
+}
+
+TEST_F(HostConfig, AnEs3PathReplacesTheEs2PathWhenItIsLongEnough) {
+    const struct {
+        const char* content;
+        const char* es2;
+        const char* es3;
+    } cases[] = {
+        {"Es3LibraryPath = ab", "libGLESv2.so", "ab"},
+        {"Es3LibraryPath = abc", "abc", "abc"},
+        {"Es2LibraryPath = two\nEs3LibraryPath = three", "three", "three"},
+        {"Es3LibraryPath = three\nEs2LibraryPath = two", "two", "three"},
+    };
+    for (const auto& row : cases) {
+        const CHostConfig config = Read(row.content);
+        EXPECT_STREQ(config.Es2LibraryPath.c_str(), row.es2) << row.content;
+        EXPECT_STREQ(config.Es3LibraryPath.c_str(), row.es3) << row.content;
+    }
+}
+
+TEST_F(HostConfig, SettingsHaveTheirOwnRules) {
+    Read("TraceFile = t\nRecordData = 0\nSaveFrameBuffer = 00\nStartFrame = 12 \nEndFrame = x\n");
+    EXPECT_STREQ(GetHostSettings().traceFile.c_str(), "t");
+    EXPECT_TRUE(GetHostSettings().recordData);
+    EXPECT_FALSE(GetHostSettings().saveFrameBuffer);
+    EXPECT_EQ(GetHostSettings().startFrame, 12);
+    EXPECT_EQ(GetHostSettings().endFrame, 0);
+    Read("SaveFrameBuffer = 10\nEndFrame = -3");
+    EXPECT_TRUE(GetHostSettings().saveFrameBuffer);
+    EXPECT_EQ(GetHostSettings().endFrame, -3);
+}
+
+TEST_F(HostConfig, TheReaderSaysWhatItFound) {
+    Read("EglLibraryPath = e\nEs1LibraryPath = 1\nEs3LibraryPath = three\n");
+    const std::string folder = std::filesystem::current_path().string();
+    EXPECT_EQ(m_printed, "KESTRAIL(M) The current working directory is " + folder +
+                             "\nKESTRAIL(M) Config file found: " + folder + "/" + m_path +
+                             "\n\nKESTRAIL(M) NetworkControl(I): Disabled\n"
+                             "KESTRAIL(M) Config File HostEglLibPath: e\n"
+                             "KESTRAIL(M) Config File HostEs1LibPath: 1\n"
+                             "KESTRAIL(M) Config File HostEs2LibPath: three\n"
+                             "KESTRAIL(M) Config File HostEs3LibPath: three\n");
+}
+
+TEST_F(HostConfig, AMissingFileEndsTheProcess) {
+    // The death test looks at standard error only, where the child sends its text.
+    const auto read = [this] {
+        dup2(STDERR_FILENO, STDOUT_FILENO);
+        output::FlushOnAnyExit();
+        CHostConfig config;
+        ReadConfigFile(config, m_path.c_str());
+    };
+    EXPECT_EXIT(read(), testing::ExitedWithCode(255),
+                "WARNING: Config file not found: .*kestrail_config_[0-9]+\n\n"
+                "KESTRAIL\\(W\\) WARNING: Recording Aborted.Exit\n");
+}
+
+TEST_F(HostConfig, TheWriterGivesPathsAndFixedSettings) {
+    CHostConfig config;
+    config.Es3LibraryPath = "three";
+    GetHostSettings().recordData = true;
+    GetHostSettings().endFrame = 99;
+    testing::internal::CaptureStdout();
+    const bool written = WriteConfigFile(config, m_path.c_str());
+    const bool nowhere = WriteConfigFile(config, (m_path + "/none/kestrail.cfg").c_str());
+    output::Flush();
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "KESTRAIL(M) Writing to File \n\n"
+              "KESTRAIL(M) Writing to file complete, please check host library paths.\n\n"
+              "KESTRAIL(M) Writing to File \n\n");
+    EXPECT_TRUE(written);
+    EXPECT_FALSE(nowhere);
+    std::stringstream content;
+    content << std::ifstream(m_path).rdbuf();
+    EXPECT_EQ(content.str(),
+              "[host]\nEglLibraryPath = libEGL.so\nEs1LibraryPath = libGLES_CM.so\n"
+              "Es2LibraryPath = libGLESv2.so\n\n[record]\nTraceFile = trace.kstl\nRecordData = 0\n"
+              "StartFrame = 0\nEndFrame = 1\n\n");
+}
+
+}  // namespace
+}  // namespace kestrail
