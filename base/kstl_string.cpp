@@ -7,12 +7,18 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <new>
 #include <utility>
 
 namespace kestrail {
 namespace {
 
 constexpr const char* kBlanks = " \t\n\r";
+
+char* Checked(void* allocated) {
+    if (allocated == nullptr) throw std::bad_alloc();
+    return static_cast<char*>(allocated);
+}
 
 std::uint32_t Measure(const char* text, std::uint32_t length) {
     if (length != CKSTLString::npos) return text != nullptr ? length : 0;
@@ -41,8 +47,7 @@ std::unique_ptr<char[]> Printed(const char* format, std::va_list arguments, std:
 
 }  // namespace
 
-CKSTLString::CKSTLString()
-    : m_pString(static_cast<char*>(std::calloc(1, 1))), m_Size(0), m_Capacity(1) {}
+CKSTLString::CKSTLString() : m_pString(Checked(std::calloc(1, 1))), m_Size(0), m_Capacity(1) {}
 
 CKSTLString::CKSTLString(const char* text, std::uint32_t length) : CKSTLString() {
     assign(text, length);
@@ -90,7 +95,7 @@ CKSTLString& CKSTLString::assign(const char* text, std::uint32_t length) {
         // The source may lie inside this string.
         if (count > 0) std::memmove(m_pString, text, count);
     } else {
-        char* fresh = static_cast<char*>(std::malloc(std::size_t{count} + 1));
+        char* fresh = Checked(std::malloc(std::size_t{count} + 1));
         std::memcpy(fresh, text, count);
         std::free(m_pString);
         m_pString = fresh;
@@ -116,7 +121,8 @@ CKSTLString& CKSTLString::append(const char* text, std::uint32_t length) {
     const std::size_t needed = std::size_t{m_Size} + count + 1;
     if (needed > m_Capacity) {
         // The source may lie inside the old buffer, so that goes last.
-        char* fresh = static_cast<char*>(std::malloc(needed));
+        if (needed > npos) throw std::bad_alloc();
+        char* fresh = Checked(std::malloc(needed));
         std::memcpy(fresh, m_pString, m_Size);
         std::memcpy(fresh + m_Size, text, count);
         std::free(m_pString);
@@ -141,21 +147,22 @@ CKSTLString& CKSTLString::append(const CKSTLString& other, std::uint32_t start,
 }
 
 CKSTLString& CKSTLString::append(std::uint32_t count, char fill) {
-    GrowTo(m_Size + count + 1);
+    GrowTo(std::size_t{m_Size} + count + 1);
     std::memset(m_pString + m_Size, fill, count);
     m_Size += count;
     m_pString[m_Size] = '\0';
     return *this;
 }
 
-void CKSTLString::GrowTo(std::uint32_t capacity) {
+void CKSTLString::GrowTo(std::size_t capacity) {
     if (capacity <= m_Capacity) return;
-    m_pString = static_cast<char*>(std::realloc(m_pString, capacity));
-    m_Capacity = capacity;
+    if (capacity > npos) throw std::bad_alloc();
+    m_pString = Checked(std::realloc(m_pString, capacity));
+    m_Capacity = static_cast<std::uint32_t>(capacity);
 }
 
 void CKSTLString::reserve(std::uint32_t count) {
-    if (m_Capacity <= count) GrowTo(count + 1);
+    if (m_Capacity <= count) GrowTo(std::size_t{count} + 1);
 }
 
 void CKSTLString::resize(std::uint32_t count, char fill) {

@@ -73,7 +73,7 @@ public:
     void ToUpper();
 
 private:
-    void GrowTo(std::uint32_t capacity);
+    void GrowTo(std::size_t capacity);
 
     char* m_pString;
     std::uint32_t m_Size;

@@ -4,6 +4,7 @@
 // until that entry is erased. Includes nothing of ours: every room may use it.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <utility>
@@ -25,10 +26,10 @@ public:
         m_capacity = other.m_capacity;
         m_keys.reset(new Key[static_cast<std::size_t>(m_capacity)]);
         m_entries.reset(new Slot[static_cast<std::size_t>(m_capacity)]);
-        m_count = 0;
         m_lastHit = 0;
-        for (std::int32_t i = 0; i < other.m_count; ++i) {
-            GetOrCreate(other.m_keys[i]) = other.m_entries[i]->value;
+        for (m_count = 0; m_count < other.m_count; ++m_count) {
+            m_keys[m_count] = other.m_keys[m_count];
+            m_entries[m_count] = std::make_unique<SNameEntry>(*other.m_entries[m_count]);
         }
         return *this;
     }

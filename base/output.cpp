@@ -1,7 +1,9 @@
 #include "base/output.h"
 
+#include <poll.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -17,21 +19,29 @@ constexpr int kEndingSignals[] = {SIGSEGV, SIGBUS, SIGFPE,  SIGILL,  SIGABRT, SI
 
 /// Never destroyed: text may be printed by what runs at process exit.
 TextWriter& g_pending = *new TextWriter;
+/// How much of it is written: a signal that comes during a flush writes only the rest.
+volatile std::size_t g_written = 0;
 std::terminate_handler g_terminate = nullptr;
 
-/// Only write(2), so that it can run in a signal handler.
-void WriteAll(const char* data, std::size_t size) {
-    while (size > 0) {
-        const ssize_t written = ::write(STDOUT_FILENO, data, size);
+/// Calls nothing but write(2) and poll(2), so that it can run in a signal handler. Text that cannot
+/// be written is given up.
+void WritePending() {
+    while (g_written < g_pending.Size()) {
+        const ssize_t written =
+            ::write(STDOUT_FILENO, g_pending.Data() + g_written, g_pending.Size() - g_written);
         if (written < 0 && errno == EINTR) continue;
+        if (written < 0 && errno == EAGAIN) {
+            pollfd ready{STDOUT_FILENO, POLLOUT, 0};
+            ::poll(&ready, 1, -1);
+            continue;
+        }
         if (written <= 0) return;
-        data += written;
-        size -= static_cast<std::size_t>(written);
+        g_written = g_written + static_cast<std::size_t>(written);
     }
 }
 
 void FlushAtSignal(int signal) {
-    WriteAll(g_pending.Data(), g_pending.Size());
+    WritePending();
     // The default action is back in place, so this ends the process as the signal would have.
     ::raise(signal);
 }
@@ -112,8 +122,10 @@ void LineDone() {
 }
 
 void Flush() {
-    WriteAll(g_pending.Data(), g_pending.Size());
+    WritePending();
     g_pending.Clear();
+    std::atomic_signal_fence(std::memory_order_seq_cst);
+    g_written = 0;
 }
 
 void SystemError(const char* text) {

@@ -1,5 +1,6 @@
 #include "base/text_writer.h"
 
+#include <atomic>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
@@ -25,10 +26,15 @@ void AppendInteger(TextWriter& out, Integer value, int base) {
 void TextWriter::Grow(std::size_t count) {
     std::size_t capacity = m_capacity == 0 ? 256 : m_capacity;
     while (capacity - m_size < count) capacity *= 2;
-    char* data = static_cast<char*>(std::realloc(m_data, capacity));
+    char* data = static_cast<char*>(std::malloc(capacity));
     if (data == nullptr) throw std::bad_alloc();
+    if (m_size > 0) std::memcpy(data, m_data, m_size);
+    // A signal handler may read the content at any moment, so the old buffer goes last.
+    char* old = m_data;
     m_data = data;
     m_capacity = capacity;
+    std::atomic_signal_fence(std::memory_order_seq_cst);
+    std::free(old);
 }
 
 void TextWriter::AppendUnsigned(std::uint64_t value) {

@@ -26,9 +26,13 @@ bool MemoryManager::Open(const CKSTLString& name) {
     std::fseek(m_file, 0, SEEK_SET);
     std::fseek(m_file, 0, SEEK_END);
     const long size = std::ftell(m_file);
-    // Offsets are 32-bit and signed, a block behind the file's end included.
-    const long largest = std::numeric_limits<std::int32_t>::max() - static_cast<long>(m_capacity);
-    if (size < 0 || size > largest) return false;
+    // Offsets in a trace are 32-bit and signed.
+    if (size < 0 || size > std::numeric_limits<std::int32_t>::max()) {
+        std::fclose(m_file);
+        m_file = nullptr;
+        Forget(0);
+        return false;
+    }
     m_fileSize = static_cast<std::int32_t>(size);
     if (!m_block) Allocate(m_capacity);
     return Fill(0);
@@ -46,27 +50,35 @@ void MemoryManager::Allocate(std::uint32_t capacity) {
 bool MemoryManager::Fill(std::int32_t offset) {
     std::int64_t length = m_capacity;
     if (length + offset > m_fileSize) length = std::int64_t{m_fileSize} - offset;
-    // What follows a fill that fails must find a place inside the block.
+    Forget(offset);
+    if (offset < 0 || length <= 0 || m_file == nullptr) throw MemoryManagerException(3);
+    std::fseek(m_file, offset, SEEK_SET);
+    if (std::fread(m_block.get(), static_cast<std::size_t>(length), 1, m_file) != 1) {
+        throw MemoryManagerException(3);
+    }
+    m_loaded = static_cast<std::uint32_t>(length);
     m_blockStart = offset;
     m_blockPos = 0;
-    m_position = offset;
-    m_loaded = 0;
-    if (length <= 0 || m_file == nullptr) throw MemoryManagerException(3);
-    m_loaded = static_cast<std::uint32_t>(length);
-    std::fseek(m_file, offset, SEEK_SET);
-    if (std::fread(m_block.get(), m_loaded, 1, m_file) != 1) throw MemoryManagerException(3);
     return true;
+}
+
+void MemoryManager::Forget(std::int64_t position) {
+    m_loaded = 0;
+    m_blockStart = -1;
+    m_blockPos = static_cast<std::int32_t>(m_capacity);
+    m_position = position;
 }
 
 bool MemoryManager::Read(void* destination, std::uint32_t size) {
     if (!m_block) return false;
     if (m_capacity < size) throw MemoryManagerException(1);
     if (ReadInBlock(destination, size)) return true;
-    Fill(m_position);
+    if (m_position > m_fileSize) throw MemoryManagerException(3);
+    Fill(static_cast<std::int32_t>(m_position));
     return ReadInBlock(destination, size);
 }
 
-std::int32_t MemoryManager::Seek(std::int32_t offset, std::int32_t whence) {
+std::int32_t MemoryManager::SeekFar(std::int32_t offset, std::int32_t whence) {
     if (offset >= m_fileSize || offset < 0 || m_blockPos == -1) throw MemoryManagerException(1);
     std::int64_t target = offset;
     if (whence == SEEK_CUR) target += m_position;
@@ -74,12 +86,12 @@ std::int32_t MemoryManager::Seek(std::int32_t offset, std::int32_t whence) {
     const std::int64_t inBlock = target - m_blockStart;
     if (inBlock >= 0 && inBlock <= m_capacity && m_blockStart != -1) {
         m_blockPos = static_cast<std::int32_t>(inBlock);
-        m_position = static_cast<std::int32_t>(target);
-        return m_position;
+        m_position = target;
+        return static_cast<std::int32_t>(target);
     }
-    if (target > std::numeric_limits<std::int32_t>::max()) throw MemoryManagerException(1);
-    if (!Fill(static_cast<std::int32_t>(target))) throw MemoryManagerException(1);
-    return m_position;
+    if (target > m_fileSize) throw MemoryManagerException(1);
+    Fill(static_cast<std::int32_t>(target));
+    return static_cast<std::int32_t>(target);
 }
 
 void MemoryManager::Close() {

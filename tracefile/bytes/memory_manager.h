@@ -33,25 +33,43 @@ public:
     /// The part of `Read` that needs no refill: false, and nothing done, when the bytes do not
     /// stand in the block.
     bool ReadInBlock(void* destination, std::uint32_t size) {
-        if (!m_block || size > m_capacity - static_cast<std::uint32_t>(m_blockPos)) return false;
+        const std::uint64_t end = std::uint64_t{static_cast<std::uint32_t>(m_blockPos)} + size;
+        if (end > m_capacity || !m_block) return false;
         std::memcpy(destination, m_block.get() + m_blockPos, size);
         m_blockPos += static_cast<std::int32_t>(size);
-        m_position += static_cast<std::int32_t>(size);
+        m_position += size;
         return true;
     }
     /// `whence` as in fseek. Returns the new absolute position; throws when `offset` is outside the
     /// file.
-    std::int32_t Seek(std::int32_t offset, std::int32_t whence);
+    std::int32_t Seek(std::int32_t offset, std::int32_t whence) {
+        const std::int64_t inBlock = std::int64_t{offset} - m_blockStart;
+        if (whence != SEEK_SET || offset >= m_fileSize || m_blockPos < 0 || m_blockStart < 0 ||
+            inBlock < 0 || inBlock > m_capacity) {
+            return SeekFar(offset, whence);
+        }
+        m_blockPos = static_cast<std::int32_t>(inBlock);
+        m_position = offset;
+        return offset;
+    }
+    /// Restarts the block at `offset`. Throws when the file brings nothing there; reads then go on
+    /// failing until a seek succeeds.
     bool Fill(std::int32_t offset);
+    /// A block of `capacity` bytes, at most 20 MiB, in place of the present one.
     void Allocate(std::uint32_t capacity);
     void Close();
 
-    std::int32_t Position() const { return m_position; }
+    /// Of the next byte, from the file's start. May lie behind the file's end.
+    std::int64_t Position() const { return m_position; }
     std::int32_t FileSize() const { return m_fileSize; }
 
 private:
     MemoryManager() = default;
     ~MemoryManager();
+
+    std::int32_t SeekFar(std::int32_t offset, std::int32_t whence);
+    /// Nothing in the block is good any more: the next read or seek refills it.
+    void Forget(std::int64_t position);
 
     struct Free {
         void operator()(std::uint8_t* block) const { std::free(block); }
@@ -61,7 +79,7 @@ private:
     std::int32_t m_blockStart = 0;
     std::uint32_t m_capacity = 0x1400000;
     std::uint32_t m_loaded = 0;
-    std::int32_t m_position = 0;
+    std::int64_t m_position = 0;
     std::int32_t m_blockPos = 0;
     std::FILE* m_file = nullptr;
     std::int32_t m_fileSize = 0;

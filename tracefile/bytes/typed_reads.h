@@ -24,11 +24,15 @@ T ReadWide(IOManager& stream, std::uint32_t width, bool flag) {
 
 template <typename T>
 T ReadPrimitive(IOManager& stream, std::int32_t width, bool flag) {
-    std::uint32_t bytes = sizeof(T);
-    if (width != 0) bytes = static_cast<std::uint32_t>(width < 0 ? -width : width);
-    if (bytes > sizeof(T)) [[unlikely]]
-        return ReadWide<T>(stream, bytes, flag);
+    constexpr std::uint32_t kOwn = sizeof(T);
+    std::uint32_t bytes = static_cast<std::uint32_t>(width);
+    if (width < 0) bytes = 0 - bytes;
     T value{};
+    // A size that the compiler knows makes the copy a single move.
+    if (bytes == kOwn || bytes == 0) [[likely]] {
+        return stream.Read(&value, kOwn, flag) ? value : T{};
+    }
+    if (bytes > kOwn) return ReadWide<T>(stream, bytes, flag);
     return stream.Read(&value, bytes, flag) ? value : T{};
 }
 

@@ -14,7 +14,7 @@ constexpr std::uint16_t kEglSwapBuffers = 1022;
 }  // namespace
 
 void CCallEntry::BuildInfo() {
-    m_info = std::make_unique<CGenCallInfo>();
+    m_info = std::make_unique_for_overwrite<CGenCallInfo>();
     call->FillCallInfo(*m_info, true);
 }
 
@@ -87,8 +87,8 @@ void CFrameStore::Rewind() {
 }
 
 bool CFrameStore::SeekFrame(std::uint32_t frame, bool resetCursor) {
-    if (frame == 0 || frame > m_frames.size()) return false;
-    const std::size_t index = frame - 1;
+    const std::size_t index = IndexOf(frame);
+    if (index == m_frames.size()) return false;
     if (index == m_currentFrame && !resetCursor) return false;
     m_currentFrame = index;
     if (resetCursor) ResetCursor();
@@ -125,7 +125,14 @@ std::uint32_t CFrameStore::FrameCount() const {
 }
 
 const CFrameRecord* CFrameStore::GetFrameRecord(std::uint32_t frame) const {
-    return frame == 0 || frame > m_frames.size() ? nullptr : &m_frames[frame - 1];
+    const std::size_t index = IndexOf(frame);
+    return index == m_frames.size() ? nullptr : &m_frames[index];
+}
+
+std::size_t CFrameStore::IndexOf(std::uint32_t frame) const {
+    if (frame == m_frames.back().number) return m_frames.size() - 1;
+    const bool kept = frame != 0 && frame < m_frames.size();
+    return kept ? frame - 1 : m_frames.size();
 }
 
 CCallEntry* CFrameStore::CallAt(std::uint32_t number) {

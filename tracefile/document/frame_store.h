@@ -94,6 +94,8 @@ public:
 private:
     void OpenFrame(std::uint32_t firstCall);
     CCallEntry* NextStreamedCall();
+    /// Where the frame stands in `m_frames`, or their number when it is not there.
+    std::size_t IndexOf(std::uint32_t frame) const;
 
     CTraceDocument* m_document = nullptr;
     std::vector<CFrameRecord> m_frames;

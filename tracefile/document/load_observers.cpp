@@ -1,5 +1,7 @@
 #include "tracefile/document/load_observers.h"
 
+#include <cstddef>
+
 namespace kestrail {
 
 CLoadObservers& CLoadObservers::Instance() {
@@ -16,7 +18,9 @@ void CLoadObservers::Unregister(std::uint32_t event, CLoadObserver* observer) {
 }
 
 void CLoadObservers::Notify(std::uint32_t event, const COpenProgress& progress) {
-    for (const auto& [wanted, observer] : m_observers) {
+    // By index: an observer may register or unregister while it is told.
+    for (std::size_t i = 0; i < m_observers.size(); ++i) {
+        const auto [wanted, observer] = m_observers[i];
         if (wanted == event) observer->OnLoadProgress(event, progress);
     }
 }

@@ -101,7 +101,7 @@ bool CTraceDocument::ChooseStart(SRecordLoop& loop) const {
     const std::uint64_t position = loop.offset;
     if (!m_noMemory) {
         loop.stateFirst = HasStateSection();
-        loop.offset = HasStateSection() ? m_stateOffset : m_firstRecordOffset;
+        loop.offset = HasStateSection() ? StateStart() : m_firstRecordOffset;
         return true;
     }
     if (position >= loop.size) return false;
@@ -109,7 +109,7 @@ bool CTraceDocument::ChooseStart(SRecordLoop& loop) const {
         loop.offset = m_firstRecordOffset;
         return HasStateSection();
     }
-    if (HasStateSection() && position == m_firstRecordOffset) loop.offset = m_stateOffset;
+    if (HasStateSection() && position == m_firstRecordOffset) loop.offset = StateStart();
     return true;
 }
 

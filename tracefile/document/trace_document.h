@@ -60,11 +60,15 @@ private:
     /// Header and footer. False when the header is refused.
     bool ReadTraceStart();
     bool ReadFileHeader();
-    bool ReadWidthTable();
+    void ReadWidthTable();
     void ReadEditLists();
+    std::vector<std::uint8_t> ReadText(std::uint32_t length);
     void ReadFooter();
 
     bool HasStateSection() const { return m_stateOffset != kNoFooter && m_stateOffset != 0; }
+    /// The section begins at the low half of the footer's offset, though it ends the calls at the
+    /// whole of it.
+    std::uint32_t StateStart() const { return static_cast<std::uint32_t>(m_stateOffset); }
     /// False when the stream has ended.
     bool ChooseStart(SRecordLoop& loop) const;
     /// True when the whole-file loop has come to its end.

@@ -55,12 +55,12 @@ bool CTraceDocument::ReadFileHeader() {
     m_secondFlag = false;
     if (m_version >= kFirstWithSecondFlag) m_secondFlag = ReadBool(m_stream, 1, true) != 0;
     m_typeSet = ReadUInt32(m_stream, 0, true);
-    if (!ReadWidthTable()) return false;
+    ReadWidthTable();
     if (m_version >= kFirstWithEdits) ReadEditLists();
     return true;
 }
 
-bool CTraceDocument::ReadWidthTable() {
+void CTraceDocument::ReadWidthTable() {
     constexpr std::uint32_t kLastWithoutLength = 7;
     constexpr std::uint32_t kLongTypeSet = 1;
     if (m_version > kLastWithoutLength) {
@@ -71,7 +71,6 @@ bool CTraceDocument::ReadWidthTable() {
     const auto count = static_cast<std::uint32_t>(std::max(m_typeCount, 0));
     m_typeSizes.assign(count + 1, 0);
     m_stream.Read(m_typeSizes.data(), count, true);
-    return true;
 }
 
 void CTraceDocument::ReadEditLists() {
@@ -86,13 +85,21 @@ void CTraceDocument::ReadEditLists() {
     for (std::int32_t i = 0; i < overrideCount && !ended(); ++i) {
         const std::uint32_t number = ReadUInt32(m_stream, 0, true);
         const std::uint32_t length = ReadUInt32(m_stream, 0, true);
-        const std::uint32_t position = std::min(m_stream.Tell(), m_stream.GetSize());
-        std::vector<std::uint8_t> text(std::min(length, m_stream.GetSize() - position));
-        if (!text.empty()) {
-            m_stream.Read(text.data(), static_cast<std::uint32_t>(text.size()), true);
-        }
-        edits.AddOverride(number, std::move(text));
+        edits.AddOverride(number, ReadText(length));
     }
+}
+
+std::vector<std::uint8_t> CTraceDocument::ReadText(std::uint32_t length) {
+    // No more is made room for than the file holds, and reading in pieces moves past all of it, so
+    // that the texts together are no larger than the file.
+    constexpr std::size_t kPiece = 1024 * 1024;
+    const std::uint32_t position = std::min(m_stream.Tell(), m_stream.GetSize());
+    std::vector<std::uint8_t> text(std::min(length, m_stream.GetSize() - position));
+    for (std::size_t done = 0; done < text.size(); done += kPiece) {
+        const std::size_t piece = std::min(kPiece, text.size() - done);
+        m_stream.Read(text.data() + done, static_cast<std::uint32_t>(piece), true);
+    }
+    return text;
 }
 
 void CTraceDocument::ReadFooter() {
