@@ -1,0 +1,63 @@
+"""Reads entry points and enumerants out of the published Khronos headers."""
+
+import pathlib
+import re
+
+_PROTOTYPE = re.compile(
+    r"^(?:EGLAPI|GL_API|GL_APICALL)\s+(?P<result>.+?)\s*(?:EGLAPIENTRY|GL_APIENTRY)\s+"
+    r"(?P<name>\w+)\s*\((?P<params>[^)]*)\)\s*;",
+    re.MULTILINE,
+)
+_ENUMERANT = re.compile(r"^#define\s+((?:E?GL)_\w+)\s+(0x[0-9A-Fa-f]+|\d+)\s*$", re.MULTILINE)
+
+
+class Param:
+    def __init__(self, text):
+        match = re.match(r"(?P<type>.*?[\s*])(?P<name>\w+)$", text.strip())
+        self.type = re.sub(r"\s+", " ", match["type"]).strip()
+        self.name = match["name"]
+
+    @property
+    def pointer(self):
+        return "*" in self.type
+
+    @property
+    def output(self):
+        return self.pointer and not self.type.startswith("const")
+
+
+class Entry:
+    def __init__(self, result, name, params):
+        self.result = re.sub(r"\s+", " ", result).strip()
+        self.name = name
+        self.params = params
+
+    def param(self, name):
+        return next((p for p in self.params if p.name == name), None)
+
+
+def find_header(include_dirs, header):
+    for folder in include_dirs:
+        path = pathlib.Path(folder) / header
+        if path.exists():
+            return path
+    raise SystemExit(f"{header}: not found in {', '.join(map(str, include_dirs))}")
+
+
+def entries(include_dirs, header):
+    """All entry points of a header by name, in its own order."""
+    text = find_header(include_dirs, header).read_text()
+    found = {}
+    for match in _PROTOTYPE.finditer(text):
+        params = match["params"].strip()
+        listed = [] if params in ("", "void") else [Param(p) for p in params.split(",")]
+        found[match["name"]] = Entry(match["result"], match["name"], listed)
+    return found
+
+
+def enumerants(include_dirs, headers):
+    values = {}
+    for header in headers:
+        for name, value in _ENUMERANT.findall(find_header(include_dirs, header).read_text()):
+            values.setdefault(name, int(value, 0))
+    return values

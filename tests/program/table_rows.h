@@ -1,0 +1,55 @@
+// Which recorded call is played how, kept apart from the player's own tables: names in the order of
+// their identifiers, and by hand for each call what the host must see of it.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace kestrail {
+
+enum class Played {
+    /// One host call with the recorded values, names translated by what the prototype calls them.
+    Yes,
+    /// Nothing reaches the host, not even the question for an error.
+    No,
+    /// Nothing but the question for an error.
+    Checked,
+    /// Has tests of its own.
+    ByHand,
+};
+
+struct SPrototype {
+    std::string family;
+    std::string entry;
+    std::string result;
+    std::vector<std::string> types;
+    std::vector<std::string> names;
+};
+
+struct SFamilyRows {
+    std::string family;
+    std::uint16_t first = 0;
+    /// Before an entry of this family in the host's log.
+    std::string prefix;
+    std::vector<std::string> entries;
+    /// What isn't listed is played.
+    std::map<std::string, Played> played;
+    /// Entry, parameter, and the table that its name goes through; "*" holds for every entry that
+    /// isn't listed. All other values reach the host as recorded.
+    std::map<std::string, std::map<std::string, std::string>> translated;
+    /// The API of an extension call's record, 0 for the other families.
+    std::uint8_t api = 0;
+};
+
+const SFamilyRows& Es1Rows();
+const SFamilyRows& Es2Rows();
+const SFamilyRows& Es3Rows();
+const SFamilyRows& ExtRows();
+const SFamilyRows& MultisampleRows();
+
+/// By the published headers.
+const SPrototype* FindPrototype(const std::string& family, const std::string& entry);
+
+}  // namespace kestrail

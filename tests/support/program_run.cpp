@@ -1,0 +1,271 @@
+#include "tests/support/program_run.h"
+
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+#include <thread>
+
+namespace kestrail {
+
+namespace {
+
+std::string ReadFile(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    std::ostringstream text;
+    text << file.rdbuf();
+    return text.str();
+}
+
+std::vector<std::string> SplitLines(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream stream(text);
+    std::string line;
+    while (std::getline(stream, line)) lines.push_back(line);
+    return lines;
+}
+
+bool StartsWith(const std::string& text, std::string_view start) {
+    return text.compare(0, start.size(), start) == 0;
+}
+
+std::string EntryOf(const std::string& call) {
+    return call.substr(0, call.find('('));
+}
+
+std::vector<char*> Pointers(std::vector<std::string>& texts) {
+    std::vector<char*> pointers;
+    for (std::string& text : texts) pointers.push_back(text.data());
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
+std::vector<std::string> Environment(const SRunOptions& options, const std::string& log,
+                                     const std::string& script) {
+    std::vector<std::string> environment = options.environment;
+    environment.push_back("KESTRAIL_HOST_LOG=" + log);
+    if (!options.script.empty()) environment.push_back("KESTRAIL_HOST_SCRIPT=" + script);
+    // What a folder lacks comes from the full set, never from the system.
+    const std::string hosts = KESTRAIL_HOST_FOLDER;
+    if (!options.host.empty()) {
+        environment.push_back("LD_LIBRARY_PATH=" + hosts + "/" + options.host + ":" + hosts +
+                              "/recording");
+    }
+    for (const char* name : {"PATH", "HOME", "TMPDIR", "ASAN_OPTIONS", "UBSAN_OPTIONS"}) {
+        if (const char* value = std::getenv(name)) {
+            environment.push_back(std::string(name) + "=" + value);
+        }
+    }
+    return environment;
+}
+
+void RedirectTo(const char* path, int target) {
+    const int file = open(path, O_WRONLY | O_CREAT | O_TRUNC, 0644);
+    if (file < 0) _exit(126);
+    dup2(file, target);
+    close(file);
+}
+
+[[noreturn]] void RunChild(const SRunOptions& options, const std::string& folder,
+                           const std::string& out, const std::string& err, char* const* arguments,
+                           char* const* environment) {
+    RedirectTo(out.c_str(), STDOUT_FILENO);
+    RedirectTo(err.c_str(), STDERR_FILENO);
+    if (chdir(folder.c_str()) != 0) _exit(126);
+    rlimit noCore{0, 0};
+    setrlimit(RLIMIT_CORE, &noCore);
+    if (options.memoryLimit != 0 && !IsSanitized()) {
+        rlimit memory{};
+        memory.rlim_cur = memory.rlim_max = static_cast<rlim_t>(options.memoryLimit) << 20;
+        setrlimit(RLIMIT_AS, &memory);
+    }
+    execve(KESTRAIL_PLAYER, arguments, environment);
+    _exit(127);
+}
+
+/// The kernel's own mark. What wait4 reports would count this process's memory from before the
+/// child's exec.
+long PeakKilobytes(pid_t child) {
+    std::ifstream file("/proc/" + std::to_string(child) + "/status");
+    std::string word;
+    long peak = 0;
+    while (file >> word) {
+        if (word == "VmHWM:") file >> peak;
+    }
+    return peak;
+}
+
+void WaitFor(pid_t child, const SRunOptions& options, SRunResult& result) {
+    const auto deadline =
+        std::chrono::steady_clock::now() + std::chrono::seconds(options.timeoutSeconds);
+    int status = 0;
+    for (;;) {
+        if (options.measureMemory) {
+            // A child that has ended has no mark left; the last one seen stands.
+            const long peak = PeakKilobytes(child);
+            if (peak != 0) result.maxResidentKilobytes = peak;
+        }
+        const pid_t done = waitpid(child, &status, WNOHANG);
+        if (done == child) break;
+        if (std::chrono::steady_clock::now() > deadline) {
+            result.timedOut = true;
+            kill(child, SIGKILL);
+            waitpid(child, &status, 0);
+            break;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    if (WIFEXITED(status)) result.status = WEXITSTATUS(status);
+    if (WIFSIGNALED(status)) result.signal = WTERMSIG(status);
+}
+
+}  // namespace
+
+bool IsSanitized() {
+#if defined(__SANITIZE_ADDRESS__)
+    return true;
+#else
+    return false;
+#endif
+}
+
+CTempFolder::CTempFolder() {
+    std::string name = (std::filesystem::temp_directory_path() / "kestrail-XXXXXX").string();
+    if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary folder");
+    m_path = name;
+}
+
+CTempFolder::~CTempFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(m_path, ignored);
+}
+
+std::vector<std::string> SRunResult::Lines() const {
+    return SplitLines(out);
+}
+
+std::vector<std::string> SRunResult::Messages() const {
+    static const char* const usual[] = {"KESTRAIL(M) Running KestrailPlayback",
+                                        "KESTRAIL(M) Opening Trace file",
+                                        "KESTRAIL(M) Trace file open",
+                                        "KESTRAIL(M) Processing File....",
+                                        "KESTRAIL(M) Processing File... Done",
+                                        "KESTRAIL(M) Host Library Loaded",
+                                        "KESTRAIL(M) Default FBO",
+                                        "KESTRAIL(M) Frame(P)",
+                                        "****** Low Memory option enabled"};
+    std::vector<std::string> messages;
+    for (const std::string& line : Lines()) {
+        bool known = false;
+        for (const char* start : usual) known = known || StartsWith(line, start);
+        if (!known) messages.push_back(line);
+    }
+    return messages;
+}
+
+std::vector<std::string> SRunResult::CallLines() const {
+    std::vector<std::string> lines;
+    for (const std::string& line : Lines()) {
+        if (StartsWith(line, "KESTRAIL(M) Frame(P)")) lines.push_back(line);
+    }
+    return lines;
+}
+
+std::vector<std::string> SRunResult::CallsOf(const std::vector<std::string>& entries) const {
+    std::vector<std::string> found;
+    for (const std::string& call : calls) {
+        for (const std::string& entry : entries) {
+            if (EntryOf(call) == entry) found.push_back(call);
+        }
+    }
+    return found;
+}
+
+std::vector<std::string> SRunResult::GlCalls() const {
+    std::vector<std::string> found;
+    bool started = false;
+    for (const std::string& call : calls) {
+        const std::string entry = EntryOf(call);
+        if (StartsWith(entry, "egl")) {
+            continue;
+        }
+        // The player's own look at the default framebuffer opens the ES 2 traces.
+        if (!started && entry == "glGetIntegerv") {
+            started = true;
+            continue;
+        }
+        started = true;
+        if (entry == "glGetError" || entry == "es1.glGetError") continue;
+        found.push_back(call);
+    }
+    return found;
+}
+
+std::string SRunResult::Ending() const {
+    if (timedOut) return "timed out";
+    if (signal != 0) return "signal " + std::to_string(signal) + "\n" + err;
+    return "status " + std::to_string(status) + "\n" + err;
+}
+
+SRunResult RunProgram(const std::vector<std::string>& arguments, const SRunOptions& options) {
+    const CTempFolder folder;
+    const std::string log = folder.File("host.log");
+    const std::string script = folder.File("script");
+    if (!options.script.empty()) std::ofstream(script) << options.script;
+    const std::string out = folder.File("out");
+    const std::string err = folder.File("err");
+    std::vector<std::string> environment = Environment(options, log, script);
+    std::vector<std::string> words = {KESTRAIL_PLAYER};
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    const std::vector<char*> environmentPointers = Pointers(environment);
+    const std::vector<char*> wordPointers = Pointers(words);
+    const std::string start = options.folder.empty() ? folder.Path() : options.folder;
+
+    SRunResult result;
+    const pid_t child = fork();
+    if (child < 0) throw std::runtime_error(std::strerror(errno));
+    if (child == 0) {
+        RunChild(options, start, out, err, wordPointers.data(), environmentPointers.data());
+    }
+    WaitFor(child, options, result);
+    result.out = ReadFile(out);
+    result.err = ReadFile(err);
+    for (std::string& line : SplitLines(ReadFile(log))) {
+        if (StartsWith(line, "live ")) {
+            const std::size_t space = line.rfind(' ');
+            result.live[line.substr(5, space - 5)] = std::atoi(line.c_str() + space);
+        } else {
+            result.calls.push_back(std::move(line));
+        }
+    }
+    return result;
+}
+
+SRunResult RunBytes(const Bytes& bytes, const std::vector<std::string>& arguments,
+                    const SRunOptions& options) {
+    const CTempFolder folder;
+    const std::string path = folder.File("trace.kstl");
+    std::ofstream(path, std::ios::binary)
+        .write(reinterpret_cast<const char*>(bytes.data()),
+               static_cast<std::streamsize>(bytes.size()));
+    std::vector<std::string> words = {path};
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    return RunProgram(words, options);
+}
+
+SRunResult RunTrace(const CTraceBuilder& trace, const std::vector<std::string>& arguments,
+                    const SRunOptions& options) {
+    return RunBytes(trace.Build(), arguments, options);
+}
+
+}  // namespace kestrail
