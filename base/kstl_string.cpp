@@ -75,7 +75,8 @@ CKSTLString::~CKSTLString() {
 }
 
 CKSTLString& CKSTLString::operator=(const CKSTLString& other) {
-    return assign(other);
+    if (this != &other) assign(other);
+    return *this;
 }
 
 CKSTLString& CKSTLString::operator=(CKSTLString&& other) noexcept {
@@ -107,7 +108,7 @@ CKSTLString& CKSTLString::assign(const char* text, std::uint32_t length) {
 }
 
 CKSTLString& CKSTLString::assign(const CKSTLString& other) {
-    return this == &other ? *this : assign(other.m_pString, other.m_Size);
+    return assign(other.m_pString, other.m_Size);
 }
 
 CKSTLString& CKSTLString::assign(std::uint32_t count, char fill) {

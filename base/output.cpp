@@ -13,7 +13,7 @@
 namespace kestrail::output {
 namespace {
 
-constexpr std::size_t kFlushAt = 64 * 1024;
+constexpr std::size_t kFlushAt = std::size_t{64} * 1024;
 constexpr int kEndingSignals[] = {SIGSEGV, SIGBUS, SIGFPE,  SIGILL,  SIGABRT, SIGTERM,
                                   SIGINT,  SIGHUP, SIGQUIT, SIGPIPE, SIGXCPU, SIGSYS};
 

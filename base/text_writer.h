@@ -29,13 +29,13 @@ public:
     }
 
     void Append(char c) {
-        if (m_size == m_capacity) Grow(1);
-        m_data[m_size++] = c;
+        *Reserve(1) = c;
+        ++m_size;
     }
     void Append(std::string_view text) {
-        if (m_capacity - m_size < text.size()) Grow(text.size());
         // An empty view may hold a null pointer, which memcpy must not see.
-        if (!text.empty()) std::memcpy(m_data + m_size, text.data(), text.size());
+        if (text.empty()) return;
+        std::memcpy(Reserve(text.size()), text.data(), text.size());
         m_size += text.size();
     }
     /// "%llu".

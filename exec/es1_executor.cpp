@@ -56,7 +56,7 @@ EPlayed PlayGlReadPixels(SEs1Play& c) {
     auto& pixels = c.At<SDataPtr>(6);
     SPixelStore pack;
     pack.unpackAlignment = c.Pixels().packAlignment;
-    if (pixels.GetSize() < ImageBytes(format, type, width, height, 1, pack)) {
+    if (pixels.GetSize() < ImageBytes(format, type, width, height, pack)) {
         return EPlayed::kFailed;
     }
     c.host.glReadPixels(c.Value<TintType<17>>(0), c.Value<TintType<17>>(1), width, height, format,
@@ -72,7 +72,7 @@ EPlayed PlayGlTexSubImage2D(SEs1Play& c) {
     const GLenum format = c.Value<TGLenum>(6);
     const GLenum type = c.Value<TGLenum>(7);
     const SHostData pixels = HostData(
-        c.At<SImage2D>(8), ImageBytes(format, type, width, height, 1, c.Pixels()), false, false);
+        c.At<SImage2D>(8), ImageBytes(format, type, width, height, c.Pixels()), false, false);
     if (!pixels.sound) return EPlayed::kFailed;
     c.host.glTexSubImage2D(c.Value<TGLenum>(0), c.Value<TintType<17>>(1), c.Value<TintType<17>>(2),
                            c.Value<TintType<17>>(3), width, height, format, type, pixels.pointer);

@@ -118,6 +118,14 @@ std::int64_t ImageBytes(std::uint32_t format, std::uint32_t type, std::int32_t w
     return std::min(allRows * row + last, kBeyond);
 }
 
+std::int64_t ImageBytes(std::uint32_t format, std::uint32_t type, std::int32_t width,
+                        std::int32_t height, const SPixelStore& store) {
+    SPixelStore flat = store;
+    flat.unpackImageHeight = 0;
+    flat.unpackSkipImages = 0;
+    return ImageBytes(format, type, width, height, 1, flat);
+}
+
 std::int64_t ComponentBytes(std::uint32_t type) {
     switch (type) {
         case GL_BYTE:

@@ -20,7 +20,10 @@ struct SHostData {
 /// null. `nullAllowed`: the entry point knows null.
 SHostData HostData(const SBlock& block, std::int64_t needed, bool nullAllowed, bool bufferBound);
 
-/// How many bytes the host reads of an image through `store`, the skipped ones included.
+/// How many bytes the host reads of a 2D image through `store`, the skipped ones included.
+std::int64_t ImageBytes(std::uint32_t format, std::uint32_t type, std::int32_t width,
+                        std::int32_t height, const SPixelStore& store);
+/// The same of a 3D image, which alone knows images to skip and an image height.
 std::int64_t ImageBytes(std::uint32_t format, std::uint32_t type, std::int32_t width,
                         std::int32_t height, std::int32_t depth, const SPixelStore& store);
 

@@ -34,8 +34,8 @@ EPlayed PlayTexImage2D(Context& c) {
     const std::uint32_t format = c.template Value<TGLenum>(6);
     const std::uint32_t type = c.template Value<TGLenum>(7);
     const SHostData pixels =
-        HostData(c.template At<SImage2D>(8), ImageBytes(format, type, width, height, 1, store),
-                 true, store.unpackBuffer != 0);
+        HostData(c.template At<SImage2D>(8), ImageBytes(format, type, width, height, store), true,
+                 store.unpackBuffer != 0);
     if (!pixels.sound) return EPlayed::kFailed;
     c.host.glTexImage2D(c.template Value<TGLenum>(0), c.template Value<TintType<17>>(1),
                         c.template Value<TintType<17>>(2), width, height,

@@ -2,7 +2,9 @@
 // for the host entry, and become value objects only to be printed.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <vector>
@@ -100,8 +102,9 @@ public:
     std::uint32_t count = 0;
 
     std::uint32_t GetCount() const { return count; }
-    /// The items that are there: none behind a null pointer, whatever the count says.
-    std::uint32_t ItemCount() const { return m_elements ? count : 0; }
+    /// The items that are there, whatever the count says: none behind a null pointer, and no more
+    /// than the file has bytes for.
+    std::uint32_t ItemCount() const { return m_items; }
     ValueType GetItem(std::uint32_t index) const { return m_elements[index]; }
     /// All elements of all items in a row; null when there are none.
     ValueType* GetRawArray() const { return m_elements.get(); }
@@ -111,16 +114,18 @@ public:
         count = ReadStored(trace, 0, std::uint32_t{});
         CheckRecordedSize(trace, count);
         m_elements.reset();
+        m_items = 0;
         if (count == 0) pointer.value = 0;
         if (pointer.value == 0) return;
-        const std::size_t elements = std::size_t{count} * kItemSize;
+        m_items = std::min(count, Readable(trace));
+        const std::size_t elements = std::size_t{m_items} * kItemSize;
         m_elements.reset(new ValueType[elements]);
         ReadElements<T>(trace, m_elements.get(), elements);
     }
 
     void AppendText(TextWriter& out) const override {
         if (!m_elements) return pointer.AppendText(out);
-        AppendItems(out, count, [this](TextWriter& text, std::uint32_t i, std::size_t end) {
+        AppendItems(out, m_items, [this](TextWriter& text, std::uint32_t i, std::size_t end) {
             AppendItem<T, N, M>(text, Item(i), end);
         });
     }
@@ -140,10 +145,17 @@ protected:
         return m_elements.get() + std::size_t{index} * kItemSize;
     }
     std::unique_ptr<ValueType[]> m_elements;
+    std::uint32_t m_items = 0;
 
 private:
+    /// How many items the rest of the file can hold.
+    static std::uint32_t Readable(const CTrace& trace) {
+        const std::int32_t width = trace.GetEsTypeSize(T::kTag);
+        const std::int32_t bytes = width == 0 ? 4 : std::abs(width);
+        return trace.Stream().Remaining() / (static_cast<std::uint32_t>(bytes) * kItemSize);
+    }
     void AppendAll(TextWriter& out, const char* separator, bool numeric) const {
-        for (std::uint32_t i = 0; i < count; ++i) {
+        for (std::uint32_t i = 0; i < m_items; ++i) {
             if (i != 0) out.Append(separator);
             AppendItemDetail<T, N, M>(out, Item(i), numeric);
         }

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 #include "calls/model/array_values.h"
 #include "tracefile/bytes/typed_reads.h"
@@ -64,10 +65,11 @@ void SString::Read(CTrace& trace) {
     length = ReadUInt32(trace.Stream(), 0, true);
     CheckRecordedSize(trace, length);
     m_data.reset();
-    if (pointer.value == 0 || length == 0) return;
-    m_data.reset(new char[std::size_t{length} + 1]);
-    if (!trace.Stream().Read(m_data.get(), length, true)) std::memset(m_data.get(), 0, length);
-    m_data[length] = '\0';
+    // A longer one cannot be read at all, and of its claim nothing is kept.
+    if (pointer.value == 0 || length == 0 || length > MemoryManager::kBlockSize) return;
+    std::unique_ptr<char[]> text(new char[std::size_t{length} + 1]);
+    text[length] = '\0';
+    if (trace.Stream().Read(text.get(), length, true)) m_data = std::move(text);
 }
 
 void SString::Join(const SArrayPtr<SString, 1, 1>& parts) {
@@ -120,7 +122,7 @@ void SString::AppendNumericText(TextWriter& out) const {
     std::string clean;
     for (const char* next = GetCString(); *next != '\0'; ++next) {
         if (*next == '\t') {
-            clean += "  ";
+            clean.append(2, ' ');
         } else {
             clean += *next == '\r' ? ' ' : *next;
         }

@@ -25,6 +25,7 @@ SEglAttribList::SEglAttribList(const std::int32_t* list) {
     while (list[end] != kEglNone) end += 2;
     count = end + 1;
     pointer.value = 1;
+    m_items = count;
     m_elements.reset(new std::int32_t[count]);
     std::memcpy(m_elements.get(), list, count * sizeof(std::int32_t));
 }
@@ -43,10 +44,11 @@ void SEglAttribList::Read(CTrace& trace) {
     if (!m_elements) return;
     // A host walks the list in pairs to its end mark, which a damaged record may lack: as a name or
     // as the value of a last lone name, two marks behind the elements end every list.
-    std::unique_ptr<std::int32_t[]> ended(new std::int32_t[std::size_t{count} + 2]);
-    std::memcpy(ended.get(), m_elements.get(), count * sizeof(std::int32_t));
-    ended[count] = kEglNone;
-    ended[std::size_t{count} + 1] = kEglNone;
+    const std::size_t items = m_items;
+    std::unique_ptr<std::int32_t[]> ended(new std::int32_t[items + 2]);
+    std::memcpy(ended.get(), m_elements.get(), items * sizeof(std::int32_t));
+    ended[items] = kEglNone;
+    ended[items + 1] = kEglNone;
     m_elements = std::move(ended);
 }
 
@@ -66,14 +68,14 @@ void SEglAttribList::AppendText(TextWriter& out) const {
     if (!m_elements) return pointer.AppendText(out);
     const std::size_t start = out.Size();
     out.Append("{ ");
-    for (std::uint32_t i = 0; i + 1 < count; i += 2) {
+    for (std::uint32_t i = 0; i + 1 < m_items; i += 2) {
         AppendPair(out, i);
         if (out.Size() - start > kLimit) {
             out.Truncate(start + kShown);
             out.Append("...");
             break;
         }
-        if (i + 3 < count) out.Append(", ");
+        if (i + 3 < m_items) out.Append(", ");
     }
     out.Append(" }");
 }
@@ -83,7 +85,7 @@ void SEglAttribList::AppendNumericText(TextWriter& out) const {
     const char* edge = count > 2 ? "\n" : "";
     out.Append("{ ");
     out.Append(edge);
-    for (std::uint32_t i = 0; i + 1 < count; i += 2) {
+    for (std::uint32_t i = 0; i + 1 < m_items; i += 2) {
         if (i != 0) out.Append(",\n");
         AppendPair(out, i);
     }
@@ -93,7 +95,7 @@ void SEglAttribList::AppendNumericText(TextWriter& out) const {
 
 void SEglAttribList::AppendDetailText(TextWriter& out) const {
     if (!m_elements) return pointer.AppendText(out);
-    for (std::uint32_t i = 0; i + 1 < count; i += 2) {
+    for (std::uint32_t i = 0; i + 1 < m_items; i += 2) {
         AppendPair(out, i);
         out.Append('\n');
     }

@@ -49,9 +49,8 @@ def needed(row, parameter):
 
 def image_expression(row, parameter):
     names = [p.name for p in row.listed]
-    depth = value(row, "depth") if "depth" in names else "1"
-    return (f"ImageBytes({value(row, 'format')}, {value(row, 'type')}, {value(row, 'width')}, "
-            f"{value(row, 'height')}, {depth}, c.Pixels())")
+    sizes = [name for name in ("format", "type", "width", "height", "depth") if name in names]
+    return f"ImageBytes({', '.join(value(row, name) for name in sizes)}, c.Pixels())"
 
 
 def argument(row, parameter, lines):

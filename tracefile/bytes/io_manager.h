@@ -35,6 +35,11 @@ public:
     }
     std::uint32_t GetSize() const { return static_cast<std::uint32_t>(m_memory->FileSize()); }
     std::uint32_t Tell() const;
+    /// Bytes between the read position and the file's end.
+    std::uint32_t Remaining() const {
+        const std::uint32_t position = Tell();
+        return position < GetSize() ? GetSize() - position : 0;
+    }
     void Close();
 
 private:

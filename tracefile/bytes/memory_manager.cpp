@@ -73,7 +73,10 @@ bool MemoryManager::Read(void* destination, std::uint32_t size) {
     if (!m_block) return false;
     if (m_capacity < size) throw MemoryManagerException(1);
     if (ReadInBlock(destination, size)) return true;
-    if (m_position > m_fileSize) throw MemoryManagerException(3);
+    if (m_position > m_fileSize) {
+        Forget(m_position);
+        throw MemoryManagerException(3);
+    }
     Fill(static_cast<std::int32_t>(m_position));
     return ReadInBlock(destination, size);
 }

@@ -22,6 +22,9 @@ public:
 
 class MemoryManager {
 public:
+    /// The size of the block, which no single read may exceed.
+    static constexpr std::uint32_t kBlockSize = 0x1400000;
+
     static MemoryManager& Instance();
 
     /// Opens `name` and fills the block from its start. False if it cannot be opened. Throws when
@@ -77,7 +80,7 @@ private:
     // Zeroed pages that the system hands out as they are touched: a small file takes little.
     std::unique_ptr<std::uint8_t, Free> m_block;
     std::int32_t m_blockStart = 0;
-    std::uint32_t m_capacity = 0x1400000;
+    std::uint32_t m_capacity = kBlockSize;
     std::uint32_t m_loaded = 0;
     std::int64_t m_position = 0;
     std::int32_t m_blockPos = 0;

@@ -1,6 +1,7 @@
 #include "tracefile/document/trace_document.h"
 
 #include <cstdio>
+#include <utility>
 
 #include "base/output.h"
 #include "calls/model/factories.h"
@@ -23,6 +24,8 @@ struct CTraceDocument::SRecordLoop {
     bool inStateBlock = false;
     /// The section of state records is being read, ahead of all others.
     bool stateFirst = false;
+    /// A stream went from the end of the state section back to the first record.
+    bool wrapped = false;
 };
 
 CTraceDocument* CTraceDocument::Instance() {
@@ -106,8 +109,10 @@ bool CTraceDocument::ChooseStart(SRecordLoop& loop) const {
     }
     if (position >= loop.size) return false;
     if (position + kFooterSize == loop.size) {
+        // Twice in one run: there is no call to be found.
+        const bool again = std::exchange(loop.wrapped, true);
         loop.offset = m_firstRecordOffset;
-        return HasStateSection();
+        return HasStateSection() && !again;
     }
     if (HasStateSection() && position == m_firstRecordOffset) loop.offset = StateStart();
     return true;
@@ -144,12 +149,12 @@ unsigned CTraceDocument::LoadRecords() {
         const std::uint32_t size = ReadUInt32(m_stream, 0, true);
         const std::uint16_t id = ReadUInt16(m_stream, 0, true);
         loop.offset += size + kRecordHead;
-        if (id == kThreadRecord) {
-            TakeThread(loop);
-            continue;
-        }
-        if (id > kThreadRecord && id <= kLastMarker) {
-            loop.inStateBlock = !loop.inStateBlock;
+        if (id >= kThreadRecord && id <= kLastMarker) {
+            if (id == kThreadRecord) TakeThread(loop);
+            if (id != kThreadRecord) loop.inStateBlock = !loop.inStateBlock;
+            // A section may end with such a record: the stream goes on as it would behind a call.
+            const bool atFooter = loop.offset + kFooterSize == loop.size;
+            if (m_noMemory && atFooter && !ChooseStart(loop)) return kOpened;
             continue;
         }
         if (!TakeCall(loop, id, size, recordOffset)) {

@@ -63,11 +63,9 @@ bool CTraceDocument::ReadFileHeader() {
 void CTraceDocument::ReadWidthTable() {
     constexpr std::uint32_t kLastWithoutLength = 7;
     constexpr std::uint32_t kLongTypeSet = 1;
-    if (m_version > kLastWithoutLength) {
-        m_typeCount = ReadInt8(m_stream, 0, true);
-    } else {
-        m_typeCount = m_typeSet == kLongTypeSet ? 28 : 27;
-    }
+    const bool hasLength = m_version > kLastWithoutLength;
+    const std::int8_t implied = m_typeSet == kLongTypeSet ? 28 : 27;
+    m_typeCount = std::int32_t{hasLength ? ReadInt8(m_stream, 0, true) : implied};
     const auto count = static_cast<std::uint32_t>(std::max(m_typeCount, 0));
     m_typeSizes.assign(count + 1, 0);
     m_stream.Read(m_typeSizes.data(), count, true);
@@ -92,7 +90,7 @@ void CTraceDocument::ReadEditLists() {
 std::vector<std::uint8_t> CTraceDocument::ReadText(std::uint32_t length) {
     // No more is made room for than the file holds, and reading in pieces moves past all of it, so
     // that the texts together are no larger than the file.
-    constexpr std::size_t kPiece = 1024 * 1024;
+    constexpr std::size_t kPiece = std::size_t{1024} * 1024;
     const std::uint32_t position = std::min(m_stream.Tell(), m_stream.GetSize());
     std::vector<std::uint8_t> text(std::min(length, m_stream.GetSize() - position));
     for (std::size_t done = 0; done < text.size(); done += kPiece) {

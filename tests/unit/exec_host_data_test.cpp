@@ -1,0 +1,314 @@
+#include <GLES3/gl3.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <limits>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "exec/draw_indices.h"
+#include "exec/extension_resolver.h"
+#include "exec/host_data.h"
+#include "exec/viewport_correction.h"
+#include "tests/unit/unit_support.h"
+
+namespace kestrail {
+namespace {
+
+constexpr std::int32_t kMax = std::numeric_limits<std::int32_t>::max();
+constexpr std::int32_t kMin = std::numeric_limits<std::int32_t>::min();
+
+struct SPixel {
+    std::uint32_t format, type;
+    std::int64_t bytes;
+};
+
+constexpr SPixel kPixels[] = {
+    {GL_RGBA, GL_UNSIGNED_BYTE, 4},
+    {GL_RGB, GL_UNSIGNED_BYTE, 3},
+    {GL_RGB, GL_UNSIGNED_SHORT_5_6_5, 2},
+    {GL_RGBA, GL_UNSIGNED_SHORT_4_4_4_4, 2},
+    {GL_RGBA, GL_UNSIGNED_SHORT_5_5_5_1, 2},
+    {GL_ALPHA, GL_UNSIGNED_BYTE, 1},
+    {GL_LUMINANCE, GL_UNSIGNED_BYTE, 1},
+    {GL_LUMINANCE_ALPHA, GL_UNSIGNED_BYTE, 2},
+    {GL_RED, GL_HALF_FLOAT, 2},
+    {GL_RG_INTEGER, GL_SHORT, 4},
+    {GL_RGB, GL_FLOAT, 12},
+    {GL_RGBA, 0x8D61, 8},  // GL_HALF_FLOAT_OES
+    {GL_RGBA_INTEGER, GL_UNSIGNED_INT, 16},
+    {0x80E1, GL_UNSIGNED_BYTE, 4},  // GL_BGRA_EXT
+    {GL_RGB, GL_UNSIGNED_INT_10F_11F_11F_REV, 4},
+    {GL_RGB, GL_UNSIGNED_INT_5_9_9_9_REV, 4},
+    {GL_RGBA, GL_UNSIGNED_INT_2_10_10_10_REV, 4},
+    {GL_DEPTH_COMPONENT, GL_UNSIGNED_SHORT, 2},
+    {GL_DEPTH_COMPONENT, GL_UNSIGNED_INT, 4},
+    {GL_DEPTH_STENCIL, GL_UNSIGNED_INT_24_8, 4},
+    {GL_DEPTH_STENCIL, GL_FLOAT_32_UNSIGNED_INT_24_8_REV, 8},
+};
+
+/// One past the last byte that a host reads which goes from pixel to pixel.
+std::int64_t LastByte(std::int64_t pixel, int width, int height, int depth,
+                      const SPixelStore& store) {
+    const std::int64_t rowPixels = store.unpackRowLength > 0 ? store.unpackRowLength : width;
+    const std::int64_t rows = store.unpackImageHeight > 0 ? store.unpackImageHeight : height;
+    std::int64_t row = rowPixels * pixel;
+    while (row % store.unpackAlignment != 0) ++row;
+    std::int64_t last = 0;
+    for (int z = 0; z < depth; ++z) {
+        for (int y = 0; y < height; ++y) {
+            for (int x = 0; x < width; ++x) {
+                const std::int64_t line =
+                    (z + store.unpackSkipImages) * rows + y + store.unpackSkipRows;
+                last = std::max(last, line * row + (x + store.unpackSkipPixels + 1) * pixel);
+            }
+        }
+    }
+    return last;
+}
+
+TEST(ImageBytes, ReachToTheLastPixelThatTheHostReads) {
+    std::mt19937 random(7);
+    const auto upTo = [&random](int limit) { return static_cast<int>(random() % (limit + 1U)); };
+    for (int i = 0; i < 4000; ++i) {
+        const SPixel& pixel = kPixels[random() % std::size(kPixels)];
+        SPixelStore store;
+        store.unpackAlignment = 1 << upTo(3);
+        if (i % 2 == 1) {
+            store.unpackRowLength = upTo(9);
+            store.unpackImageHeight = upTo(9);
+            store.unpackSkipPixels = upTo(3);
+            store.unpackSkipRows = upTo(3);
+            store.unpackSkipImages = upTo(3);
+        }
+        const int width = upTo(7), height = upTo(5), depth = upTo(3);
+        ASSERT_EQ(ImageBytes(pixel.format, pixel.type, width, height, depth, store),
+                  LastByte(pixel.bytes, width, height, depth, store))
+            << std::hex << pixel.format << ' ' << pixel.type << std::dec << ' ' << width << 'x'
+            << height << 'x' << depth << " by " << store.unpackAlignment;
+    }
+    EXPECT_EQ(ImageBytes(GL_RGBA, GL_UNSIGNED_BYTE, -1, 4, 4, {}), 0);
+    EXPECT_EQ(ImageBytes(GL_RGBA, GL_UNSIGNED_BYTE, 4, kMin, 4, {}), 0);
+}
+
+TEST(ImageBytes, ImmenseSizesStayImmense) {
+    // No captured block has 4 GiB.
+    constexpr std::int64_t kLargestBlock = 0xFFFFFFFF;
+    SPixelStore all{8, kMax, kMax, kMax, kMax, kMax, 4, 0};
+    SPixelStore rows, images, skips;
+    rows.unpackRowLength = kMax;
+    images.unpackImageHeight = kMax;
+    skips.unpackSkipPixels = skips.unpackSkipRows = skips.unpackSkipImages = kMax;
+    const struct {
+        std::int32_t width, height, depth;
+        SPixelStore store;
+    } cases[] = {{kMax, kMax, kMax, {}}, {kMax, kMax, kMax, all}, {1, 1, 1, all},
+                 {1, 1, 1, skips},       {kMax, 3, 1, {}},        {2, 2, 2, images},
+                 {1, 2, 1, rows},        {kMax, 1, 1, {}}};
+    for (const auto& c : cases) {
+        EXPECT_GT(ImageBytes(GL_RGBA, GL_FLOAT, c.width, c.height, c.depth, c.store),
+                  kLargestBlock);
+    }
+}
+
+TEST(HostData, CapturedBytesOffsetsAndNull) {
+    const auto captured = ReadFrom<SDataPtr>(Record().Data(0x40, Bytes(8, 5)));
+    const auto nullWithBytes = ReadFrom<SDataPtr>(Record().Data(0, Bytes(8, 5)));
+    const auto offset = ReadFrom<SDataPtr>(Record().Data(0x40));
+    const auto null = ReadFrom<SDataPtr>(Record().Data(0));
+    const struct {
+        const SDataPtr& block;
+        std::int64_t needed;
+        bool nullAllowed, bufferBound;
+        const void* pointer;
+        bool sound;
+    } cases[] = {
+        {captured, 8, false, false, captured.GetData(), true},
+        {captured, 9, true, false, captured.GetData(), false},
+        {captured, std::int64_t{1} << 40, false, true, captured.GetData(), false},
+        {captured, -5, false, false, captured.GetData(), true},
+        {nullWithBytes, 8, false, false, nullWithBytes.GetData(), true},
+        {offset, 900, false, true, AsPointer(0x40), true},
+        {offset, 900, true, false, nullptr, true},
+        {offset, 900, false, false, nullptr, false},
+        {offset, 0, false, false, nullptr, true},
+        {null, 4, true, false, nullptr, true},
+        {null, 4, false, true, nullptr, true},
+        {null, 4, false, false, nullptr, false},
+    };
+    for (const auto& c : cases) {
+        const SHostData data = HostData(c.block, c.needed, c.nullAllowed, c.bufferBound);
+        EXPECT_EQ(data.sound, c.sound) << &c - cases;
+        EXPECT_EQ(c.sound ? data.pointer : nullptr, c.sound ? c.pointer : nullptr) << &c - cases;
+    }
+}
+
+TEST(HostData, SizesOfVerticesAndParameters) {
+    const struct {
+        std::uint32_t type;
+        std::int32_t size;
+        std::int64_t bytes;
+    } vertices[] = {{GL_BYTE, 3, 3},
+                    {GL_UNSIGNED_SHORT, 2, 4},
+                    {GL_FLOAT, 4, 16},
+                    {GL_HALF_FLOAT, 3, 6},
+                    {0x140C, 3, 12},  // GL_FIXED
+                    {GL_INT_2_10_10_10_REV, 4, 4},
+                    {GL_UNSIGNED_INT_2_10_10_10_REV, 4, 4}};
+    for (const auto& c : vertices) EXPECT_EQ(VertexBytes(c.type, c.size), c.bytes) << c.type;
+    const std::pair<std::uint32_t, std::uint32_t> parameters[] = {
+        {0x2801, 1},                                         // GL_TEXTURE_MIN_FILTER
+        {0x8B9D, 4},                                         // GL_TEXTURE_CROP_RECT_OES
+        {0x0B65, 1},                                         // GL_FOG_MODE
+        {0x0B66, 4},                                         // GL_FOG_COLOR
+        {0x0B53, 4},                                         // GL_LIGHT_MODEL_AMBIENT
+        {0x0B52, 1},                                         // GL_LIGHT_MODEL_TWO_SIDE
+        {0x1200, 4}, {0x1203, 4}, {0x1204, 3}, {0x1205, 1},  // GL_SPOT_EXPONENT
+        {0x1601, 1},                                         // GL_SHININESS
+        {0x1602, 4}, {0x2200, 1}, {0x2201, 4}, {0x8129, 3}, {0x8126, 1},  // GL_POINT_SIZE_MIN
+        {0, 1}};
+    for (const auto& [name, count] : parameters) EXPECT_EQ(ParameterCount(name), count) << name;
+    EXPECT_EQ(ClearValueCount(GL_COLOR), 4U);
+    EXPECT_EQ(ClearValueCount(GL_DEPTH), 1U);
+    EXPECT_EQ(ClearValueCount(GL_STENCIL), 1U);
+}
+
+TEST(DrawIndices, AsManyAsTheDrawReads) {
+    const auto shorts = ReadFrom<SDataPtr>(Record().Data(0x40, Bytes{1, 0, 0, 1, 9, 0}));
+    const struct {
+        std::uint32_t type;
+        std::int32_t count;
+        bool sound;
+        std::int64_t vertices;
+    } cases[] = {{GL_UNSIGNED_SHORT, 3, true, 257},     {GL_UNSIGNED_SHORT, 2, true, 257},
+                 {GL_UNSIGNED_SHORT, 1, true, 2},       {GL_UNSIGNED_SHORT, 4, false, 0},
+                 {GL_UNSIGNED_BYTE, 6, true, 10},       {GL_UNSIGNED_BYTE, 7, false, 0},
+                 {GL_UNSIGNED_INT, 1, true, 0x1000002}, {GL_UNSIGNED_INT, 2, false, 0},
+                 {GL_UNSIGNED_SHORT, 0, true, 0},       {GL_UNSIGNED_SHORT, -3, true, 0},
+                 {GL_UNSIGNED_INT, kMax, false, 0},     {GL_UNSIGNED_SHORT, kMin, true, 0}};
+    for (const auto& c : cases) {
+        const SDrawIndices indices = DrawIndices(false, shorts, 0x77, c.count, c.type);
+        EXPECT_EQ(indices.sound, c.sound) << c.type << ' ' << c.count;
+        EXPECT_EQ(indices.vertices, c.vertices) << c.type << ' ' << c.count;
+        EXPECT_EQ(indices.pointer, c.sound ? shorts.GetData() : nullptr);
+    }
+    // With a buffer bound only the offset counts.
+    const SDrawIndices offset = DrawIndices(true, shorts, 0x77, kMax, GL_UNSIGNED_INT);
+    EXPECT_TRUE(offset.sound);
+    EXPECT_EQ(offset.pointer, AsPointer(0x77));
+    EXPECT_EQ(offset.vertices, 0);
+    const SDataPtr none;
+    EXPECT_FALSE(DrawIndices(false, none, 0x77, 1, GL_UNSIGNED_BYTE).sound);
+}
+
+TEST(Viewport, SizeScalesWithTheWindowAndPositionAgainstIt) {
+    const struct {
+        SViewport recorded;
+        std::int32_t live[2], window[2];
+        SViewport expected;
+    } cases[] = {
+        {{10, 10, 100, 100}, {400, 400}, {200, 200}, {5, 5, 200, 200}},
+        {{0, 0, 640, 480}, {320, 960}, {640, 480}, {0, 0, 320, 960}},
+        {{8, 9, 10, 20}, {100, 50}, {200, 200}, {16, 36, 5, 5}},
+        // Parts of pixels are cut off, towards zero.
+        {{7, -7, 3, 3}, {200, 200}, {100, 100}, {3, -3, 6, 6}},
+        {{5, 5, 5, 7}, {1, 1}, {3, 3}, {15, 15, 1, 2}},
+        // What no integer holds stops at the nearest one.
+        {{kMax, kMin, kMax, kMax}, {1, 1}, {100, 100}, {kMax, kMin, 21474836, 21474836}},
+        {{1, 1, kMax, kMin}, {1000, 1000}, {1, 1}, {0, 0, kMax, kMin}},
+        {{1, -1, 1, 0}, {0, 0}, {0, 0}, {0, 0, 0, 0}},
+    };
+    for (const auto& c : cases) {
+        const SViewport fitted =
+            CorrectedViewport(c.recorded, c.live[0], c.live[1], c.window[0], c.window[1]);
+        EXPECT_EQ(fitted.x, c.expected.x) << &c - cases;
+        EXPECT_EQ(fitted.y, c.expected.y) << &c - cases;
+        EXPECT_EQ(fitted.width, c.expected.width) << &c - cases;
+        EXPECT_EQ(fitted.height, c.expected.height) << &c - cases;
+    }
+}
+
+/// Answers what the correction asks, and keeps what it sets.
+struct SViewportHost {
+    std::int32_t framebuffer = 0;
+    std::vector<std::int32_t> viewport{10, 10, 100, 100};
+    int set = 0;
+
+    void glGetIntegerv(std::uint32_t name, std::int32_t* values) const {
+        if (name == GL_FRAMEBUFFER_BINDING) values[0] = framebuffer;
+        if (name == GL_VIEWPORT) std::copy(viewport.begin(), viewport.end(), values);
+    }
+    void glViewport(std::int32_t x, std::int32_t y, std::int32_t width, std::int32_t height) {
+        viewport = {x, y, width, height};
+        ++set;
+    }
+};
+
+TEST(Viewport, IsCorrectedOnceForTheSurfaceAlone) {
+    const struct {
+        bool dirty;
+        std::int32_t framebuffer, live, recorded;
+        bool corrected;
+    } cases[] = {{true, 3, 400, 200, true},  {false, 3, 400, 200, false},
+                 {true, 4, 400, 200, false}, {true, 3, 200, 200, false},
+                 {true, 3, 400, 0, false},   {true, 3, 0, 200, false}};
+    for (const auto& c : cases) {
+        SPlayerState player;
+        player.defaultFramebuffer = 3;
+        SViewportHost host;
+        host.framebuffer = c.framebuffer;
+        std::int32_t sizes[] = {c.live, c.live, c.recorded, c.recorded};
+        EGLDisplay display = EGL_NO_DISPLAY;
+        player.eglNames.SurfaceGeometry(sizes[0], sizes[1], sizes[2], sizes[3], display);
+        bool dirty = c.dirty;
+        CorrectViewport(player, dirty, host);
+        CorrectViewport(player, dirty, host);
+        EXPECT_FALSE(dirty);
+        EXPECT_EQ(host.set, c.corrected ? 1 : 0) << &c - cases;
+        const std::vector<std::int32_t> left{10, 10, 100, 100}, fitted{5, 5, 200, 200};
+        EXPECT_EQ(host.viewport, c.corrected ? fitted : left);
+    }
+    // One side that differs is enough.
+    SPlayerState player;
+    SViewportHost host;
+    std::int32_t width = 200, height = 400, window = 200, windowHeight = 200;
+    EGLDisplay display = EGL_NO_DISPLAY;
+    player.eglNames.SurfaceGeometry(width, height, window, windowHeight, display);
+    bool dirty = true;
+    CorrectViewport(player, dirty, host);
+    EXPECT_EQ(host.viewport, std::vector<std::int32_t>({10, 5, 100, 200}));
+}
+
+TEST(Extensions, AreWholeWordsOfTheList) {
+    const struct {
+        const char *list, *name;
+        bool found;
+    } cases[] = {{nullptr, "GL_A", false},
+                 {"", "GL_A", false},
+                 {"GL_A", "", false},
+                 {"GL_A GL_B", "GL_A GL_B", false},
+                 {" ", " ", false},
+                 {"GL_A", "GL_A", true},
+                 {"GL_A GL_B GL_C", "GL_A", true},
+                 {"GL_A GL_B GL_C", "GL_B", true},
+                 {"GL_A GL_B GL_C", "GL_C", true},
+                 {"GL_A GL_B GL_C ", "GL_C", true},
+                 {"GL_AB", "GL_A", false},
+                 {"XGL_A", "GL_A", false},
+                 {"GL_AB GL_A", "GL_A", true},
+                 {"GL_AB GL_AC", "GL_A", false},
+                 {"XGL_A GL_A", "GL_A", true},
+                 {"GL_A\tGL_B", "GL_A", false},
+                 // Right behind a partial hit the search takes a word to begin.
+                 {"XGL_AGL_A", "GL_A", true},
+                 {"GL_AGL_A", "GL_A", true},
+                 {"GL_AGL_AB", "GL_A", false}};
+    for (const auto& c : cases) {
+        EXPECT_EQ(HasExtension(c.list, c.name), c.found)
+            << (c.list != nullptr ? c.list : "none") << " / " << c.name;
+    }
+}
+
+}  // namespace
+}  // namespace kestrail

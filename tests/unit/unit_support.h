@@ -1,0 +1,107 @@
+// Records to read values from, and the texts of values.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "calls/model/api_type.h"
+#include "tests/support/trace_builder.h"
+#include "tracefile/bytes/trace.h"
+
+namespace kestrail {
+
+/// A file that goes away with the object.
+class CTempFile {
+public:
+    explicit CTempFile(const Bytes& content) {
+        static int s_number = 0;
+        const std::string name =
+            "kestrail_unit_" + std::to_string(getpid()) + "_" + std::to_string(++s_number);
+        m_path = (std::filesystem::temp_directory_path() / name).string();
+        std::ofstream file(m_path, std::ios::binary);
+        file.write(reinterpret_cast<const char*>(content.data()),
+                   static_cast<std::streamsize>(content.size()));
+    }
+    ~CTempFile() { std::filesystem::remove(m_path); }
+    CTempFile(const CTempFile&) = delete;
+    CTempFile& operator=(const CTempFile&) = delete;
+
+    CKSTLString Name() const { return CKSTLString(m_path.c_str()); }
+
+private:
+    std::string m_path;
+};
+
+/// One record's payload behind a reader. Zeros follow it, as other records do in a trace.
+class CRecordStream {
+public:
+    explicit CRecordStream(const Bytes& payload, std::uint32_t version = 14,
+                           const WidthTable& widths = StandardWidths())
+        : m_widths(widths),
+          m_file(WithTail(payload)),
+          m_trace(&m_stream, version, true, WithSpare(m_widths),
+                  static_cast<std::int8_t>(widths.size())) {
+        EXPECT_TRUE(m_stream.Open(m_file.Name(), true));
+        m_trace.SetRecordSize(static_cast<std::uint32_t>(payload.size()));
+    }
+    explicit CRecordStream(const CRecordBuilder& record, std::uint32_t version = 14)
+        : CRecordStream(record.Content(), version) {}
+    ~CRecordStream() { m_stream.Close(); }
+
+    CTrace& Trace() { return m_trace; }
+    std::uint32_t Consumed() const { return m_stream.Tell(); }
+
+private:
+    static Bytes WithTail(Bytes payload) {
+        payload.resize(payload.size() + 64);
+        return payload;
+    }
+    static const std::int8_t* WithSpare(WidthTable& widths) {
+        widths.push_back(0);
+        return widths.data();
+    }
+
+    WidthTable m_widths;
+    CTempFile m_file;
+    IOManager m_stream;
+    CTrace m_trace;
+};
+
+inline CRecordBuilder Record(std::uint32_t version = 14) {
+    return CRecordBuilder(StandardWidths(), version);
+}
+
+/// A value read from a record that holds just it.
+template <typename Value>
+Value ReadFrom(const CRecordBuilder& record) {
+    CRecordStream stream(record);
+    Value value;
+    stream.Trace() >> value;
+    EXPECT_EQ(stream.Consumed(), record.Content().size());
+    return value;
+}
+
+inline std::string ShortText(const SApiTypeBase& value) {
+    CKSTLString text;
+    value.GetText(text, nullptr);
+    return std::string(text.view());
+}
+
+inline std::string FullText(const SApiTypeBase& value) {
+    CKSTLString text, detail;
+    value.GetText(text, &detail);
+    return std::string(detail.view());
+}
+
+inline std::string LinesText(const SApiTypeBase& value) {
+    CKSTLString text;
+    value.GetDetailText(text);
+    return std::string(text.view());
+}
+
+}  // namespace kestrail
