@@ -1,116 +1,138 @@
-// The calls that the ES2 scene is drawn with. One back end draws them at once, the other writes
-// them into a trace, so that the same scene exists as pixels and as a recording.
+// The calls that ES2 and later have and ES1 has not, or has under another name.
 #pragma once
 
 #include <GLES2/gl2.h>
 
-#include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
 
+#include "samples/common/common_calls.h"
+
 namespace kestrail::samples {
 
-/// The configuration that both back ends ask for, ended by EGL_NONE: a window of 24 bits without
-/// alpha, with depth and stencil.
-const std::vector<std::int32_t>& SceneConfigAttributes();
-
-class IEs2Calls {
+class CEs2Calls : public CCommonCalls {
 public:
-    virtual ~IEs2Calls() = default;
+    explicit CEs2Calls(IBackEnd& backEnd, int clientVersion = 2)
+        : CCommonCalls(backEnd, clientVersion) {}
 
-    /// Makes a context and a surface of that size current; false if that isn't to be had.
-    virtual bool Open(int width, int height) = 0;
-    virtual void Swap() = 0;
-    virtual void Close() = 0;
-
-    virtual void ActiveTexture(GLenum unit) = 0;
-    virtual void AttachShader(GLuint program, GLuint shader) = 0;
-    virtual void BindAttribLocation(GLuint program, GLuint index, const char* name) = 0;
-    virtual void BindBuffer(GLenum target, GLuint buffer) = 0;
-    virtual void BindFramebuffer(GLenum target, GLuint framebuffer) = 0;
-    virtual void BindRenderbuffer(GLenum target, GLuint renderbuffer) = 0;
-    virtual void BindTexture(GLenum target, GLuint texture) = 0;
-    virtual void BlendColor(GLfloat red, GLfloat green, GLfloat blue, GLfloat alpha) = 0;
-    virtual void BlendEquation(GLenum mode) = 0;
-    virtual void BlendFunc(GLenum source, GLenum destination) = 0;
-    virtual void BlendFuncSeparate(GLenum sourceRgb, GLenum destinationRgb, GLenum sourceAlpha,
-                                   GLenum destinationAlpha) = 0;
-    virtual void BufferData(GLenum target, GLsizeiptr size, const void* data, GLenum usage) = 0;
-    virtual void BufferSubData(GLenum target, GLintptr offset, GLsizeiptr size,
-                               const void* data) = 0;
-    virtual void CheckFramebufferStatus(GLenum target) = 0;
-    virtual void Clear(GLbitfield mask) = 0;
-    virtual void ClearColor(GLfloat red, GLfloat green, GLfloat blue, GLfloat alpha) = 0;
-    virtual void ClearStencil(GLint value) = 0;
-    virtual void ColorMask(bool red, bool green, bool blue, bool alpha) = 0;
-    virtual void CompileShader(GLuint shader) = 0;
-    virtual void CopyTexSubImage2D(GLenum target, GLint level, GLint xoffset, GLint yoffset,
-                                   GLint x, GLint y, GLsizei width, GLsizei height) = 0;
-    virtual GLuint CreateProgram() = 0;
-    virtual GLuint CreateShader(GLenum type) = 0;
-    virtual void CullFace(GLenum mode) = 0;
-    virtual void DeleteBuffers(GLsizei n, const GLuint* names) = 0;
-    virtual void DeleteFramebuffers(GLsizei n, const GLuint* names) = 0;
-    virtual void DeleteProgram(GLuint program) = 0;
-    virtual void DeleteRenderbuffers(GLsizei n, const GLuint* names) = 0;
-    virtual void DeleteShader(GLuint shader) = 0;
-    virtual void DeleteTextures(GLsizei n, const GLuint* names) = 0;
-    virtual void DepthFunc(GLenum func) = 0;
-    virtual void DepthMask(bool flag) = 0;
-    virtual void Disable(GLenum cap) = 0;
-    virtual void DisableVertexAttribArray(GLuint index) = 0;
-    virtual void DrawArrays(GLenum mode, GLint first, GLsizei count) = 0;
-    /// `indices` is an offset while an element buffer is bound.
-    virtual void DrawElements(GLenum mode, GLsizei count, GLenum type, const void* indices) = 0;
-    virtual void Enable(GLenum cap) = 0;
-    virtual void EnableVertexAttribArray(GLuint index) = 0;
-    virtual void FramebufferRenderbuffer(GLenum target, GLenum attachment,
-                                         GLenum renderbufferTarget, GLuint renderbuffer) = 0;
-    virtual void FramebufferTexture2D(GLenum target, GLenum attachment, GLenum textureTarget,
-                                      GLuint texture, GLint level) = 0;
-    virtual void FrontFace(GLenum mode) = 0;
-    virtual void GenBuffers(GLsizei n, GLuint* names) = 0;
-    virtual void GenFramebuffers(GLsizei n, GLuint* names) = 0;
-    virtual void GenRenderbuffers(GLsizei n, GLuint* names) = 0;
-    virtual void GenTextures(GLsizei n, GLuint* names) = 0;
-    virtual void GenerateMipmap(GLenum target) = 0;
-    virtual GLint GetAttribLocation(GLuint program, const char* name) = 0;
-    virtual GLint GetUniformLocation(GLuint program, const char* name) = 0;
-    virtual void LineWidth(GLfloat width) = 0;
-    virtual void LinkProgram(GLuint program) = 0;
-    virtual void PixelStorei(GLenum name, GLint value) = 0;
-    virtual void PolygonOffset(GLfloat factor, GLfloat units) = 0;
-    virtual void RenderbufferStorage(GLenum target, GLenum format, GLsizei width,
-                                     GLsizei height) = 0;
-    virtual void Scissor(GLint x, GLint y, GLsizei width, GLsizei height) = 0;
-    virtual void ShaderSource(GLuint shader, const std::vector<std::string>& texts) = 0;
-    virtual void StencilFunc(GLenum func, GLint reference, GLuint mask) = 0;
-    virtual void StencilMask(GLuint mask) = 0;
-    virtual void StencilOp(GLenum fail, GLenum depthFail, GLenum pass) = 0;
-    virtual void TexImage2D(GLenum target, GLint level, GLenum internalFormat, GLsizei width,
-                            GLsizei height, GLenum format, GLenum type, const void* pixels) = 0;
-    virtual void TexParameterf(GLenum target, GLenum name, GLfloat value) = 0;
-    virtual void TexParameteri(GLenum target, GLenum name, GLint value) = 0;
-    virtual void TexSubImage2D(GLenum target, GLint level, GLint xoffset, GLint yoffset,
-                               GLsizei width, GLsizei height, GLenum format, GLenum type,
-                               const void* pixels) = 0;
-    virtual void Uniform1f(GLint location, GLfloat v0) = 0;
-    virtual void Uniform1i(GLint location, GLint v0) = 0;
-    virtual void Uniform2f(GLint location, GLfloat v0, GLfloat v1) = 0;
-    virtual void Uniform2i(GLint location, GLint v0, GLint v1) = 0;
-    virtual void Uniform3fv(GLint location, GLsizei count, const GLfloat* values) = 0;
-    virtual void Uniform4f(GLint location, GLfloat v0, GLfloat v1, GLfloat v2, GLfloat v3) = 0;
-    virtual void Uniform4fv(GLint location, GLsizei count, const GLfloat* values) = 0;
-    virtual void UniformMatrix2fv(GLint location, GLsizei count, const GLfloat* values) = 0;
-    virtual void UniformMatrix3fv(GLint location, GLsizei count, const GLfloat* values) = 0;
-    virtual void UniformMatrix4fv(GLint location, GLsizei count, const GLfloat* values) = 0;
-    virtual void UseProgram(GLuint program) = 0;
-    virtual void VertexAttrib3fv(GLuint index, const GLfloat* values) = 0;
-    virtual void VertexAttrib4f(GLuint index, GLfloat x, GLfloat y, GLfloat z, GLfloat w) = 0;
+    void AttachShader(GLuint program, GLuint shader) {
+        Do(2002, "glAttachShader", Uint{program}, Uint{shader});
+    }
+    void BindAttribLocation(GLuint program, GLuint index, const char* name);
+    void BindFramebuffer(GLenum target, GLuint framebuffer) {
+        Do(2005, "glBindFramebuffer", Enum{target}, Uint{framebuffer});
+    }
+    void BindRenderbuffer(GLenum target, GLuint renderbuffer) {
+        Do(2006, "glBindRenderbuffer", Enum{target}, Uint{renderbuffer});
+    }
+    void BlendColor(GLfloat red, GLfloat green, GLfloat blue, GLfloat alpha) {
+        Do(2008, "glBlendColor", Clampf{red}, Clampf{green}, Clampf{blue}, Clampf{alpha});
+    }
+    void BlendEquation(GLenum mode) { Do(2009, "glBlendEquation", Enum{mode}); }
+    void BlendFuncSeparate(GLenum sourceRgb, GLenum destinationRgb, GLenum sourceAlpha,
+                           GLenum destinationAlpha) {
+        Do(2012, "glBlendFuncSeparate", Enum{sourceRgb}, Enum{destinationRgb}, Enum{sourceAlpha},
+           Enum{destinationAlpha});
+    }
+    void CheckFramebufferStatus(GLenum target) {
+        Ask(2015, "glCheckFramebufferStatus", Enum{GL_FRAMEBUFFER_COMPLETE}, Enum{target});
+    }
+    void CompileShader(GLuint shader) { Do(2021, "glCompileShader", Uint{shader}); }
+    GLuint CreateProgram();
+    GLuint CreateShader(GLenum type);
+    void DeleteFramebuffers(GLsizei n, const GLuint* names) {
+        Delete(2030, "glDeleteFramebuffers", EObject::Framebuffers, n, names);
+    }
+    void DeleteProgram(GLuint program);
+    void DeleteRenderbuffers(GLsizei n, const GLuint* names) {
+        Delete(2033, "glDeleteRenderbuffers", EObject::Renderbuffers, n, names);
+    }
+    /// The name isn't handed out again: the shader lives as long as its program.
+    void DeleteShader(GLuint shader) { Do(2034, "glDeleteShader", Uint{shader}); }
+    void DisableVertexAttribArray(GLuint index);
+    void EnableVertexAttribArray(GLuint index);
+    void FramebufferRenderbuffer(GLenum target, GLenum attachment, GLenum renderbufferTarget,
+                                 GLuint renderbuffer) {
+        Do(2047, "glFramebufferRenderbuffer", Enum{target}, Enum{attachment},
+           Enum{renderbufferTarget}, Uint{renderbuffer});
+    }
+    void FramebufferTexture2D(GLenum target, GLenum attachment, GLenum textureTarget,
+                              GLuint texture, GLint level) {
+        Do(2048, "glFramebufferTexture2D", Enum{target}, Enum{attachment}, Enum{textureTarget},
+           Uint{texture}, Int{level});
+    }
+    void GenFramebuffers(GLsizei n, GLuint* names) {
+        Generate(2052, "glGenFramebuffers", EObject::Framebuffers, n, names);
+    }
+    void GenRenderbuffers(GLsizei n, GLuint* names) {
+        Generate(2053, "glGenRenderbuffers", EObject::Renderbuffers, n, names);
+    }
+    void GenerateMipmap(GLenum target) { Do(2051, "glGenerateMipmap", Enum{target}); }
+    GLint GetAttribLocation(GLuint program, const char* name);
+    GLint GetUniformLocation(GLuint program, const char* name);
+    void LinkProgram(GLuint program);
+    void RenderbufferStorage(GLenum target, GLenum format, GLsizei width, GLsizei height) {
+        Do(2095, "glRenderbufferStorage", Enum{target}, Enum{format}, Sizei{width}, Sizei{height});
+    }
+    void ShaderSource(GLuint shader, const std::vector<std::string>& texts);
+    void Uniform1f(GLint location, GLfloat v0) {
+        Do(2112, "glUniform1f", Int{location}, Float{v0});
+    }
+    void Uniform1i(GLint location, GLint v0) { Do(2114, "glUniform1i", Int{location}, Int{v0}); }
+    void Uniform2f(GLint location, GLfloat v0, GLfloat v1) {
+        Do(2116, "glUniform2f", Int{location}, Float{v0}, Float{v1});
+    }
+    void Uniform2i(GLint location, GLint v0, GLint v1) {
+        Do(2118, "glUniform2i", Int{location}, Int{v0}, Int{v1});
+    }
+    void Uniform3fv(GLint location, GLsizei count, const GLfloat* values) {
+        Do(2121, "glUniform3fv", Int{location}, Sizei{count}, Items(3, count, values));
+    }
+    void Uniform4f(GLint location, GLfloat v0, GLfloat v1, GLfloat v2, GLfloat v3) {
+        Do(2124, "glUniform4f", Int{location}, Float{v0}, Float{v1}, Float{v2}, Float{v3});
+    }
+    void Uniform4fv(GLint location, GLsizei count, const GLfloat* values) {
+        Do(2125, "glUniform4fv", Int{location}, Sizei{count}, Items(4, count, values));
+    }
+    void UniformMatrix2fv(GLint location, GLsizei count, const GLfloat* values) {
+        Do(2128, "glUniformMatrix2fv", Int{location}, Sizei{count}, Boolean{false},
+           Items(4, count, values));
+    }
+    void UniformMatrix3fv(GLint location, GLsizei count, const GLfloat* values) {
+        Do(2129, "glUniformMatrix3fv", Int{location}, Sizei{count}, Boolean{false},
+           Items(9, count, values));
+    }
+    void UniformMatrix4fv(GLint location, GLsizei count, const GLfloat* values) {
+        Do(2130, "glUniformMatrix4fv", Int{location}, Sizei{count}, Boolean{false},
+           Items(16, count, values));
+    }
+    void UseProgram(GLuint program) { Do(2131, "glUseProgram", Uint{program}); }
+    void VertexAttrib3fv(GLuint index, const GLfloat* values) {
+        Do(2138, "glVertexAttrib3fv", Uint{index}, FloatItem{values, 3});
+    }
+    void VertexAttrib4f(GLuint index, GLfloat x, GLfloat y, GLfloat z, GLfloat w) {
+        Do(2139, "glVertexAttrib4f", Uint{index}, Float{x}, Float{y}, Float{z}, Float{w});
+    }
     /// `pointer` is an offset while a vertex buffer is bound.
-    virtual void VertexAttribPointer(GLuint index, GLint size, GLenum type, bool normalized,
-                                     GLsizei stride, const void* pointer) = 0;
-    virtual void Viewport(GLint x, GLint y, GLsizei width, GLsizei height) = 0;
+    void VertexAttribPointer(GLuint index, GLint size, GLenum type, bool normalized, GLsizei stride,
+                             const void* pointer) {
+        const Place place = SetArray(index, size, type, stride, pointer);
+        Do(2141, "glVertexAttribPointer", Uint{index}, Int{size}, Enum{type}, Boolean{normalized},
+           Sizei{stride}, place);
+    }
+
+private:
+    struct SProgram {
+        std::map<std::string, GLint> attributes;
+        std::map<std::string, GLint> uniforms;
+    };
+
+    static Floats Items(std::size_t perItem, GLsizei count, const GLfloat* values) {
+        return {values, perItem * static_cast<std::size_t>(count), perItem};
+    }
+
+    std::map<GLuint, SProgram> m_programs;
 };
 
 }  // namespace kestrail::samples

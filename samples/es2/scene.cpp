@@ -1,13 +1,16 @@
-#include "samples/es2/scene.h"
-
 #include <array>
 #include <cmath>
 #include <cstddef>
 
+#include "samples/common/memory.h"
+#include "samples/es2/calls.h"
 #include "samples/es2/shaders.h"
+#include "samples/scenes.h"
 
 namespace kestrail::samples {
 
+// A lit cube seen directly and through a texture that it is rendered to, tiles of several texture
+// formats, translucent client-array shapes, a stencilled star.
 namespace {
 
 constexpr GLsizei targetSize = 32;
@@ -28,19 +31,6 @@ struct SCubeVertex {
     float normal[3];
 };
 
-const void* Offset(std::size_t offset) {
-    return reinterpret_cast<const void*>(offset);
-}
-
-template <typename T, std::size_t N>
-GLsizeiptr SizeOf(const std::array<T, N>&) {
-    return static_cast<GLsizeiptr>(N * sizeof(T));
-}
-
-std::uint8_t Byte(int value) {
-    return static_cast<std::uint8_t>(value & 0xFF);
-}
-
 /// The rotation about an axis tilted by `tilt`, in columns.
 std::array<float, 9> Turn(float angle, float tilt) {
     const float c = std::cos(angle), s = std::sin(angle);
@@ -50,7 +40,7 @@ std::array<float, 9> Turn(float angle, float tilt) {
 
 class CScene {
 public:
-    CScene(IEs2Calls& gl, const SSceneSize& size) : m_gl(gl), m_size(size) {}
+    CScene(CEs2Calls& gl, const SSceneSize& size) : m_gl(gl), m_size(size) {}
 
     void SetUp();
     void DrawFrame(int frame);
@@ -79,7 +69,7 @@ private:
     void DrawStrip(int frame);
     void SetTurn(float angle);
 
-    IEs2Calls& m_gl;
+    CEs2Calls& m_gl;
     SSceneSize m_size;
     GLuint m_tile = 0, m_cube = 0, m_flat = 0;
     GLint m_placement = 0, m_filter = 0, m_fade = 0, m_image = 0;
@@ -156,7 +146,7 @@ void CScene::MakeCube() {
     m_gl.BufferData(GL_ELEMENT_ARRAY_BUFFER, SizeOf(indices), indices.data(), GL_STATIC_DRAW);
     m_gl.BindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
     m_gl.BindBuffer(GL_ARRAY_BUFFER, m_buffers[2]);
-    m_gl.BufferData(GL_ARRAY_BUFFER, 64 * 2 * static_cast<GLsizeiptr>(sizeof(float)), nullptr,
+    m_gl.BufferData(GL_ARRAY_BUFFER, 128 * static_cast<GLsizeiptr>(sizeof(float)), nullptr,
                     GL_DYNAMIC_DRAW);
     m_gl.BindBuffer(GL_ARRAY_BUFFER, 0);
 }
@@ -259,7 +249,7 @@ void CScene::MakeFlickerTexture(int frame) {
         m_gl.TexImage2D(GL_TEXTURE_2D, 0, GL_RGB, 8, 8, GL_RGB, GL_UNSIGNED_BYTE, nullptr);
         m_gl.TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
         m_gl.TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
-        const std::vector<std::uint8_t> grey(8 * 8 * 3, 90);
+        const std::vector<std::uint8_t> grey(std::size_t{8} * 8 * 3, 90);
         m_gl.TexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, 8, 8, GL_RGB, GL_UNSIGNED_BYTE, grey.data());
     }
     std::array<std::uint8_t, 9> patch{};
@@ -467,8 +457,7 @@ void CScene::DrawStrip(int frame) {
             0.08F * std::sin(6.0F * x + 0.3F * static_cast<float>(frame));
     }
     m_gl.BindBuffer(GL_ARRAY_BUFFER, m_buffers[2]);
-    m_gl.BufferSubData(GL_ARRAY_BUFFER, half * 2 * static_cast<GLintptr>(sizeof(float)),
-                       SizeOf(wave), wave.data());
+    m_gl.BufferSubData(GL_ARRAY_BUFFER, frame % 2 * SizeOf(wave), SizeOf(wave), wave.data());
     m_gl.Uniform2f(m_centre, 0.45F, 0.6F);
     SetTurn(0.0F);
     m_gl.VertexAttribPointer(0, 2, GL_FLOAT, false, 0, Offset(0));
@@ -522,23 +511,8 @@ void CScene::TearDown() {
 
 }  // namespace
 
-const std::vector<std::int32_t>& SceneConfigAttributes() {
-    static const std::vector<std::int32_t> attributes = {
-        0x3020, 24,  // EGL_BUFFER_SIZE
-        0x3021, 0,   // EGL_ALPHA_SIZE
-        0x3022, 8,   // EGL_BLUE_SIZE
-        0x3023, 8,   // EGL_GREEN_SIZE
-        0x3024, 8,   // EGL_RED_SIZE
-        0x3025, 24,  // EGL_DEPTH_SIZE
-        0x3026, 8,   // EGL_STENCIL_SIZE
-        0x3031, 0,   // EGL_SAMPLES
-        0x3033, 5,   // EGL_SURFACE_TYPE: window and pbuffer
-        0x3040, 4,   // EGL_RENDERABLE_TYPE: ES2
-        0x3038};
-    return attributes;
-}
-
-bool DrawScene(IEs2Calls& gl, const SSceneSize& size) {
+bool DrawEs2Scene(IBackEnd& backEnd, const SSceneSize& size) {
+    CEs2Calls gl(backEnd);
     if (!gl.Open(size.width, size.height)) return false;
     CScene scene(gl, size);
     scene.SetUp();

@@ -1,0 +1,16 @@
+// The pictures that a recorder left in a trace. They are taken from the file by hand, so that a
+// fault of the reader can't make the player and its measure wrong in the same way.
+#pragma once
+
+#include <map>
+#include <string>
+
+#include "tests/render/player_run.h"
+
+namespace kestrail {
+
+/// By number of the swap, from 1 on; swaps without a picture are left out. Throws
+/// std::runtime_error for a file that isn't of version 14 with 4-byte values.
+std::map<unsigned, SPicture> RecordedPictures(const std::string& trace);
+
+}  // namespace kestrail
