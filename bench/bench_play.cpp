@@ -48,6 +48,16 @@ void BM_PlaySmallCalls(benchmark::State& state) {
 }
 BENCHMARK(BM_PlaySmallCalls)->Arg(10'000)->Arg(100'000)->Arg(400'000);
 
+void BM_PlaySmallEs1Calls(benchmark::State& state) {
+    PlayWhole(state, SmallEs1CallsTrace(state.range(0), 100));
+}
+BENCHMARK(BM_PlaySmallEs1Calls)->Arg(10'000)->Arg(100'000)->Arg(400'000);
+
+void BM_PlaySmallEs3Calls(benchmark::State& state) {
+    PlayWhole(state, SmallEs3CallsTrace(state.range(0), 100));
+}
+BENCHMARK(BM_PlaySmallEs3Calls)->Arg(10'000)->Arg(100'000)->Arg(400'000);
+
 void BM_PlayStreamedSmallCalls(benchmark::State& state) {
     PlayStreamed(state, SmallCallsTrace(state.range(0), 100));
 }

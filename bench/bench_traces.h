@@ -17,6 +17,10 @@ struct SBenchTrace {
 
 /// State changes, uniforms and small draws from buffers in `frames` frames.
 SBenchTrace SmallCallsTrace(std::int64_t calls, std::int64_t frames);
+/// The same of fixed functions.
+SBenchTrace SmallEs1CallsTrace(std::int64_t calls, std::int64_t frames);
+/// The same of the entries that ES3 adds: objects, block bindings and instanced draws.
+SBenchTrace SmallEs3CallsTrace(std::int64_t calls, std::int64_t frames);
 /// `records` buffers of `size` bytes each.
 SBenchTrace DataTrace(std::int64_t records, std::int64_t size);
 /// `binds` binds that go through `names` textures in a scattered order.

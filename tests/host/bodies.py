@@ -173,7 +173,7 @@ RECORDING = {
     call.End();""",
     "glGetBufferPointerv": """if (params != nullptr) *params = State().mapped;
     call.End();""",
-    "glGetBufferParameteriv": "OneInteger(call, pname == 0x88BC ? State().isMapped : 0, params);",
+    "glGetBufferParameteriv": "BufferParameteriv(call, pname, params);",
     "glVertexAttribPointer": """SetAttribute(index, size, type, normalized, stride, pointer);
     call.End();""",
     "glEnableVertexAttribArray": _enable(1),
@@ -189,6 +189,17 @@ RECORDING = {
     "glColorPointer": _client_pointer("0x8076"),
     "glTexCoordPointer": _client_pointer("0x8078"),
     "glPointSizePointerOES": _client_pointer("0x8B9C", size="1"),
+    "glMatrixIndexPointerOES": _client_pointer("0x8844"),
+    "glWeightPointerOES": _client_pointer("0x86AD"),
+}
+
+# Where ES 1 means something else by a name.
+RECORDING_ES1 = {
+    "glIsEnabled": "return static_cast<GLboolean>(call.Result(IsClientArrayEnabled(cap)));",
+    "glGetPointerv": """if (params != nullptr) *params = const_cast<void*>(ClientArrayPointer(pname));
+    call.End();""",
+    "glDrawArrays": _draw_arrays("clientArrays", "maxClientArrays"),
+    "glDrawElements": _draw_elements("clientArrays", "maxClientArrays"),
 }
 
 _IDLE_STRING = f"""return reinterpret_cast<const GLubyte*>(

@@ -9,7 +9,7 @@ import re
 import sys
 
 import khronos
-from bodies import EXTENSIONS, IDLE, RECORDING, VENDOR_ENTRIES
+from bodies import EXTENSIONS, IDLE, RECORDING, RECORDING_ES1, VENDOR_ENTRIES
 
 REALS = {"GLfloat", "GLclampf", "GLdouble"}
 HANDLES = {"EGLDisplay", "EGLConfig", "EGLSurface", "EGLContext", "EGLSync", "EGLImage", "GLsync"}
@@ -130,7 +130,7 @@ def name_list(entry):
     return (count.name, names.name) if count.type == "GLsizei" and names.pointer else None
 
 
-def recording_body(entry):
+def recording_body(entry, prefix):
     lines = []
     names = name_list(entry)
     generated = names is not None and entry.name.startswith("glGen")
@@ -145,7 +145,8 @@ def recording_body(entry):
             lines.append(f"call.Qualify(static_cast<unsigned>({param.name}));")
     if names is not None and not generated:
         lines.append(f'DropNames("{kind_of(entry)}", {names[0]}, {names[1]});')
-    special = RECORDING.get(entry.name)
+    own = RECORDING_ES1 if prefix == "es1." else {}
+    special = own.get(entry.name, RECORDING.get(entry.name))
     if special is not None:
         lines.append(special)
     elif entry.result == "void":
@@ -176,7 +177,7 @@ def write_entry(out, entry, flavour, prefix, linkage):
     out.write(f"{linkage} {entry.result} {entry.name}({params}) {{\n")
     if flavour == "recording":
         out.write(f'    CCall call("{entry.name}", "{prefix}");\n')
-    body = recording_body(entry) if flavour == "recording" else idle_body(entry)
+    body = recording_body(entry, prefix) if flavour == "recording" else idle_body(entry)
     for line in body:
         out.write(f"    {line}\n")
     out.write("}\n\n")

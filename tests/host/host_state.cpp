@@ -439,6 +439,48 @@ void OneInteger(CCall& call, std::int32_t usual, std::int32_t* data) {
     call.End();
 }
 
+namespace {
+
+struct SClientArrayNames {
+    unsigned array;
+    unsigned size;
+    unsigned type;
+    unsigned buffer;
+    unsigned pointer;
+};
+
+const SClientArrayNames clientArrayNames[] = {
+    {0x8076, 0x8081, 0x8082, 0x8898, 0x8090},  // GL_COLOR_ARRAY
+    {0x8075, 0x0000, 0x807E, 0x8897, 0x808F},  // GL_NORMAL_ARRAY
+    {0x8074, 0x807A, 0x807B, 0x8896, 0x808E},  // GL_VERTEX_ARRAY
+    {0x8B9C, 0x0000, 0x898A, 0x8B9F, 0x898C},  // GL_POINT_SIZE_ARRAY_OES
+    {0x8844, 0x8846, 0x8847, 0x8B9E, 0x8849},  // GL_MATRIX_INDEX_ARRAY_OES
+    {0x86AD, 0x86AB, 0x86A9, 0x889E, 0x86AC},  // GL_WEIGHT_ARRAY_OES
+    {0x8078, 0x8088, 0x8089, 0x889A, 0x8092},  // GL_TEXTURE_COORD_ARRAY
+};
+
+/// The texture coordinates are those of the client's active unit.
+int SlotOf(const SClientArrayNames& names) {
+    const auto place = static_cast<int>(&names - clientArrayNames);
+    if (names.array != 0x8078) return place;
+    const int unit = State().clientActiveTexture - 0x84C0;
+    return unit >= 0 && unit < 8 ? place + unit : -1;
+}
+
+std::int32_t ClientArrayInteger(unsigned pname) {
+    for (const SClientArrayNames& names : clientArrayNames) {
+        const int slot = SlotOf(names);
+        if (slot < 0) continue;
+        const SAttribute& array = State().clientArrays[slot];
+        if (pname == names.size) return array.size;
+        if (pname == names.type) return array.type;
+        if (pname == names.buffer) return array.buffer;
+    }
+    return 0;
+}
+
+}  // namespace
+
 void Integerv(CCall& call, unsigned pname, std::int32_t* data) {
     const SGlState& state = State();
     switch (pname) {
@@ -465,7 +507,7 @@ void Integerv(CCall& call, unsigned pname, std::int32_t* data) {
         case 0x0CF5:  // GL_UNPACK_ALIGNMENT
             return OneInteger(call, state.unpackAlignment, data);
         default:
-            return OneInteger(call, 0, data);
+            return OneInteger(call, ClientArrayInteger(pname), data);
     }
 }
 
@@ -490,23 +532,31 @@ void VertexAttribiv(CCall& call, unsigned index, unsigned pname, std::int32_t* d
     }
 }
 
+void BufferParameteriv(CCall& call, unsigned pname, std::int32_t* data) {
+    std::int32_t usual = 0;
+    if (pname == 0x88BC) usual = State().isMapped ? 1 : 0;                          // mapped
+    if (pname == 0x8764) usual = static_cast<std::int32_t>(sizeof State().mapped);  // the size
+    OneInteger(call, usual, data);
+}
+
 int ClientSlot(unsigned array) {
-    switch (array) {
-        case 0x8074:  // GL_VERTEX_ARRAY
-            return 0;
-        case 0x8075:  // GL_NORMAL_ARRAY
-            return 1;
-        case 0x8076:  // GL_COLOR_ARRAY
-            return 2;
-        case 0x8B9C:  // GL_POINT_SIZE_ARRAY_OES
-            return 3;
-        case 0x8078: {  // GL_TEXTURE_COORD_ARRAY of the client's active unit
-            const int unit = State().clientActiveTexture - 0x84C0;
-            return unit >= 0 && unit < 8 ? 8 + unit : -1;
-        }
-        default:
-            return -1;
+    for (const SClientArrayNames& names : clientArrayNames) {
+        if (names.array == array) return SlotOf(names);
     }
+    return -1;
+}
+
+int IsClientArrayEnabled(unsigned array) {
+    const int slot = ClientSlot(array);
+    return slot < 0 ? 0 : State().clientArrays[slot].enabled;
+}
+
+const void* ClientArrayPointer(unsigned pname) {
+    for (const SClientArrayNames& names : clientArrayNames) {
+        const int slot = SlotOf(names);
+        if (names.pointer == pname && slot >= 0) return State().clientArrays[slot].pointer;
+    }
+    return nullptr;
 }
 
 void SetClientArray(unsigned array, int size, unsigned type, int stride, const void* pointer) {

@@ -78,10 +78,11 @@ struct SAttribute {
 };
 
 constexpr unsigned maxAttributes = 16;
+constexpr unsigned maxClientArrays = 14;
 
 struct SGlState {
     SAttribute attributes[maxAttributes];
-    SAttribute clientArrays[16];
+    SAttribute clientArrays[maxClientArrays];
     std::int32_t clientActiveTexture = 0x84C0;
     std::int32_t arrayBuffer = 0;
     std::int32_t elementBuffer = 0;
@@ -124,8 +125,14 @@ void Integerv(CCall& call, unsigned pname, std::int32_t* data);
 void VertexAttribiv(CCall& call, unsigned index, unsigned pname, std::int32_t* data);
 void OneInteger(CCall& call, std::int32_t usual, std::int32_t* data);
 
-/// A slot of `clientArrays` for an ES1 array enumerant, or -1.
+void BufferParameteriv(CCall& call, unsigned pname, std::int32_t* data);
+
+/// A slot of `clientArrays` for an ES1 array enumerant, or -1: colour, normal, vertex, point size,
+/// matrix index, weight, and the texture coordinates of eight units.
 int ClientSlot(unsigned array);
+/// What glIsEnabled and glGetPointerv of ES1 say of client arrays.
+int IsClientArrayEnabled(unsigned array);
+const void* ClientArrayPointer(unsigned pname);
 void SetClientArray(unsigned array, int size, unsigned type, int stride, const void* pointer);
 void SetAttribute(unsigned index, int size, unsigned type, int normalized, int stride,
                   const void* pointer);

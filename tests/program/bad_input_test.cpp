@@ -125,6 +125,189 @@ TEST(BadInput, RecordsThatContradictThemselvesAreBounded) {
     }
 }
 
+struct SBadCalls {
+    std::vector<SBadCase> cases;
+
+    void Add(const char* name, std::uint16_t id, const CRecordBuilder& record) {
+        CTraceBuilder trace = Es2Trace();
+        // Client arrays of ES1, so that draws look for their bytes.
+        for (const std::uint32_t array : {32884U, 32886U, 32888U}) {
+            trace.Add(3039, trace.Gl().Enum(array));
+        }
+        trace.Add(3143, trace.Gl().Int(3).Enum(5126).Sizei(0).Pointer(0x30));
+        trace.Add(3022, trace.Gl().Int(4).Enum(5121).Sizei(0).Pointer(0x10));
+        trace.Add(3126, trace.Gl().Int(2).Enum(5126).Sizei(0).Pointer(0x40));
+        trace.Add(id, record);
+        trace.Add(2016, trace.Gl().Bitfield(1));
+        cases.push_back({name, trace});
+    }
+};
+
+/// Each asks the host to read or write more than its record holds.
+std::vector<SBadCase> ShortRecords() {
+    SBadCalls bad;
+    const CTraceBuilder t;
+    const std::int64_t most = 0x7FFFFFFF;
+    const auto names = [&](std::int64_t count) {
+        return t.Gl().Sizei(count).Array(tag::Uint, 0x10, {7});
+    };
+    bad.Add("buffers deleted one by one", 3028, names(most));
+    bad.Add("textures deleted", 3029, names(most));
+    bad.Add("buffers made", 3053, names(2));
+    bad.Add("textures without an array", 3054, t.Gl().Sizei(2).Array(tag::Uint, 0, {}));
+    bad.Add("no equation", 3016, t.Gl().Enum(12288).RealItem(tag::Float, 0, {}));
+    bad.Add("no fixed equation", 3017, t.Gl().Enum(12288).Item(tag::Fixed, 0, {}));
+    bad.Add("a fog colour of one", 3043, t.Gl().Enum(2918).Reals(tag::Float, 0x10, {1}));
+    bad.Add("no matrix", 3086, t.Gl().RealItem(tag::Float, 0, {}));
+    const auto pixels = [&](std::int64_t size) {
+        return t.Gl().Int(0).Int(0).Sizei(size).Sizei(size).Enum(6408).Enum(5121);
+    };
+    bad.Add("pixels read into less", 3114, pixels(4).Data(0x10, Bytes(63)));
+    bad.Add("pixels read into nothing", 3114, pixels(4).Data(0));
+    bad.Add("pixels beyond any size", 3114, pixels(most).Data(0x10, Bytes(4)));
+    const CRecordBuilder image = t.Gl().Enum(3553).Int(0).Int(0).Int(0).Sizei(4).Sizei(4);
+    bad.Add("a part of an image", 3140,
+            CRecordBuilder(image).Enum(6408).Enum(5121).Data(0x10, Bytes(63)));
+    bad.Add("no part of an image", 3140, CRecordBuilder(image).Enum(6408).Enum(5121).Data(0));
+    const auto draw = [&](std::int64_t first, std::int64_t count) {
+        return t.Gl().Enum(4).Int(first).Sizei(count);
+    };
+    bad.Add("vertices behind the bytes", 3036, draw(0, 3).ClientArray(2, 0x10, Bytes(35)));
+    bad.Add("a first vertex behind them", 3036, draw(most, most).ClientArray(2, 0x10, Bytes(36)));
+    bad.Add("an array without bytes", 3036, draw(0, 1).ClientArray(2, 0x10, {}));
+    bad.Add("an array of null", 3036, draw(0, 1).ClientArray(2, 0, {}));
+    const auto elements = [&](std::int64_t count, const Bytes& indices) {
+        return t.Gl().Enum(4).Sizei(count).Enum(5125).Data(0x70, indices).Pointer(0x70);
+    };
+    bad.Add("an index behind the bytes", 3037,
+            elements(1, {255, 255, 255, 255}).ClientArray(2, 0x10, Bytes(36)));
+    bad.Add("indices fewer than drawn", 3037, elements(most, Bytes(4)));
+    bad.Add("no indices", 3037, t.Gl().Enum(4).Sizei(3).Enum(5121).Data(0).Pointer(0));
+
+    const CRecordBuilder range = t.Gl().Enum(4).Uint(0).Uint(9);
+    bad.Add("range indices fewer than drawn", 5144,
+            CRecordBuilder(range).Sizei(most).Enum(5123).Data(0x70, Bytes(4)));
+    bad.Add("no range indices", 5144, CRecordBuilder(range).Sizei(3).Enum(5123).Data(0));
+    bad.Add("instanced indices fewer than drawn", 5212,
+            t.Gl().Enum(4).Sizei(most).Enum(5125).Sizei(2).Data(0x70, Bytes(4)).Pointer(0x70));
+    bad.Add("three-dimensional pixels", 5145,
+            t.Gl()
+                .Enum(32879)
+                .Int(0)
+                .Int(6408)
+                .Sizei(9)
+                .Sizei(9)
+                .Sizei(9)
+                .Int(0)
+                .Enum(6408)
+                .Enum(5121)
+                .Data(0x10, Bytes(4)));
+    bad.Add("draw buffers", 5159, t.Gl().Sizei(most).Array(tag::Enum, 0x10, {1029}));
+    bad.Add("a matrix of two by three", 5160,
+            t.Gl().Int(-1).Sizei(most).Boolean(false).Reals(tag::Float, 0x10, {1, 2, 3, 4, 5}));
+    bad.Add("vertex arrays made", 5173, names(most));
+    bad.Add("vertex arrays deleted", 5172, names(most));
+    bad.Add("samplers deleted", 5223, names(2));
+    bad.Add("an integer attribute", 5187, t.Gl().Uint(0).Array(tag::Int, 0x10, {1, 2, 3}));
+    bad.Add("no integer attribute", 5187, t.Gl().Uint(0).Array(tag::Int, 0, {}));
+    bad.Add("a clear colour of three", 5201,
+            t.Gl().Enum(0x1800).Int(0).Reals(tag::Float, 0x10, {1, 2, 3}));
+    bad.Add("no clear colour", 5199, t.Gl().Enum(0x1800).Int(0).Array(tag::Int, 0, {}));
+    bad.Add("a program without a record", 5210, t.Gl().Uint(77).Uint(0).Uint(0));
+    bad.Add("a program's binary", 5240, t.Gl().Uint(7).Enum(1).Data(0x10, Bytes(4)).Sizei(most));
+
+    const auto extNames = [&](std::int64_t count) {
+        return t.Ext(0, 1).Sizei(count).Array(tag::Uint, 0x10, {7});
+    };
+    for (const std::uint16_t id : {std::uint16_t{4008}, std::uint16_t{4009}, std::uint16_t{4017},
+                                   std::uint16_t{4018}, std::uint16_t{4023}, std::uint16_t{4024}}) {
+        bad.Add("extension names", id, extNames(most));
+        bad.Add("more extension names than a fixed array holds", id, extNames(201));
+    }
+    bad.Add("attachments", 4001,
+            t.Ext(0, 2).Enum(36160).Sizei(most).Array(tag::Enum, 0x10, {36064}));
+    bad.Add("an attachment's parameter", 4028,
+            t.Ext(0, 1).Enum(36160).Enum(36064).Enum(36048).Array(tag::Int, 0, {}));
+    return bad.cases;
+}
+
+TEST(BadInput, CallsThatReachBehindTheirRecordFailAndPlaybackGoesOn) {
+    for (const SBadCase& one : ShortRecords()) {
+        for (const Lines& arguments : {Lines{}, Lines{"--noMemory"}}) {
+            const SRunResult run = RunTrace(one.trace, arguments);
+            ExpectBounded(run, one.name);
+            EXPECT_TRUE(run.Printed(message + "Error call:")) << one.name << "\n" << run.out;
+            EXPECT_EQ(run.CallsOf({"glClear"}).size(), 1U) << one.name;
+        }
+    }
+}
+
+TEST(BadInput, ADrawWithoutArraysBehindOneThatIsGoneIsBounded) {
+    CTraceBuilder trace = Es2Trace();
+    trace.Add(3039, trace.Gl().Enum(32884));
+    trace.Add(3143, trace.Gl().Int(3).Enum(5126).Sizei(0).Pointer(0x30));
+    trace.Add(2044, trace.Gl().Uint(0));
+    trace.Add(2141, trace.Gl().Uint(0).Int(3).Enum(5126).Boolean(false).Sizei(0).Pointer(0x30));
+    const CRecordBuilder draw = trace.Gl().Enum(4).Int(0).Sizei(3);
+    trace.Add(3036, CRecordBuilder(draw).ClientArray(2, 0x10, Bytes(36, 0x11)));
+    trace.Add(2041, CRecordBuilder(draw).ClientArray(0, 0x10, Bytes(36, 0x11)));
+    // While streaming, the bytes of the draws above are no longer there.
+    trace.Add(3036, draw);
+    trace.Add(2041, draw);
+    for (const Lines& arguments : {Lines{}, Lines{"--noMemory"}}) {
+        const SRunResult run = RunTrace(trace, arguments);
+        ExpectBounded(run, "a draw without arrays");
+        EXPECT_EQ(run.CallLines().size(), trace.CallCount()) << run.out;
+        for (const std::string& call : run.CallsOf({"es1.glDrawArrays", "glDrawArrays"})) {
+            const std::size_t start = call.find('<');
+            if (start == std::string::npos) continue;
+            EXPECT_EQ(call.find_first_not_of('1', start + 1), call.find(':'))
+                << "the host read memory that is no array's: " << call;
+        }
+    }
+}
+
+TEST(BadInput, CountsBelowZeroReachTheHostWithNothingBehindThem) {
+    CTraceBuilder trace = Es2Trace();
+    for (const std::uint16_t id : {std::uint16_t{3028}, std::uint16_t{3029}, std::uint16_t{3053},
+                                   std::uint16_t{5172}, std::uint16_t{5222}}) {
+        trace.Add(id, trace.Gl().Sizei(-5).Array(tag::Uint, 0x10, {7}));
+    }
+    for (const std::uint16_t id : {std::uint16_t{4008}, std::uint16_t{4017}, std::uint16_t{4024}}) {
+        trace.Add(id, trace.Ext(0, 1).Sizei(-5).Array(tag::Uint, 0x10, {7}));
+    }
+    trace.Add(3036, trace.Gl().Enum(4).Int(-5).Sizei(-5));
+    trace.Add(3037, trace.Gl().Enum(4).Sizei(-5).Enum(5121).Data(0x10, Bytes(4)).Pointer(0x10));
+    trace.Add(5144, trace.Gl().Enum(4).Uint(0).Uint(9).Sizei(-5).Enum(5123).Data(0));
+    trace.Add(2016, trace.Gl().Bitfield(1));
+    const SRunResult run = RunTrace(trace);
+    EXPECT_TRUE(run.Ok()) << run.Ending();
+    EXPECT_EQ(run.CallsOf({"glClear"}).size(), 1U) << run.out;
+}
+
+TEST(BadInput, ExtensionCallsOfAnyApiWithAnyValuesAreBounded) {
+    // Zeros; all ones; small counts in front of pointers without anything behind them.
+    const Bytes patterns[] = {
+        Bytes(96, 0), Bytes(96, 0xFF), [] {
+            Bytes mixed;
+            for (unsigned i = 0; i < 24; ++i) {
+                mixed.insert(mixed.end(),
+                             {i % 2 == 0 ? std::uint8_t{2} : std::uint8_t{0x70}, 0, 0, 0});
+            }
+            return mixed;
+        }()};
+    for (std::uint16_t id = 4001; id <= 4090; ++id) {
+        if (id > 4032 && id < 4089) continue;
+        for (const Bytes& pattern : patterns) {
+            CTraceBuilder trace = Es2Trace();
+            for (const unsigned api : {0U, 1U, 2U, 3U, 77U, 127U, 128U, 255U}) {
+                trace.Add(id, trace.Ext(0, static_cast<std::uint8_t>(api)).Raw(pattern));
+            }
+            ExpectBounded(RunTrace(trace), std::to_string(id));
+        }
+    }
+}
+
 TEST(BadInput, UnknownIdentifiersAreDroppedSilently) {
     CTraceBuilder trace = Es2Trace();
     for (int id : {0, 6, 999, 1000, 1035, 1099, 1106, 1200, 2000, 3000, 3146, 4000, 4081, 4240,
