@@ -35,7 +35,7 @@ void StoreOrLoad(std::int32_t& value, std::int32_t& stored) {
 
 CEglNames::SState CEglNames::s_state;
 
-CEglNames::SState::SState() : pixelStore(&pixelStores.GetOrCreate(0)) {}
+CEglNames::SState::SState() : context(&contextStates.GetOrCreate(0)) {}
 
 EGLDisplay CEglNames::GetDisplay(Recorded recorded) const {
     if (recorded == 0) return EGL_NO_DISPLAY;
@@ -76,8 +76,8 @@ EGLContext CEglNames::GetContext(EGLDisplay live, Recorded recorded) {
 void CEglNames::SetContext(EGLDisplay live, Recorded recorded, EGLContext context) {
     s_state.contexts.GetOrCreate(Key(live)).GetOrCreate(recorded) = context;
     // A host may hand out the handle of a destroyed context again; the new one starts afresh.
-    SPixelStore* store = s_state.pixelStores.Find(Key(context));
-    if (store != nullptr && context != EGL_NO_CONTEXT) *store = SPixelStore{};
+    SContextState* state = s_state.contextStates.Find(Key(context));
+    if (state != nullptr && context != EGL_NO_CONTEXT) *state = SContextState{};
 }
 
 void CEglNames::RemoveContext(EGLDisplay live, Recorded recorded) {
@@ -126,7 +126,7 @@ void CEglNames::SurfaceGeometry(std::int32_t& liveWidth, std::int32_t& liveHeigh
 }
 
 void CEglNames::UseContext(EGLContext context) {
-    s_state.pixelStore = &s_state.pixelStores.GetOrCreate(Key(context));
+    s_state.context = &s_state.contextStates.GetOrCreate(Key(context));
 }
 
 }  // namespace kestrail

@@ -1,5 +1,6 @@
-// EGL handles of the recording against those of the host, the size of the current surface, and the
-// pixel store state of each context. Empty objects; the state behind them is one for the process.
+// EGL handles of the recording against those of the host, the size of the current surface, and what
+// the player has given to each context. Empty objects; the state behind them is one for the
+// process.
 #pragma once
 
 #include <EGL/egl.h>
@@ -7,9 +8,17 @@
 #include <cstdint>
 
 #include "base/name_table.h"
+#include "exec/client_memory.h"
 #include "exec/pixel_store.h"
 
 namespace kestrail {
+
+/// What the player has given to one context, as far as it must know it later.
+struct SContextState {
+    SPixelStore pixelStore;
+    CClientMemory es1Arrays;
+    CClientMemory es2Arrays;
+};
 
 class CEglNames {
 public:
@@ -47,8 +56,9 @@ public:
     bool ContextValid() const { return s_state.contextValid; }
     void SetContextValid(bool valid) { s_state.contextValid = valid; }
 
-    /// The pixel store state that the player has given to the context in use.
-    SPixelStore& PixelStore() { return *s_state.pixelStore; }
+    /// Of the context in use.
+    SContextState& Context() { return *s_state.context; }
+    SPixelStore& PixelStore() { return s_state.context->pixelStore; }
     void UseContext(EGLContext context);
 
 private:
@@ -62,8 +72,8 @@ private:
         PerDisplay<EGLSurface> surfaces;
         PerDisplay<EGLContext> contexts;
         PerDisplay<EGLConfig> configs;
-        TNameTable<std::uint64_t, SPixelStore> pixelStores;
-        SPixelStore* pixelStore;
+        TNameTable<std::uint64_t, SContextState> contextStates;
+        SContextState* context;
         bool contextValid = false;
         std::int32_t liveWidth = 0;
         std::int32_t liveHeight = 0;

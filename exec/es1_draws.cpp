@@ -1,9 +1,11 @@
 // Draws. ES1 has fixed arrays: before the host draws, each enabled client array is pointed at the
 // bytes that the recorder kept in the call.
 #include <algorithm>
+#include <memory>
 
 #include "base/output.h"
 #include "calls/model/client_arrays.h"
+#include "exec/client_memory.h"
 #include "exec/draw_indices.h"
 #include "exec/es1_calls.h"
 #include "exec/es1_executor.h"
@@ -64,7 +66,7 @@ class CEs1ClientArrays {
 public:
     /// `vertices`: how many vertices the draw reads; 0 when that stands in a buffer of the host.
     /// `missing`: what is said of an array without captured bytes; null for nothing.
-    CEs1ClientArrays(SEs1Play& c, const CapturedArrays& arrays, const CapturedIndices& indices,
+    CEs1ClientArrays(SEs1Play& c, CapturedArrays& arrays, const CapturedIndices& indices,
                      std::int64_t vertices, const char* missing)
         : m_c(c),
           m_arrays(arrays),
@@ -122,25 +124,30 @@ private:
     }
 
     /// The captured array of a kind; null when it has none.
-    const SDataPtr* ArrayOf(int kind) const {
+    std::unique_ptr<SDataPtr>* ArrayOf(int kind) const {
         std::size_t place = m_next;
         if (!m_byPosition) {
             const auto found = std::find(m_indices.items.begin(), m_indices.items.end(), kind);
             place = static_cast<std::size_t>(found - m_indices.items.begin());
         }
-        return place < m_arrays.items.size() ? m_arrays.items[place].get() : nullptr;
+        return place < m_arrays.items.size() ? &m_arrays.items[place] : nullptr;
     }
 
     void PointOne(int kind, const SArrayState& state) {
-        const SDataPtr* array = ArrayOf(kind);
+        CClientMemory& memory = m_c.player.eglNames.Context().es1Arrays;
+        const auto index = static_cast<std::uint32_t>(kind);
+        const auto type = static_cast<GLenum>(state.type);
+        const GLint size = kind == kNormal ? 3 : state.size;
+        const std::int64_t vertexBytes = VertexBytes(type, size);
+        std::unique_ptr<SDataPtr>* array = ArrayOf(kind);
         if (array == nullptr) {
+            m_sound = m_sound && memory.Reaches(index, state.pointer, vertexBytes, m_vertices);
             if (!m_byPosition && m_missing != nullptr) output::Message("%s", m_missing);
             return;
         }
-        const auto type = static_cast<GLenum>(state.type);
-        const GLint size = kind == kNormal ? 3 : state.size;
-        if (array->GetSize() < VertexBytes(type, size) * m_vertices) m_sound = false;
-        Set(kind, size, type, array->GetData());
+        if ((*array)->GetSize() < vertexBytes * m_vertices) m_sound = false;
+        Set(kind, size, type, (*array)->GetData());
+        memory.Point(index, *array, vertexBytes, m_c.player.store->Streams());
         if (m_byPosition) ++m_next;
     }
 
@@ -166,7 +173,7 @@ private:
     }
 
     SEs1Play& m_c;
-    const CapturedArrays& m_arrays;
+    CapturedArrays& m_arrays;
     const CapturedIndices& m_indices;
     bool m_byPosition;
     std::int64_t m_vertices;

@@ -9,6 +9,7 @@
 
 #include "base/output.h"
 #include "calls/model/client_arrays.h"
+#include "exec/client_memory.h"
 #include "exec/draw_indices.h"
 #include "exec/es2_executor.h"
 #include "exec/es2_names.h"
@@ -33,7 +34,7 @@ template <typename Context>
 class TClientArrays {
 public:
     /// `vertices`: how many vertices the draw reads; 0 when that stands in a buffer of the host.
-    TClientArrays(Context& c, const CapturedArrays& arrays, const CapturedIndices& indices,
+    TClientArrays(Context& c, CapturedArrays& arrays, const CapturedIndices& indices,
                   std::int64_t vertices)
         : m_c(c),
           m_arrays(arrays),
@@ -48,8 +49,13 @@ public:
         m_c.host.glGetIntegerv(GL_MAX_VERTEX_ATTRIBS, &attributes);
         for (GLint a = 0; a < attributes; ++a) {
             const GLuint index = AttributeIndex(m_c.names, static_cast<std::uint32_t>(a));
-            if (!IsClientArray(index)) continue;
-            if (!PointOne(index, draw)) break;
+            const void* pointer = ClientPointer(index);
+            if (pointer == nullptr) continue;
+            if (!PointOne(index, pointer, draw)) {
+                // The attributes behind this one keep what earlier draws gave them.
+                m_sound = m_sound && Memory().ReachFrom(index, m_vertices);
+                break;
+            }
         }
         return m_sound;
     }
@@ -61,12 +67,13 @@ private:
         return value;
     }
 
-    bool IsClientArray(GLuint index) const {
-        if (Query(index, GL_VERTEX_ATTRIB_ARRAY_ENABLED) == 0) return false;
-        if (Query(index, GL_VERTEX_ATTRIB_ARRAY_BUFFER_BINDING) != 0) return false;
+    /// What an enabled client array points at; null for any other attribute.
+    void* ClientPointer(GLuint index) const {
+        if (Query(index, GL_VERTEX_ATTRIB_ARRAY_ENABLED) == 0) return nullptr;
+        if (Query(index, GL_VERTEX_ATTRIB_ARRAY_BUFFER_BINDING) != 0) return nullptr;
         void* pointer = nullptr;
         m_c.host.glGetVertexAttribPointerv(index, GL_VERTEX_ATTRIB_ARRAY_POINTER, &pointer);
-        return pointer != nullptr;
+        return pointer;
     }
 
     /// The captured array of an attribute; all ones when it has none.
@@ -79,11 +86,17 @@ private:
         return found;
     }
 
-    bool PointOne(GLuint index, const char* draw) {
+    CClientMemory& Memory() const { return m_c.player.eglNames.Context().es2Arrays; }
+
+    bool PointOne(GLuint index, const void* pointer, const char* draw) {
         const GLint size = Query(index, GL_VERTEX_ATTRIB_ARRAY_SIZE);
         const auto type = static_cast<GLenum>(Query(index, GL_VERTEX_ATTRIB_ARRAY_TYPE));
         const GLint normalized = Query(index, GL_VERTEX_ATTRIB_ARRAY_NORMALIZED);
+        const std::int64_t vertexBytes = VertexBytes(type, size);
         const std::size_t array = ArrayOf(index);
+        if (array >= m_arrays.items.size()) {
+            m_sound = m_sound && Memory().Reaches(index, pointer, vertexBytes, m_vertices);
+        }
         if (array == ~std::size_t{0}) {
             output::Message(
                 "%s: No enought Data. No Pointer replaced with real memory. %s would crash.", draw,
@@ -91,17 +104,20 @@ private:
             return false;
         }
         if (array >= m_arrays.items.size()) return true;
+        // Two recorded attributes may stand for one of the host, which has its bytes already.
+        if (m_arrays.items[array] == nullptr) return true;
         const SDataPtr& bytes = *m_arrays.items[array];
-        if (bytes.GetSize() < VertexBytes(type, size) * m_vertices) m_sound = false;
+        if (bytes.GetSize() < vertexBytes * m_vertices) m_sound = false;
         // The captured bytes are tightly packed, whatever stride the application used.
         m_c.host.glVertexAttribPointer(index, size, type, static_cast<GLboolean>(normalized), 0,
                                        bytes.GetData());
+        Memory().Point(index, m_arrays.items[array], vertexBytes, m_c.player.store->Streams());
         if (m_byPosition) ++m_next;
         return true;
     }
 
     Context& m_c;
-    const CapturedArrays& m_arrays;
+    CapturedArrays& m_arrays;
     const CapturedIndices& m_indices;
     bool m_byPosition;
     std::int64_t m_vertices;
@@ -115,7 +131,7 @@ struct SIndexedDraw {
     std::uint32_t offset;
     std::int32_t count;
     std::uint32_t type;
-    const CapturedArrays& arrays;
+    CapturedArrays& arrays;
     const CapturedIndices& indices;
 };
 

@@ -10,7 +10,7 @@ namespace kestrail {
 namespace {
 
 /// Instanced and ranged draws carry no client arrays.
-const CapturedArrays kNoArrays;
+CapturedArrays g_noArrays;
 const CapturedIndices kNoIndices;
 
 GLsync LiveSync(SEs3Play& c) {
@@ -49,7 +49,7 @@ EPlayed PlayGlDrawRangeElements(SEs3Play& c) {
                                indices.pointer.GetValue(),
                                c.Value<TintType<18>>(3),
                                c.Value<TGLenum>(4),
-                               kNoArrays,
+                               g_noArrays,
                                kNoIndices};
     return DrawIndexed(c, indexed, [&](const void* pointer) {
         c.host.glDrawRangeElements(c.Value<TGLBeginMode>(0), c.Value<TuintType<21>>(1),
@@ -58,12 +58,8 @@ EPlayed PlayGlDrawRangeElements(SEs3Play& c) {
 }
 
 EPlayed PlayGlDrawElementsInstanced(SEs3Play& c) {
-    const SIndexedDraw indexed{c.At<SDataPtr>(4),
-                               c.Value<TPointer>(5),
-                               c.Value<TintType<18>>(1),
-                               c.Value<TGLenum>(2),
-                               kNoArrays,
-                               kNoIndices};
+    const SIndexedDraw indexed{c.At<SDataPtr>(4),   c.Value<TPointer>(5), c.Value<TintType<18>>(1),
+                               c.Value<TGLenum>(2), g_noArrays,           kNoIndices};
     return DrawIndexed(c, indexed, [&](const void* pointer) {
         c.host.glDrawElementsInstanced(c.Value<TGLBeginMode>(0), indexed.count, indexed.type,
                                        pointer, c.Value<TintType<18>>(3));

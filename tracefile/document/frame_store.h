@@ -57,6 +57,8 @@ public:
                       const CKSTLString& fileName);
     /// From now on `NextCall` takes calls from the document as it reads them.
     void StreamFrom(CTraceDocument* document) { m_document = document; }
+    /// Whether calls come from the file one by one, each in the place of the one before.
+    bool Streams() const { return m_document != nullptr; }
     /// Files a call under the current frame. eglSwapBuffers closes its frame; the first call behind
     /// a block of state calls opens one. `offset` is that of the call's record in the file.
     void AppendCall(std::unique_ptr<CApiCall> call, std::uint64_t offset, bool inStateBlock);
