@@ -14,6 +14,7 @@ bool AdvancedPlaybackInterface::LoadTrace(const char* path, bool wholeFile) {
 
 bool AdvancedPlaybackInterface::AttachTrace(CFrameStore* trace) {
     m_trace = trace;
+    m_analysisPlayer.reset();
     if (trace == nullptr) return false;
     if (!trace->DataFlag()) {
         output::Message("Current trace file recorded without Data....Abort");
@@ -22,14 +23,21 @@ bool AdvancedPlaybackInterface::AttachTrace(CFrameStore* trace) {
     if (trace->MultiThread()) {
         output::Message("Current trace contain more than one thread.... Playback could crash.");
     }
+    m_analysisPlayer = std::make_unique<CAnalysisPlayback>();
+    m_analysisPlayer->SetTrace(trace);
     return true;
 }
 
-bool AdvancedPlaybackInterface::PlayFrame(std::uint32_t /*frame*/) {
-    return false;
+bool AdvancedPlaybackInterface::PlayFrame(std::int32_t frame) {
+    return m_analysisPlayer && m_analysisPlayer->PlayFrame(frame);
+}
+
+void AdvancedPlaybackInterface::RequestStop() {
+    if (m_analysisPlayer) m_analysisPlayer->RequestStop();
 }
 
 void AdvancedPlaybackInterface::Reset() {
+    m_analysisPlayer.reset();
     if (m_trace != nullptr) m_trace->Rewind();
 }
 

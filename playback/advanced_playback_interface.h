@@ -2,7 +2,9 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 
+#include "playback/analysis_playback.h"
 #include "playback/playback_interface.h"
 
 namespace kestrail {
@@ -15,8 +17,15 @@ public:
     /// Takes a loaded trace; false when it cannot be sought in.
     bool AttachTrace(CFrameStore* trace);
     /// Renders one frame, 1-based. False when it fails or there is no player for it.
-    bool PlayFrame(std::uint32_t frame);
+    bool PlayFrame(std::int32_t frame);
+    void RequestStop();
     void Reset() override;
+
+protected:
+    bool SeeksFrames() const override { return true; }
+
+private:
+    std::unique_ptr<CAnalysisPlayback> m_analysisPlayer;
 };
 
 }  // namespace kestrail

@@ -34,13 +34,13 @@ void PlaySoughtFrames(const SOptions& options) {
     if (options.random) {
         // Never seeded: every run plays the same frames. One play fewer than the iterations.
         for (std::int32_t i = 1; i < options.iterations && count > 0; ++i) {
-            playback.PlayFrame(static_cast<std::uint32_t>(std::rand() % count + 1));
+            playback.PlayFrame(std::rand() % count + 1);
         }
     } else if (options.frame != -1) {
-        if (options.frame <= count) playback.PlayFrame(static_cast<std::uint32_t>(options.frame));
+        if (options.frame <= count) playback.PlayFrame(options.frame);
     } else {
         for (std::int32_t frame = 1; frame < count; ++frame) {
-            playback.PlayFrame(static_cast<std::uint32_t>(frame));
+            playback.PlayFrame(frame);
         }
     }
 }

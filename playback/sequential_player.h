@@ -46,6 +46,8 @@ public:
 protected:
     /// Runs after a whole frame when frame buffers are to be saved.
     virtual void SaveFrameBuffer(std::uint32_t /*frame*/) {}
+    bool StopRequested() const { return m_stopRequested; }
+    void ClearStopRequest() { m_stopRequested = false; }
 
 private:
     bool Skips(std::uint32_t frame, std::uint32_t frameCount);

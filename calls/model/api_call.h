@@ -9,6 +9,10 @@
 
 namespace kestrail {
 
+class CEglState;
+class CEs1State;
+class CEs2State;
+
 /// Which state record a call belongs to.
 enum CallGroup : std::uint8_t {
     kGroupNone = 0,
@@ -48,6 +52,8 @@ protected:
 class CEglCall : public CApiCall {
 public:
     void FillCallInfo(CCallInfo& info, bool withPlayback) override;
+    /// Applies the call to a state record, without touching the host. False when it did not.
+    virtual bool UpdateState(CEglState& state);
 
     /// What eglGetError gave after the call when it was recorded.
     TEGLintEnum m_eglError;
@@ -59,6 +65,8 @@ protected:
 class CEs1Call : public CApiCall {
 public:
     void FillCallInfo(CCallInfo& info, bool withPlayback) override;
+    /// Applies the call to a state record, without touching the host. False when it did not.
+    virtual bool UpdateState(CEs1State& state);
 
 protected:
     explicit CEs1Call(CTrace& trace);
@@ -67,6 +75,8 @@ protected:
 class CEs2Call : public CApiCall {
 public:
     void FillCallInfo(CCallInfo& info, bool withPlayback) override;
+    /// Applies the call to a state record, without touching the host. False when it did not.
+    virtual bool UpdateState(CEs2State& state);
 
 protected:
     explicit CEs2Call(CTrace& trace);
@@ -75,6 +85,8 @@ protected:
 class CEs3Call : public CApiCall {
 public:
     void FillCallInfo(CCallInfo& info, bool withPlayback) override;
+    /// Applies the call to a state record, without touching the host. False when it did not.
+    virtual bool UpdateState(CEs2State& state);
 
 protected:
     explicit CEs3Call(CTrace& trace);
@@ -83,6 +95,8 @@ protected:
 class CExtCall : public CApiCall {
 public:
     void FillCallInfo(CCallInfo& info, bool withPlayback) override;
+    /// Applies an extension call of ES1 to its state record. Those of ES2 leave no trace in theirs.
+    virtual bool UpdateState(CEs1State& state);
 
     TGLError m_extError;
     /// The API that was current: 1 is ES1, 2 is ES2, anything else counts as EGL.

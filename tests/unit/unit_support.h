@@ -9,6 +9,7 @@
 #include <fstream>
 #include <string>
 
+#include "base/output.h"
 #include "calls/model/api_type.h"
 #include "tests/support/trace_builder.h"
 #include "tracefile/bytes/trace.h"
@@ -102,6 +103,16 @@ inline std::string LinesText(const SApiTypeBase& value) {
     CKSTLString text;
     value.GetDetailText(text);
     return std::string(text.view());
+}
+
+/// What `action` prints on standard output.
+template <typename Action>
+std::string Printed(Action action) {
+    output::Flush();
+    testing::internal::CaptureStdout();
+    action();
+    output::Flush();
+    return testing::internal::GetCapturedStdout();
 }
 
 }  // namespace kestrail

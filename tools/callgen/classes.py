@@ -11,6 +11,8 @@ from pathlib import Path
 
 from table import load
 
+STATES = {"egl": "CEglState", "es1": "CEs1State", "es2": "CEs2State", "es3": "CEs2State",
+          "ext": "CEs1State"}
 MAX_PARAMETERS = 16  # CGenCallInfo::kCapacity
 
 
@@ -27,7 +29,10 @@ def declaration(row, base):
              "    void FillCallInfo(CCallInfo& info, bool withPlayback) override;",
              f'    const char* GetName() const override {{ return "{row.entry}"; }}',
              f"    std::uint16_t GetCallId() const override {{ return {row.id}; }}",
-             f'    const char* GetCategory() const override {{ return "{row.category}"; }}', ""]
+             f'    const char* GetCategory() const override {{ return "{row.category}"; }}']
+    if row.state:
+        lines.append(f"    bool UpdateState({STATES[row.family]}& state) override;")
+    lines.append("")
     if row.returns:
         lines.append(f"    {cpp_class(row.returns)} result;")
     for p in row.parameters:

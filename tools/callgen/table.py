@@ -2,12 +2,12 @@
 
 A row is a head line and one indented line for each parameter:
 
-    identifier entry-point vRECORD FIRST-LAST "category" play [returns CLASS] [on APIS]
+    identifier entry-point vRECORD FIRST-LAST "category" play [returns CLASS] [on APIS] [state]
         name class [keywords]
 
 RECORD is the file version that brought this layout of the record; FIRST and LAST are the file
 versions that select the row (no LAST: every later one). APIS, for extension calls, are the APIs whose
-tables have the entry.
+tables have the entry. state: the class has an UpdateState of its own, written in the room state/.
 
 How a call is played:
     plain    the host entry is called with the parameters, translated where they say so
@@ -72,6 +72,7 @@ class Row:
     play: str
     returns: str = ""
     apis: tuple = ()
+    state: bool = False
     parameters: list = field(default_factory=list)
 
     @property
@@ -86,7 +87,7 @@ class Row:
 
 PLAYS = {"plain", "bind", "gen", "genonce", "delete", "skip", "check", "test", "fail", "hand", "none"}
 HEAD = re.compile(
-    r'^(\d+) (\w+) v(\d+) (\d+)-(\d*) "([^"]*)" (\w+)(?: returns (\S+))?(?: on (\S+))?$')
+    r'^(\d+) (\w+) v(\d+) (\d+)-(\d*) "([^"]*)" (\w+)(?: returns (\S+))?(?: on (\S+))?( state)?$')
 
 
 def parse_parameter(line, where):
@@ -123,5 +124,6 @@ def load(path):
             rows.append(Row(family, int(match.group(1)), match.group(2), int(match.group(3)),
                             int(match.group(4)), int(match.group(5) or 0), match.group(6),
                             match.group(7), match.group(8) or "",
-                            tuple((match.group(9) or "").split(",")) if match.group(9) else ()))
+                            tuple((match.group(9) or "").split(",")) if match.group(9) else (),
+                            bool(match.group(10))))
     return rows

@@ -29,6 +29,9 @@ public:
     /// Sets `m_edited` of every call that the lists name.
     void MarkCalls(CFrameStore& store) const;
 
+    const std::map<std::uint32_t, bool>& Disabled() const { return m_disabled; }
+    const std::map<std::uint32_t, STextOverride>& Overrides() const { return m_overrides; }
+
     bool enabled = true;
 
 private:

@@ -31,6 +31,11 @@ void CFrameStore::BeginFrame() {
     m_lastFound = 0;
     m_secondFlag = false;
     m_hasStateBlock = false;
+    m_eglState = {};
+    m_es1State = {};
+    m_es2State = {};
+    m_es1Used = false;
+    m_es2Used = false;
 }
 
 void CFrameStore::SetTraceInfo(std::uint32_t fileSize, bool dataFlag, bool secondFlag,
@@ -54,17 +59,24 @@ void CFrameStore::OpenFrame(std::uint32_t firstCall) {
     CFrameRecord frame;
     frame.number = static_cast<std::uint32_t>(m_frames.size()) + m_droppedFrames + 1;
     frame.firstCall = firstCall;
+    frame.eglState = m_eglState;
+    frame.es1State = m_es1State;
+    frame.es2State = m_es2State;
     m_frames.push_back(frame);
     m_currentFrame = m_frames.size() - 1;
 }
 
 void CFrameStore::AppendCall(std::unique_ptr<CApiCall> call, std::uint64_t offset,
-                             bool inStateBlock) {
+                             bool inStateBlock, bool trackState) {
     if (!call) return;
     const std::uint16_t id = call->m_id;
     ++m_callCount;
     m_hasStateBlock = m_hasStateBlock || inStateBlock;
     const bool firstBehindState = m_frames.size() == 1 && !inStateBlock && m_hasStateBlock;
+    CApiCall& appended = *call;
+    if (trackState && !firstBehindState && !m_edits.IsCallDisabled(m_callCount)) {
+        UpdateStateForCall(appended);
+    }
     m_calls.emplace_back().call = std::move(call);
     CFrameRecord& current = m_frames[m_currentFrame];
     if (current.firstCall == m_callCount - 1) current.startOffset = offset;
@@ -75,9 +87,70 @@ void CFrameStore::AppendCall(std::unique_ptr<CApiCall> call, std::uint64_t offse
         last.lastCall = m_callCount - 2;
         OpenFrame(m_callCount - 1);
         m_frames.back().lastCall = m_callCount - 1;
+        // After the frame is open, whose state does not hold the call's own effect.
+        if (trackState) UpdateStateForCall(appended);
     } else if (id == kEglSwapBuffers) {
         OpenFrame(m_callCount);
     }
+}
+
+void CFrameStore::UpdateStateForCall(CApiCall& call) {
+    constexpr std::uint32_t kEs3 = 3;
+    // A call that failed when it was recorded changed no state.
+    if (call.m_error.GetValue() != 0) return;
+    switch (call.m_group) {
+        case kGroupEgl:
+            static_cast<CEglCall&>(call).UpdateState(m_eglState.Write());
+            break;
+        case kGroupEs1:
+            static_cast<CEs1Call&>(call).UpdateState(m_es1State.Write());
+            m_es1Used = true;
+            break;
+        case kGroupExtEs1:
+            static_cast<CExtCall&>(call).UpdateState(m_es1State.Write());
+            m_es1Used = true;
+            break;
+        case kGroupEs2:
+            ApplyEs2Call(call, m_es2State.Write());
+            if (m_eglState->contextClientVersion == kEs3 && m_es2State->apiVersion != kEs3) {
+                m_es2State.Write().apiVersion = kEs3;
+            }
+            m_es2Used = true;
+            break;
+        case kGroupExtEs2:
+            // Extension calls on ES2 leave no trace in its record.
+            m_es2Used = true;
+            break;
+        default:
+            break;
+    }
+}
+
+bool ApplyEs2Call(CApiCall& call, CEs2State& state) {
+    constexpr std::uint16_t kFirstEs3 = 5001;
+    if (call.m_id >= kFirstEs3) return static_cast<CEs3Call&>(call).UpdateState(state);
+    return static_cast<CEs2Call&>(call).UpdateState(state);
+}
+
+bool CFrameStore::GetEglStateOfFrame(std::uint32_t frame, CEglState& out) const {
+    const CFrameRecord* record = GetFrameRecord(frame);
+    if (record == nullptr) return false;
+    out = *record->eglState;
+    return true;
+}
+
+bool CFrameStore::GetEs1StateOfFrame(std::uint32_t frame, CEs1State& out) const {
+    const CFrameRecord* record = GetFrameRecord(frame);
+    if (!m_es1Used || record == nullptr) return false;
+    out = *record->es1State;
+    return true;
+}
+
+bool CFrameStore::GetEs2StateOfFrame(std::uint32_t frame, CEs2State& out) const {
+    const CFrameRecord* record = GetFrameRecord(frame);
+    if (!m_es2Used || record == nullptr) return false;
+    out = *record->es2State;
+    return true;
 }
 
 void CFrameStore::Rewind() {

@@ -1,4 +1,5 @@
-// The loaded trace as players see it: frames of calls, and a position in them. Frames and calls are
+// The loaded trace as players see it: frames of calls with the state that each begins with, and a
+// position in them. Frames and calls are
 // numbered from 1 at this interface; `firstCall` and `lastCall` of a frame are 0-based indices.
 #pragma once
 
@@ -7,7 +8,11 @@
 #include <vector>
 
 #include "base/kstl_string.h"
+#include "base/shared.h"
 #include "calls/model/api_call.h"
+#include "state/egl/egl_state.h"
+#include "state/es1/es1_state.h"
+#include "state/es2/es2_state.h"
 #include "tracefile/document/edit_list.h"
 
 namespace kestrail {
@@ -22,6 +27,10 @@ struct CFrameRecord {
     std::uint64_t startOffset = 0;  ///< in the file, of the first call's record
     std::uint32_t firstCall = 0;
     std::uint32_t lastCall = kNoCall;
+    /// What the application had set when the frame begins. Frames share what none of them changed.
+    TShared<CEglState> eglState;
+    TShared<CEs1State> es1State;
+    TShared<CEs2State> es2State;
 
     bool Holds(std::uint32_t index) const {
         return lastCall != kNoCall && firstCall <= index && index <= lastCall;
@@ -46,6 +55,9 @@ private:
     std::unique_ptr<CGenCallInfo> m_info;
 };
 
+/// Applies a call of the ES2 group, which is one of ES2 or ES3, to a record.
+bool ApplyEs2Call(CApiCall& call, CEs2State& state);
+
 class CFrameStore {
 public:
     CFrameStore() { BeginFrame(); }
@@ -60,8 +72,10 @@ public:
     /// Whether calls come from the file one by one, each in the place of the one before.
     bool Streams() const { return m_document != nullptr; }
     /// Files a call under the current frame. eglSwapBuffers closes its frame; the first call behind
-    /// a block of state calls opens one. `offset` is that of the call's record in the file.
-    void AppendCall(std::unique_ptr<CApiCall> call, std::uint64_t offset, bool inStateBlock);
+    /// a block of state calls opens one. `offset` is that of the call's record in the file. With
+    /// `trackState` the call is applied to the running state, unless the edit list disables it.
+    void AppendCall(std::unique_ptr<CApiCall> call, std::uint64_t offset, bool inStateBlock,
+                    bool trackState);
     void SetMultiThread() { m_multiThread = true; }
 
     /// To the first frame.
@@ -87,6 +101,12 @@ public:
     /// 1-based number, so that a frame's last call shows as the next frame's.
     std::uint32_t FrameOfCall(std::uint32_t index) const;
 
+    /// Copies the state that a frame begins with. False out of range; for ES1 and ES2 also for a
+    /// trace that never called that API.
+    bool GetEglStateOfFrame(std::uint32_t frame, CEglState& out) const;
+    bool GetEs1StateOfFrame(std::uint32_t frame, CEs1State& out) const;
+    bool GetEs2StateOfFrame(std::uint32_t frame, CEs2State& out) const;
+
     CEditList& Edits() { return m_edits; }
     const CEditList& Edits() const { return m_edits; }
     bool DataFlag() const { return m_dataFlag; }
@@ -96,6 +116,7 @@ public:
 private:
     void OpenFrame(std::uint32_t firstCall);
     CCallEntry* NextStreamedCall();
+    void UpdateStateForCall(CApiCall& call);
     /// Where the frame stands in `m_frames`, or their number when it is not there.
     std::size_t IndexOf(std::uint32_t frame) const;
 
@@ -103,6 +124,12 @@ private:
     std::vector<CFrameRecord> m_frames;
     std::vector<CCallEntry> m_calls;
     CEditList m_edits;
+    /// What all calls so far have set.
+    TShared<CEglState> m_eglState;
+    TShared<CEs1State> m_es1State;
+    TShared<CEs2State> m_es2State;
+    bool m_es1Used = false;
+    bool m_es2Used = false;
     std::size_t m_currentFrame = 0;
     std::uint32_t m_currentCall = 0;
     std::uint32_t m_nextCall = 0;

@@ -189,7 +189,7 @@ bool CTraceDocument::TakeCall(SRecordLoop& loop, std::uint16_t id, std::uint32_t
     if (!call) return true;
     const CApiCall& made = *call;
     m_reader->CallNumber() = m_store->CallCount() + 1;
-    m_store->AppendCall(std::move(call), offset, loop.inStateBlock);
+    m_store->AppendCall(std::move(call), offset, loop.inStateBlock, m_trackState && !m_noMemory);
     if (m_progressEnabled) ShowProgress(made, loop.offset);
     return true;
 }

@@ -32,9 +32,17 @@ public:
     /// Opens a trace. `useMemory`: all records are read now; otherwise the header alone, and the
     /// store streams. An open trace is closed first.
     unsigned OpenTrace(const CKSTLString& name, bool useMemory);
+    /// Whether traces that are opened from now on keep the state that each frame begins with, which
+    /// only seeking needs. They do unless told otherwise; streamed ones never do.
+    void SetTrackState(bool on) { m_trackState = on; }
     /// Reads all records, or while streaming the next one. 0, or what `OpenTrace` gives for a
     /// record that overruns the file. Throws what reading a record throws.
     unsigned LoadRecords();
+    /// Writes a header of the present version with the open trace's flags to `out`, which is open
+    /// for writing, and its edit lists if it has edits. No records follow. Always true.
+    bool Save(IOManager& out) const;
+    /// Whether `Save` writes the edit lists.
+    void SetHasEdits(bool on) { m_hasEdits = on; }
     void CloseTrace();
     /// The store, rewound; null when nothing is loaded.
     CFrameStore* GetFrameStore();
@@ -97,8 +105,10 @@ private:
     CKSTLString m_fileName;
     IOManager m_stream;
     bool m_progressEnabled = false;
+    bool m_hasEdits = false;
     bool m_multiThread = false;
     bool m_noMemory = false;
+    bool m_trackState = true;
 };
 
 }  // namespace kestrail

@@ -1,0 +1,185 @@
+#include "playback/analysis_playback.h"
+
+#include "base/output.h"
+#include "host/es2_host.h"
+#include "host/host_lib.h"
+#include "state/egl/egl_transition.h"
+#include "state/es1/es1_transition.h"
+#include "state/es2/es2_transition.h"
+
+namespace kestrail {
+namespace {
+
+constexpr std::uint16_t kEglSwapBuffers = 1022;
+
+/// The draws that a frame is measured by. Those of ES3 and of extensions do not count.
+bool IsDrawCall(std::uint16_t id) {
+    return id == 2041 || id == 2042 || id == 3036 || id == 3037;
+}
+
+}  // namespace
+
+CAnalysisPlayback::CAnalysisPlayback() {
+    es1Names.ResetNames();
+    names.ResetNames();
+    sync = true;
+}
+
+bool CAnalysisPlayback::PlayFrame(std::int32_t frame) {
+    if (store == nullptr) {
+        output::Error("No trace data!");
+        return false;
+    }
+    if (frame < 1 || frame > static_cast<std::int32_t>(store->FrameCount())) return false;
+    m_frame = static_cast<std::uint32_t>(frame);
+    // The frame before has changed everything: each one asks for a full comparison.
+    m_eglDirty = true;
+    m_es1Dirty = true;
+    m_es2Dirty = true;
+    RestoreFrame(static_cast<std::uint16_t>(m_frame));
+    const CFrameRecord* record = store->GetFrameRecord(m_frame);
+    return record != nullptr && PlayCalls(*record);
+}
+
+bool CAnalysisPlayback::PlayCalls(const CFrameRecord& frame) {
+    constexpr std::uint32_t kMostDraws = 65535;
+    const std::uint32_t last = frame.lastCall + 1;
+    ClearStopRequest();
+    bool drawn = false;
+    std::uint32_t budget = kMostDraws;
+    for (std::uint32_t number = frame.firstCall + 1; budget != 0; ++number) {
+        if (!ProcessEvents() || StopRequested()) return true;
+        currentCallNumber = number;
+        CCallEntry* entry = store->CallAt(number);
+        if (entry == nullptr || number > last) return false;
+        const std::uint16_t id = entry->call->m_id;
+        if (id == kEglSwapBuffers) {
+            if (!drawn) {
+                // The last frame is not shown again.
+                GetEs2Host()->glClearColor(0.0F, 0.0F, 0.0F, 0.0F);
+                GetEs2Host()->glClear(GL_COLOR_BUFFER_BIT);
+            }
+            return PlaySwap();
+        }
+        if (IsDrawCall(id)) {
+            --budget;
+            drawn = true;
+        }
+        try {
+            if (!PlayTrackedCall(*entry)) return false;
+        } catch (const CHostLibException& failure) {
+            if (failure.reason == 1) return false;
+        } catch (...) {
+            output::Error("Exception playing call.\n");
+            return false;
+        }
+    }
+    return PlaySwap();
+}
+
+bool CAnalysisPlayback::PlayTrackedCall(CCallEntry& entry) {
+    bool played = false;
+    try {
+        played = PlayCall(&entry, m_checkCalls);
+        entry.ReleaseInfo();
+    } catch (...) {
+        return false;
+    }
+    if (!played) return false;
+    CApiCall& call = *entry.call;
+    switch (call.m_group) {
+        case kGroupEgl:
+            static_cast<CEglCall&>(call).UpdateState(m_currentEgl);
+            m_eglDirty = true;
+            break;
+        case kGroupEs1:
+            static_cast<CEs1Call&>(call).UpdateState(m_currentEs1);
+            m_es1Dirty = true;
+            break;
+        case kGroupEs2:
+            ApplyEs2Call(call, m_currentEs2);
+            m_es2Dirty = true;
+            break;
+        default:
+            break;
+    }
+    return true;
+}
+
+bool CAnalysisPlayback::RestoreFrame(std::uint32_t frame) {
+    try {
+        if (m_restartPending) {
+            m_restartPending = false;
+            m_eglDirty = m_es1Dirty = m_es2Dirty = true;
+            RestoreFrame(1);
+            m_eglDirty = m_es1Dirty = m_es2Dirty = true;
+            if (frame == 1) return true;
+        }
+        Restore(frame);
+        return true;
+    } catch (...) {
+        output::Message("Render Failed. Critical error");
+        return false;
+    }
+}
+
+void CAnalysisPlayback::Restore(std::uint32_t frame) {
+    CEglState targetEgl;
+    if (m_eglDirty) {
+        if (store->GetEglStateOfFrame(frame, targetEgl)) {
+            TransitionEglState(targetEgl, frame, m_currentEgl);
+            m_currentEgl = targetEgl;
+            m_eglDirty = false;
+        }
+        // No context exists at that point of the trace.
+        if (targetEgl.currentDisplay == 0) {
+            names.ResetNames();
+            es1Names.ResetNames();
+        }
+    }
+    const bool hasContext = targetEgl.currentDisplay != 0;
+    CEs1State targetEs1;
+    if (m_es1Dirty && store->GetEs1StateOfFrame(frame, targetEs1)) {
+        if (hasContext) TransitionEs1State(targetEs1, &m_currentEs1);
+        m_currentEs1 = targetEs1;
+        m_es1Dirty = false;
+    }
+    CEs2State targetEs2;
+    if (m_es2Dirty && store->GetEs2StateOfFrame(frame, targetEs2)) {
+        if (hasContext) TransitionEs2State(targetEs2, m_currentEs2);
+        m_currentEs2 = targetEs2;
+        m_es2Dirty = false;
+    }
+}
+
+bool CAnalysisPlayback::FindSwapCall() {
+    const CFrameRecord* frame = store->GetFrameRecord(m_frame);
+    m_swapCall = frame != nullptr ? store->CallAt(frame->lastCall + 1) : nullptr;
+    if (m_swapCall != nullptr && m_swapCall->call->m_id == kEglSwapBuffers) return true;
+    output::Error("Exception <expented SwapBuffer call\n");
+    m_swapCall = nullptr;
+    return false;
+}
+
+bool CAnalysisPlayback::PlaySwap() {
+    try {
+        if (m_swapCall == nullptr) FindSwapCall();
+        if (PlayCall(m_swapCall, true)) return true;
+        output::Error("Failed to call swap buffer function.");
+    } catch (...) {
+        output::Error("Exception calling swap buffer.");
+    }
+    return false;
+}
+
+bool CAnalysisPlayback::ProcessEvents() {
+    try {
+        if (environment.PumpEvents() && !StopRequested()) return true;
+        output::Message("CAnalysisPlayback::Analyse: USER_ABORTED");
+    } catch (...) {
+        output::Error("Failed to process OS Environment event handler");
+    }
+    return false;
+}
+
+}  // namespace kestrail

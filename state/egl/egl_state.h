@@ -1,0 +1,90 @@
+// The EGL world of the recorded application at one moment: displays, contexts and surfaces, and
+// what is current. All handles are recorded ones.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "base/name_table.h"
+#include "base/shared.h"
+#include "calls/model/egl_values.h"
+
+namespace kestrail {
+
+/// A growing list of records, each with its key in front; a lookup that misses appends a default
+/// record.
+template <typename Record>
+class TStateList {
+public:
+    std::uint32_t Count() const { return static_cast<std::uint32_t>(m_records->size()); }
+    const Record& At(std::uint32_t index) const { return (*m_records)[index]; }
+    /// Null when there is none.
+    const Record* Find(std::uint32_t handle) const {
+        for (const Record& record : *m_records) {
+            if (record.handle == handle) return &record;
+        }
+        return nullptr;
+    }
+    Record& GetOrCreate(std::uint32_t handle) {
+        for (Record& record : m_records.Write()) {
+            if (record.handle == handle) return record;
+        }
+        Record& record = m_records.Write().emplace_back();
+        record.handle = handle;
+        return record;
+    }
+    void Erase(std::uint32_t handle) {
+        if (Find(handle) == nullptr) return;
+        std::erase_if(m_records.Write(),
+                      [handle](const Record& record) { return record.handle == handle; });
+    }
+
+private:
+    TShared<std::vector<Record>> m_records;
+};
+
+/// A list of name and value pairs with its end mark, or none.
+using SEglAttributes = std::vector<std::int32_t>;
+
+struct SEglDisplayRecord {
+    std::uint32_t handle = 0;
+    std::uint32_t nativeDisplay = 0;
+    std::int32_t swapInterval = 1;
+    std::uint8_t initialised = 0;  ///< what eglInitialize returned
+};
+
+struct SEglContextRecord {
+    std::uint32_t handle = 0;
+    std::uint32_t display = 0;
+    std::uint32_t config = 0;
+    std::uint32_t shareContext = 0;
+    SEglAttributes attributes;
+    SEglAttributes configAttributes;
+};
+
+struct SEglSurfaceRecord {
+    std::uint32_t handle = 0;
+    std::uint32_t display = 0;
+    std::uint32_t config = 0;
+    SEglAttributes attributes;
+    SEglAttributes configAttributes;
+    std::int32_t height = 0;
+    std::int32_t width = 0;
+    SEglNativeWindowDesc window;
+};
+
+class CEglState {
+public:
+    TStateList<SEglContextRecord> contexts;
+    TStateList<SEglDisplayRecord> displays;
+    TStateList<SEglSurfaceRecord> surfaces;
+    std::uint32_t currentContext = 0;
+    std::uint32_t currentDisplay = 0;
+    std::uint32_t currentDrawSurface = 0;
+    std::uint32_t currentReadSurface = 0;
+    std::uint32_t boundApi = 0;
+    /// Of the last context that was created with one.
+    std::uint32_t contextClientVersion = 0;
+};
+
+}  // namespace kestrail

@@ -1,0 +1,216 @@
+#include "state/egl/egl_transition.h"
+
+#include "exec/egl_config.h"
+#include "exec/egl_names.h"
+#include "host/egl_host.h"
+#include "host/os_environment.h"
+
+namespace kestrail {
+namespace {
+
+using FoundFlags = std::vector<bool>;
+
+/// One transition: the two records, and what its passes work with.
+struct SEglTransition {
+    CEglState& target;
+    const CEglState& current;
+    SEglHost& host = *GetEglHost();
+    CEglNames names{};
+    COsEnvironment environment{};
+
+    /// An error of one pass must not show up in a check of the next.
+    void ClearErrors() const {
+        host.eglGetError();
+        host.eglGetError();
+    }
+};
+
+/// A list for the host: null for one without an end mark in the place of a name.
+const EGLint* HostList(const SEglAttributes& attributes) {
+    const bool ended = attributes.size() % 2 == 1 && attributes.back() == EGL_NONE;
+    return ended ? attributes.data() : nullptr;
+}
+
+/// The record that `same` accepts, which is marked; null when there is none.
+template <typename Record, typename Same>
+const Record* FindAndMark(const TStateList<Record>& list, FoundFlags& found, Same same) {
+    for (std::uint32_t i = 0; i < list.Count(); ++i) {
+        if (!same(list.At(i))) continue;
+        found[i] = true;
+        return &list.At(i);
+    }
+    return nullptr;
+}
+
+void Initialize(SEglTransition& t, EGLDisplay live) {
+    t.host.eglInitialize(live, nullptr, nullptr);
+    t.names.SetContextValid(true);
+}
+
+void BindApi(SEglTransition& t) {
+    if (t.target.boundApi != 0) t.host.eglBindAPI(t.target.boundApi);
+}
+
+FoundFlags MakeDisplays(SEglTransition& t) {
+    FoundFlags found(t.current.displays.Count());
+    for (std::uint32_t i = 0; i < t.target.displays.Count(); ++i) {
+        const SEglDisplayRecord& display = t.target.displays.At(i);
+        const SEglDisplayRecord* known = FindAndMark(
+            t.current.displays, found,
+            [&](const SEglDisplayRecord& other) { return other.handle == display.handle; });
+        EGLDisplay live = t.names.GetDisplay(display.handle);
+        if (known != nullptr) {
+            if (display.initialised != 1 || known->initialised != 0) continue;
+            Initialize(t, live);
+            BindApi(t);
+            continue;
+        }
+        if (live == EGL_NO_DISPLAY) {
+            const NativeDisplay native = t.environment.GetDisplay(display.nativeDisplay);
+            live = t.host.eglGetDisplay(native);
+            t.names.SetDisplay(display.handle, live, native);
+        }
+        if (display.initialised == 1) Initialize(t, live);
+        if (t.target.boundApi != 0) {
+            BindApi(t);
+            t.ClearErrors();
+        }
+    }
+    return found;
+}
+
+void MakeSurface(SEglTransition& t, const SEglSurfaceRecord& surface) {
+    // A host that does not know a window's size yet reports 1.
+    constexpr EGLint kUnknown = 1;
+    EGLDisplay live = t.names.GetDisplay(surface.display);
+    if (live == EGL_NO_DISPLAY) return;
+    const EGLConfig config =
+        FindEglConfig(t.names, live, surface.config, HostList(surface.configAttributes));
+    const NativeWindow window =
+        t.environment.GetWindow(surface.window.handle.GetValue(), surface.window.width,
+                                surface.window.height, t.names.GetNativeDisplay(live));
+    const EGLSurface made = t.host.eglCreateWindowSurface(live, config, window, nullptr);
+    t.ClearErrors();
+    EGLint width = 0;
+    EGLint height = 0;
+    t.host.eglQuerySurface(live, made, EGL_WIDTH, &width);
+    t.host.eglQuerySurface(live, made, EGL_HEIGHT, &height);
+    if (width == kUnknown || height == kUnknown) {
+        width = 640;
+        height = 480;
+    }
+    std::int32_t recordedWidth = surface.width;
+    std::int32_t recordedHeight = surface.height;
+    EGLDisplay owner = live;
+    t.names.SurfaceGeometry(width, height, recordedWidth, recordedHeight, owner);
+    t.names.SetSurface(live, surface.handle, made);
+}
+
+void MakeSurfaces(SEglTransition& t) {
+    FoundFlags found(t.current.surfaces.Count());
+    for (std::uint32_t i = 0; i < t.target.surfaces.Count(); ++i) {
+        const SEglSurfaceRecord& surface = t.target.surfaces.At(i);
+        const auto* known =
+            FindAndMark(t.current.surfaces, found, [&](const SEglSurfaceRecord& other) {
+                return other.handle == surface.handle && other.display == surface.display &&
+                       other.config == surface.config;
+            });
+        if (known == nullptr) MakeSurface(t, surface);
+    }
+    // By handle: of a surface that was made anew with another configuration, it is the new one that
+    // goes, since it has taken over the handle.
+    for (std::uint32_t i = 0; i < t.current.surfaces.Count(); ++i) {
+        const SEglSurfaceRecord& surface = t.current.surfaces.At(i);
+        const EGLDisplay live = t.names.GetDisplay(surface.display);
+        if (found[i] || live == EGL_NO_DISPLAY) continue;
+        t.host.eglDestroySurface(live, t.names.GetSurface(live, surface.handle));
+        t.names.RemoveSurface(live, surface.handle);
+    }
+}
+
+void MakeContext(SEglTransition& t, const SEglContextRecord& context) {
+    const EGLDisplay live = t.names.GetDisplay(context.display);
+    if (live == EGL_NO_DISPLAY) return;
+    const EGLint* attributes = HostList(context.attributes);
+    const EGLConfig config = FindEglConfig(t.names, live, context.config, attributes);
+    // The context to share with is handed over as it was recorded.
+    const auto shared = reinterpret_cast<EGLContext>(std::uintptr_t{context.shareContext});
+    const EGLContext made = t.host.eglCreateContext(live, config, shared, attributes);
+    t.host.eglGetError();
+    t.names.SetContext(live, context.handle, made);
+}
+
+void MakeContexts(SEglTransition& t) {
+    FoundFlags found(t.current.contexts.Count());
+    for (std::uint32_t i = 0; i < t.target.contexts.Count(); ++i) {
+        const SEglContextRecord& context = t.target.contexts.At(i);
+        const auto* known =
+            FindAndMark(t.current.contexts, found, [&](const SEglContextRecord& other) {
+                return other.handle == context.handle && other.display == context.display &&
+                       other.config == context.config;
+            });
+        if (known == nullptr) MakeContext(t, context);
+    }
+    for (std::uint32_t i = 0; i < t.current.contexts.Count(); ++i) {
+        const SEglContextRecord& context = t.current.contexts.At(i);
+        const EGLDisplay live = t.names.GetDisplay(context.display);
+        if (found[i] || live == EGL_NO_DISPLAY) continue;
+        const EGLContext gone = t.names.GetContext(live, context.handle);
+        t.host.eglMakeCurrent(live, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
+        t.host.eglDestroyContext(live, gone);
+        t.host.eglGetError();
+        t.names.RemoveContext(live, context.handle);
+    }
+}
+
+/// Another context or surface on the same display is left to the calls of the frame.
+void MakeCurrent(SEglTransition& t) {
+    if (t.target.currentDisplay == 0) return;
+    if (t.target.currentDisplay == t.current.currentDisplay) return;
+    EGLDisplay live = t.names.GetDisplay(t.target.currentDisplay);
+    if (live == EGL_NO_DISPLAY) return;
+    const EGLContext context = t.names.GetContext(live, t.target.currentContext);
+    const EGLSurface draw = t.names.GetSurface(live, t.target.currentDrawSurface);
+    t.host.eglMakeCurrent(live, draw, draw, context);
+    if (context != EGL_NO_CONTEXT) t.names.UseContext(context);
+    t.host.eglGetError();
+    EGLint width = 0;
+    EGLint height = 0;
+    t.host.eglQuerySurface(live, draw, EGL_WIDTH, &width);
+    t.host.eglQuerySurface(live, draw, EGL_HEIGHT, &height);
+    std::int32_t recordedWidth = -1;
+    std::int32_t recordedHeight = -1;
+    t.names.SurfaceGeometry(width, height, recordedWidth, recordedHeight, live);
+}
+
+void EndDisplays(SEglTransition& t, const FoundFlags& found) {
+    for (std::uint32_t i = 0; i < t.current.displays.Count(); ++i) {
+        const std::uint32_t recorded = t.current.displays.At(i).handle;
+        const EGLDisplay live = t.names.GetDisplay(recorded);
+        if (found[i] || live == EGL_NO_DISPLAY) continue;
+        if (reinterpret_cast<std::uintptr_t>(live) == t.target.currentDisplay) {
+            t.target.currentDisplay = 0;
+        }
+        t.host.eglTerminate(live);
+        t.names.RemoveDisplay(recorded);
+        t.ClearErrors();
+    }
+}
+
+}  // namespace
+
+void TransitionEglState(CEglState& target, std::uint32_t /*frame*/, const CEglState& current) {
+    SEglTransition transition{target, current};
+    transition.ClearErrors();
+    const FoundFlags displays = MakeDisplays(transition);
+    transition.ClearErrors();
+    MakeSurfaces(transition);
+    transition.ClearErrors();
+    MakeContexts(transition);
+    transition.ClearErrors();
+    MakeCurrent(transition);
+    EndDisplays(transition, displays);
+    transition.ClearErrors();
+}
+
+}  // namespace kestrail

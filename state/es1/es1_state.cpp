@@ -1,0 +1,48 @@
+#include "state/es1/es1_state.h"
+
+namespace kestrail {
+
+SMatrixStack::SMatrixStack() {
+    constexpr SMatrix kIdentity = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+    levels.fill(kIdentity);
+}
+
+SLights::SLights() {
+    auto& light = values[0];
+    light[0] = {0.0F, 0.0F, 0.0F, 1.0F};
+    light[1] = {1.0F, 1.0F, 1.0F, 1.0F};
+    light[2] = {1.0F, 1.0F, 1.0F, 1.0F};
+    light[3] = {0.0F, 0.0F, 1.0F, 0.0F};
+    light[4] = {0.0F, 0.0F, -1.0F, 0.0F};
+    light[6] = {180.0F, 0.0F, 0.0F, 0.0F};
+    light[7] = {1.0F, 0.0F, 0.0F, 0.0F};
+}
+
+const STextureImage1State* CEs1State::FindImage(std::uint32_t name, std::uint32_t level) const {
+    const auto* levels = textures->Find(name);
+    return levels != nullptr ? (*levels)->Find(level) : nullptr;
+}
+
+STextureImage1State& CEs1State::WriteImage(std::uint32_t name, std::uint32_t level) {
+    return textures.Write().GetOrCreate(name).Write().GetOrCreate(level);
+}
+
+const SClientArraysState& CEs1State::CurrentVertexArray() const {
+    static const SClientArraysState s_none;
+    const auto* arrays = vertexArrays->Find(currentVertexArray);
+    return arrays != nullptr ? **arrays : s_none;
+}
+
+SClientArraysState& CEs1State::WriteCurrentVertexArray() {
+    SClientArraysState& arrays = vertexArrays.Write().GetOrCreate(currentVertexArray).Write();
+    arrays.name = currentVertexArray;
+    return arrays;
+}
+
+std::int32_t CEs1State::UnitOf(std::uint32_t texture) {
+    constexpr std::uint32_t kTexture0 = 33984;
+    const std::uint32_t unit = texture - kTexture0;
+    return unit < kTextureUnits ? static_cast<std::int32_t>(unit) : -1;
+}
+
+}  // namespace kestrail

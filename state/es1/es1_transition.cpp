@@ -1,0 +1,178 @@
+#include "state/es1/es1_transition.h"
+
+#include <algorithm>
+
+#include "exec/egl_names.h"
+#include "exec/extension_resolver.h"
+#include "state/es1/es1_transition_steps.h"
+
+namespace kestrail {
+namespace {
+
+void SetFog(SEs1Transition& t) {
+    t.host.glFogf(GL_FOG_MODE, t.target.fogMode);
+    t.host.glFogf(GL_FOG_DENSITY, t.target.fogDensity);
+    t.host.glFogf(GL_FOG_START, t.target.fogStart);
+    t.host.glFogf(GL_FOG_END, t.target.fogEnd);
+    t.host.glFogfv(GL_FOG_COLOR, t.target.fogColor.data());
+}
+
+void SetLight(SEs1Transition& t) {
+    t.host.glLightModelf(GL_LIGHT_MODEL_TWO_SIDE, t.target.lightModelTwoSide != 0 ? 1.0F : 0.0F);
+    t.host.glLightModelfv(GL_LIGHT_MODEL_AMBIENT, t.target.lightModelAmbient.data());
+    const SLights& lights = *t.target.lights;
+    GLint count = 0;
+    t.host.glGetIntegerv(GL_MAX_LIGHTS, &count);
+    for (std::uint32_t light = 0; light < lights.values.size(); ++light) {
+        if (static_cast<GLint>(light) >= count) break;
+        for (std::size_t i = 0; i < kLightParameters.size(); ++i) {
+            t.host.glLightfv(GL_LIGHT0 + light, kLightParameters[i],
+                             lights.values[light][i].data());
+        }
+    }
+}
+
+void SetClipPlanes(SEs1Transition& t) {
+    GLint count = 0;
+    t.host.glGetIntegerv(GL_MAX_CLIP_PLANES, &count);
+    for (std::uint32_t plane = 0; plane < t.target.clipPlanes.size(); ++plane) {
+        if (static_cast<GLint>(plane) >= count) break;
+        t.host.glClipPlanef(GL_CLIP_PLANE0 + plane, t.target.clipPlanes[plane].data());
+    }
+}
+
+void SetPixelStore(SEs1Transition& t, GLenum name, GLint value) {
+    t.host.glPixelStorei(name, value);
+    CEglNames{}.PixelStore().Set(name, value);
+}
+
+void SetPointsAndPixels(SEs1Transition& t) {
+    const auto& normal = t.target.currentNormal;
+    t.host.glNormal3f(normal[0], normal[1], normal[2]);
+    SetPixelStore(t, GL_PACK_ALIGNMENT, t.target.packAlignment);
+    SetPixelStore(t, GL_UNPACK_ALIGNMENT, t.target.unpackAlignment);
+    for (std::size_t i = 0; i < kPointParameters.size(); ++i) {
+        t.host.glPointParameterfv(kPointParameters[i], t.target.pointParameters[i].data());
+    }
+    t.host.glPointSize(t.target.pointSize);
+    t.host.glPolygonOffset(t.target.polygonOffsetFactor, t.target.polygonOffsetUnits);
+    t.host.glSampleCoverage(t.target.sampleCoverageValue, t.target.sampleCoverageInvert);
+    // Only a box that is empty goes to the host.
+    const auto& box = t.target.scissorBox;
+    if (box[2] == box[3] && box[2] == 0) t.host.glScissor(box[0], box[1], box[2], box[3]);
+}
+
+void SetRasterState(SEs1Transition& t) {
+    const auto& color = t.target.currentColor;
+    t.host.glColor4f(color[0], color[1], color[2], color[3]);
+    const auto& mask = t.target.colorMask;
+    t.host.glColorMask(mask[0], mask[1], mask[2], mask[3]);
+    t.host.glCullFace(t.target.cullFaceMode);
+    t.host.glDepthFunc(t.target.depthFunc);
+    t.host.glDepthMask(t.target.depthMask);
+    t.host.glDepthRangef(t.target.depthRangeNear, t.target.depthRangeFar);
+}
+
+}  // namespace
+
+std::uint32_t SEs1Transition::Units() const {
+    return static_cast<std::uint32_t>(
+        std::clamp(target.textureUnitsUsed, 0, static_cast<std::int32_t>(kTextureUnits)));
+}
+
+void SEs1Transition::BindRecordedBuffers() const {
+    const auto* arrays = target.vertexArrays->Find(target.currentVertexArray);
+    host.glBindBuffer(GL_ARRAY_BUFFER, target.arrayBuffer);
+    host.glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, arrays != nullptr ? (*arrays)->elementBuffer : 0);
+}
+
+void TransitionScalars1(SEs1Transition& t) {
+    const CEs1State& target = t.target;
+    t.host.glBlendFunc(target.blendSrc, target.blendDst);
+    const auto& clear = target.clearColor;
+    t.host.glClearColor(clear[0], clear[1], clear[2], clear[3]);
+    t.host.glClearDepthf(target.clearDepth);
+    t.host.glClearStencil(target.clearStencil);
+    SetClipPlanes(t);
+    SetRasterState(t);
+    SetFog(t);
+    t.host.glFrontFace(target.frontFace);
+    for (std::size_t i = 0; i < kEs1Hints.size(); ++i) {
+        t.host.glHint(kEs1Hints[i], target.hints[i]);
+    }
+    SetLight(t);
+    t.host.glLineWidth(target.lineWidth);
+    t.host.glLogicOp(target.logicOp);
+    for (std::size_t i = 0; i < kMaterialParameters.size(); ++i) {
+        t.host.glMaterialfv(GL_FRONT_AND_BACK, kMaterialParameters[i], target.material[i].data());
+    }
+    t.host.glActiveTexture(target.activeTexture);
+    t.SelectPalette(target.paletteIndex);
+    SetPointsAndPixels(t);
+    t.host.glShadeModel(target.shadeModel);
+    t.host.glStencilFunc(target.stencilFunc, target.stencilRef, target.stencilValueMask);
+    t.host.glStencilMask(target.stencilWriteMask);
+    t.host.glStencilOp(target.stencilFail, target.stencilDepthFail, target.stencilDepthPass);
+    const auto& viewport = target.viewport;
+    if (viewport[2] != 0 || viewport[3] != 0) {
+        t.host.glViewport(viewport[0], viewport[1], viewport[2], viewport[3]);
+        t.names.ViewportDirty() = true;
+    }
+}
+
+void TransitionMatrices1(SEs1Transition& t) {
+    // The last palette stack is left out.
+    constexpr std::int32_t kRestored = kMatrixStacks - 1;
+    constexpr std::int32_t kDeepest = SMatrixStack::kLevels - 1;
+    for (std::int32_t i = 0; i < kRestored; ++i) {
+        const auto place = static_cast<std::size_t>(i);
+        if (i == kStackModelView) {
+            t.host.glMatrixMode(GL_MODELVIEW);
+        } else if (i == kStackProjection) {
+            t.host.glMatrixMode(GL_PROJECTION);
+        } else if (i < kStackPalette && i - kStackTexture < t.target.textureUnitsUsed) {
+            t.host.glMatrixMode(GL_TEXTURE);
+            t.host.glActiveTexture(GL_TEXTURE0 + static_cast<std::uint32_t>(i - kStackTexture));
+        } else if (i >= kStackPalette && i - kStackPalette < t.target.paletteMatricesUsed) {
+            t.host.glMatrixMode(GL_MATRIX_PALETTE_OES);
+            t.SelectPalette(i - kStackPalette);
+        }
+        // What selects nothing goes through the stack that was selected before it.
+        const std::int32_t pushed = t.current != nullptr ? t.current->stackDepth[place] : 0;
+        for (std::int32_t level = 0; level < std::min(pushed, kDeepest); ++level) {
+            t.host.glPopMatrix();
+        }
+        const SMatrixStack& stack = *t.target.matrixStacks[place];
+        const std::int32_t top = std::clamp(t.target.stackDepth[place], 0, kDeepest);
+        for (std::int32_t level = 0; level <= top; ++level) {
+            t.host.glLoadMatrixf(stack.levels[static_cast<std::size_t>(level)].data());
+            if (level < top) t.host.glPushMatrix();
+        }
+    }
+    t.host.glMatrixMode(t.target.matrixMode);
+    t.SelectPalette(t.target.paletteIndex);
+    t.host.glActiveTexture(t.target.activeTexture);
+}
+
+void TransitionEs1State(CEs1State& target, const CEs1State* current) {
+    SEs1Transition t{target, current, *GetEs1Host()};
+    t.names.Buffers().Set(0, 0);
+    t.names.Renderbuffers().Set(0, 0);
+    t.names.Framebuffers().Set(0, 0);
+    EnsureExtensionResolver(t.names);
+
+    TransitionTextures1(t);
+    TransitionUnits1(t);
+    for (std::size_t i = 0; i < kEs1Capabilities.size(); ++i) {
+        t.Enable(kEs1Capabilities[i], target.capabilities[i] != 0);
+    }
+    t.host.glAlphaFunc(target.alphaFunc, target.alphaRef);
+    TransitionBuffers1(t);
+    t.BindRecordedBuffers();
+    TransitionScalars1(t);
+    TransitionMatrices1(t);
+    TransitionClientArrays1(t);
+    TransitionFramebuffers1(t);
+}
+
+}  // namespace kestrail

@@ -1,0 +1,43 @@
+// The parts of an ES1 transition, in their order.
+#pragma once
+
+#include "exec/es1_names.h"
+#include "host/es1_host.h"
+#include "state/es1/es1_state.h"
+
+namespace kestrail {
+
+/// The two records and what the parts of a transition work with.
+struct SEs1Transition {
+    CEs1State& target;
+    const CEs1State* current;
+    SEs1Host& host;
+    CEs1Names names{};
+
+    /// Units that the application used, as far as the record holds them.
+    std::uint32_t Units() const;
+    void Enable(std::uint32_t capability, bool on) const {
+        if (on) {
+            host.glEnable(capability);
+        } else {
+            host.glDisable(capability);
+        }
+    }
+    /// Binds the two recorded buffer names, untranslated.
+    void BindRecordedBuffers() const;
+    void SelectPalette(std::int32_t index) const {
+        if (host.glCurrentPaletteMatrixOES == nullptr) return;
+        host.glCurrentPaletteMatrixOES(static_cast<std::uint32_t>(index));
+    }
+};
+
+void TransitionTextures1(SEs1Transition& t);
+void TransitionUnits1(SEs1Transition& t);
+void TransitionBuffers1(SEs1Transition& t);
+/// Blending to the viewport.
+void TransitionScalars1(SEs1Transition& t);
+void TransitionMatrices1(SEs1Transition& t);
+void TransitionClientArrays1(SEs1Transition& t);
+void TransitionFramebuffers1(SEs1Transition& t);
+
+}  // namespace kestrail

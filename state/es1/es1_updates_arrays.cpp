@@ -1,0 +1,145 @@
+// What the calls of client arrays and buffers of OpenGL ES 1.1 do to the record. The current vertex
+// array's record is copied only when a call changes it: most draws set what is there already.
+#include <algorithm>
+
+#include "generated/calls/es1_calls.h"
+#include "state/es1/es1_numbers.h"
+#include "state/es1/es1_state.h"
+#include "state/sub_image.h"
+
+namespace kestrail {
+namespace {
+
+constexpr std::uint32_t kArrayBuffer = 34962;
+constexpr std::uint32_t kElementArrayBuffer = 34963;
+
+/// Sets one value of the current vertex array. `field` picks its place.
+template <typename Field, typename Value>
+bool SetArrayValue(CEs1State& state, Field field, const Value& value) {
+    if (!(field(state.CurrentVertexArray()) == value)) {
+        field(state.WriteCurrentVertexArray()) = value;
+    }
+    return true;
+}
+
+/// The array that a pointer call describes. The calls of normals and point sizes have no size.
+template <typename Call>
+SClientArrayState Described(const CEs1State& state, const Call& call) {
+    SClientArrayState array;
+    array.buffer = state.arrayBuffer;
+    if constexpr (requires { call.size; }) array.size = call.size.GetValue();
+    array.type = call.type.GetValue();
+    array.stride = call.stride.GetValue();
+    array.pointer = call.pointer.GetValue();
+    return array;
+}
+
+bool SetClientState(CEs1State& state, std::uint32_t array, std::uint8_t enabled) {
+    constexpr std::uint32_t kTextureCoordArray = 32888;
+    if (array == kTextureCoordArray) {
+        const std::int32_t unit = CEs1State::UnitOf(state.clientActiveTexture);
+        if (unit < 0) return false;
+        const auto place = static_cast<std::size_t>(unit);
+        return SetArrayValue(
+            state, [place](auto& arrays) -> auto& { return arrays.texCoordEnabled[place]; },
+            enabled);
+    }
+    const int found = PlaceIn(kClientStates, array);
+    if (found < 0) return true;
+    const auto place = static_cast<std::size_t>(found);
+    return SetArrayValue(
+        state, [place](auto& arrays) -> auto& { return arrays.enabled[place]; }, enabled);
+}
+
+/// The buffer bound to a target; null for a target that has none.
+const std::uint32_t* BoundBuffer(const CEs1State& state, std::uint32_t target) {
+    if (target == kArrayBuffer) return &state.arrayBuffer;
+    if (target == kElementArrayBuffer) return &state.CurrentVertexArray().elementBuffer;
+    return nullptr;
+}
+
+}  // namespace
+
+bool CEs1_glEnableClientState_v1::UpdateState(CEs1State& state) {
+    return SetClientState(state, array.GetValue(), 1);
+}
+
+bool CEs1_glDisableClientState_v1::UpdateState(CEs1State& state) {
+    return SetClientState(state, array.GetValue(), 0);
+}
+
+bool CEs1_glColorPointer_v1::UpdateState(CEs1State& state) {
+    return SetArrayValue(
+        state, [](auto& arrays) -> auto& { return arrays.color; }, Described(state, *this));
+}
+
+bool CEs1_glNormalPointer_v1::UpdateState(CEs1State& state) {
+    return SetArrayValue(
+        state, [](auto& arrays) -> auto& { return arrays.normal; }, Described(state, *this));
+}
+
+bool CEs1_glVertexPointer_v1::UpdateState(CEs1State& state) {
+    return SetArrayValue(
+        state, [](auto& arrays) -> auto& { return arrays.vertex; }, Described(state, *this));
+}
+
+bool CEs1_glPointSizePointerOES_v1::UpdateState(CEs1State& state) {
+    return SetArrayValue(
+        state, [](auto& arrays) -> auto& { return arrays.pointSize; }, Described(state, *this));
+}
+
+bool CEs1_glTexCoordPointer_v1::UpdateState(CEs1State& state) {
+    const std::int32_t unit = CEs1State::UnitOf(state.clientActiveTexture);
+    if (unit < 0) return false;
+    const auto place = static_cast<std::size_t>(unit);
+    return SetArrayValue(
+        state, [place](auto& arrays) -> auto& { return arrays.texCoords[place]; },
+        Described(state, *this));
+}
+
+bool CEs1_glBindBuffer_v1::UpdateState(CEs1State& state) {
+    if (target.GetValue() == kArrayBuffer) {
+        state.arrayBuffer = buffer.GetValue();
+        return true;
+    }
+    if (target.GetValue() != kElementArrayBuffer) return false;
+    return SetArrayValue(
+        state, [](auto& arrays) -> auto& { return arrays.elementBuffer; }, buffer.GetValue());
+}
+
+bool CEs1_glBufferData_v1::UpdateState(CEs1State& state) {
+    const std::uint32_t* bound = BoundBuffer(state, target.GetValue());
+    if (bound == nullptr || *bound == 0 || size.GetValue() < 0) return false;
+    const auto bytes = static_cast<std::uint32_t>(size.GetValue());
+    SBufferState& contents = state.buffers.Write().GetOrCreate(*bound);
+    contents = SBufferState{};
+    contents.name = *bound;
+    contents.target = target.GetValue();
+    contents.size = bytes;
+    contents.usage = usage.GetValue();
+    // Contents are whole or absent: nobody reads more than was captured.
+    if (data.GetSize() >= bytes) contents.data = CSharedBytes::Borrow(data.GetData(), bytes);
+    return true;
+}
+
+bool CEs1_glBufferSubData_v1::UpdateState(CEs1State& state) {
+    const std::uint32_t* bound = BoundBuffer(state, target.GetValue());
+    if (bound == nullptr || data.GetData() == nullptr || size.GetValue() < 0) return false;
+    const std::uint32_t name = *bound;
+    if (state.buffers->Find(name) == nullptr) return false;
+    const auto length = static_cast<std::uint32_t>(size.GetValue());
+    if (length > data.GetSize()) return false;
+    SBufferState& contents = state.buffers.Write().GetOrCreate(name);
+    return ApplySubData(contents.data, contents.size, offset.GetValue(), data.GetData(), length);
+}
+
+bool CEs1_glDeleteBuffers_v1::UpdateState(CEs1State& state) {
+    const std::int64_t count = std::min<std::int64_t>(n.GetValue(), buffers.ItemCount());
+    for (std::int64_t i = 0; i < count; ++i) {
+        const std::uint32_t name = buffers.GetItem(static_cast<std::uint32_t>(i));
+        if (state.buffers->Find(name) != nullptr) state.buffers.Write().Erase(name);
+    }
+    return true;
+}
+
+}  // namespace kestrail

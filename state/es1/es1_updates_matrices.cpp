@@ -1,0 +1,177 @@
+// What the matrix calls of OpenGL ES 1.1 do to the record's stacks.
+#include <algorithm>
+#include <cstring>
+
+#include "generated/calls/es1_calls.h"
+#include "state/es1/es1_matrices.h"
+#include "state/es1/es1_numbers.h"
+
+namespace kestrail {
+namespace {
+
+constexpr std::int32_t kNoStack = -1;
+
+/// The stack of the current mode; none for the palette unless the call is one of those that take
+/// it.
+std::int32_t CurrentStack(const CEs1State& state, bool withPalette) {
+    constexpr std::uint32_t kModelView = 5888;
+    constexpr std::uint32_t kProjection = 5889;
+    constexpr std::uint32_t kTexture = 5890;
+    constexpr std::uint32_t kMatrixPalette = 34880;
+    constexpr std::int32_t kPaletteStacks = kMatrixStacks - kStackPalette;
+    switch (state.matrixMode) {
+        case kModelView:
+            return kStackModelView;
+        case kProjection:
+            return kStackProjection;
+        case kTexture: {
+            const std::int32_t unit = state.ActiveUnit();
+            return unit < 0 ? kNoStack : kStackTexture + unit;
+        }
+        case kMatrixPalette: {
+            const std::int32_t index = state.paletteIndex;
+            const bool held = withPalette && index >= 0 && index < kPaletteStacks;
+            return held ? kStackPalette + index : kNoStack;
+        }
+        default:
+            return kNoStack;
+    }
+}
+
+std::size_t TopOf(const CEs1State& state, std::size_t stack) {
+    return static_cast<std::size_t>(state.stackDepth[stack]);
+}
+
+/// Most frames load what is there already: a stack is copied only for a level that changes.
+void SetLevel(CEs1State& state, std::size_t stack, std::size_t level, const SMatrix& matrix) {
+    auto& levels = state.matrixStacks[stack];
+    if (std::memcmp(&levels->levels[level], &matrix, sizeof matrix) == 0) return;
+    levels.Write().levels[level] = matrix;
+}
+
+bool Load(CEs1State& state, const SMatrix& matrix, bool withPalette) {
+    const std::int32_t current = CurrentStack(state, withPalette);
+    if (current == kNoStack) return false;
+    const auto stack = static_cast<std::size_t>(current);
+    SetLevel(state, stack, TopOf(state, stack), matrix);
+    return true;
+}
+
+bool Multiply(CEs1State& state, const SMatrix& factor) {
+    const std::int32_t current = CurrentStack(state, false);
+    if (current == kNoStack) return false;
+    const auto stack = static_cast<std::size_t>(current);
+    const std::size_t top = TopOf(state, stack);
+    SetLevel(state, stack, top, Product(state.matrixStacks[stack]->levels[top], factor));
+    return true;
+}
+
+SMatrix MatrixFrom(const float* elements) {
+    SMatrix matrix;
+    std::copy_n(elements, matrix.size(), matrix.begin());
+    return matrix;
+}
+
+}  // namespace
+
+bool CEs1_glMatrixMode_v1::UpdateState(CEs1State& state) {
+    state.matrixMode = mode.GetValue();
+    return true;
+}
+
+bool CEs1_glPushMatrix_v1::UpdateState(CEs1State& state) {
+    const std::int32_t current = CurrentStack(state, true);
+    if (current == kNoStack) return false;
+    const auto stack = static_cast<std::size_t>(current);
+    const std::size_t top = TopOf(state, stack);
+    if (top + 1 >= static_cast<std::size_t>(SMatrixStack::kLevels)) return true;
+    const SMatrix matrix = state.matrixStacks[stack]->levels[top];
+    SetLevel(state, stack, top + 1, matrix);
+    ++state.stackDepth[stack];
+    return true;
+}
+
+bool CEs1_glPopMatrix_v1::UpdateState(CEs1State& state) {
+    const std::int32_t current = CurrentStack(state, false);
+    if (current == kNoStack) return false;
+    std::int32_t& depth = state.stackDepth[static_cast<std::size_t>(current)];
+    if (depth > 0) --depth;
+    return true;
+}
+
+bool CEs1_glLoadIdentity_v1::UpdateState(CEs1State& state) {
+    constexpr SMatrix kIdentity = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+    return Load(state, kIdentity, false);
+}
+
+bool CEs1_glLoadMatrixf_v6::UpdateState(CEs1State& state) {
+    const float* elements = m.GetRawArray();
+    return elements != nullptr && Load(state, MatrixFrom(elements), true);
+}
+
+bool CEs1_glLoadMatrixx_v6::UpdateState(CEs1State& state) {
+    const std::int32_t* elements = m.GetRawArray();
+    return elements != nullptr && Load(state, MatrixFromFixed(elements), true);
+}
+
+bool CEs1_glMultMatrixf_v1::UpdateState(CEs1State& state) {
+    const float* elements = m.GetRawArray();
+    return elements != nullptr && Multiply(state, MatrixFrom(elements));
+}
+
+bool CEs1_glMultMatrixx_v1::UpdateState(CEs1State& state) {
+    const std::int32_t* elements = m.GetRawArray();
+    return elements != nullptr && Multiply(state, MatrixFromFixed(elements));
+}
+
+bool CEs1_glTranslatef_v1::UpdateState(CEs1State& state) {
+    return Multiply(state, TranslateMatrix(x.GetValue(), y.GetValue(), z.GetValue()));
+}
+
+bool CEs1_glTranslatex_v1::UpdateState(CEs1State& state) {
+    return Multiply(state, TranslateMatrix(FixedValue(x.GetValue()), FixedValue(y.GetValue()),
+                                           FixedValue(z.GetValue())));
+}
+
+bool CEs1_glScalef_v1::UpdateState(CEs1State& state) {
+    return Multiply(state, ScaleMatrix(x.GetValue(), y.GetValue(), z.GetValue()));
+}
+
+bool CEs1_glScalex_v1::UpdateState(CEs1State& state) {
+    return Multiply(state, ScaleMatrix(FixedValue(x.GetValue()), FixedValue(y.GetValue()),
+                                       FixedValue(z.GetValue())));
+}
+
+bool CEs1_glRotatef_v1::UpdateState(CEs1State& state) {
+    return Multiply(state,
+                    RotateMatrix(angle.GetValue(), x.GetValue(), y.GetValue(), z.GetValue()));
+}
+
+bool CEs1_glRotatex_v1::UpdateState(CEs1State& state) {
+    return Multiply(state,
+                    RotateMatrixFixed(angle.GetValue(), x.GetValue(), y.GetValue(), z.GetValue()));
+}
+
+bool CEs1_glFrustumf_v1::UpdateState(CEs1State& state) {
+    return Multiply(state, FrustumMatrix(l.GetValue(), r.GetValue(), b.GetValue(), t.GetValue(),
+                                         n.GetValue(), f.GetValue()));
+}
+
+bool CEs1_glFrustumx_v1::UpdateState(CEs1State& state) {
+    const auto matrix = FrustumMatrixFixed(l.GetValue(), r.GetValue(), b.GetValue(), t.GetValue(),
+                                           n.GetValue(), f.GetValue());
+    return matrix && Multiply(state, *matrix);
+}
+
+bool CEs1_glOrthof_v1::UpdateState(CEs1State& state) {
+    return Multiply(state, OrthoMatrix(l.GetValue(), r.GetValue(), b.GetValue(), t.GetValue(),
+                                       n.GetValue(), f.GetValue()));
+}
+
+bool CEs1_glOrthox_v1::UpdateState(CEs1State& state) {
+    const auto matrix = OrthoMatrixFixed(l.GetValue(), r.GetValue(), b.GetValue(), t.GetValue(),
+                                         n.GetValue(), f.GetValue());
+    return matrix && Multiply(state, *matrix);
+}
+
+}  // namespace kestrail

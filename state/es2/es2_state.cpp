@@ -1,0 +1,49 @@
+#include "state/es2/es2_state.h"
+
+namespace kestrail {
+
+int TextureParameterIndex(std::uint32_t pname) {
+    for (std::size_t i = 0; i < kTextureParameters.size(); ++i) {
+        if (kTextureParameters[i].pname == pname) return static_cast<int>(i);
+    }
+    return -1;
+}
+
+std::array<std::int32_t, 15> DefaultTextureParameters() {
+    std::array<std::int32_t, 15> values{};
+    for (std::size_t i = 0; i < values.size(); ++i) values[i] = kTextureParameters[i].initial;
+    return values;
+}
+
+CEs2State::CEs2State() {
+    constexpr std::size_t kDither = 3;
+    capabilities[kDither] = 1;
+    programs.Write().GetOrCreate(0);
+}
+
+const STextureImageState* CEs2State::FindImage(std::uint32_t name, std::uint32_t face,
+                                               std::uint32_t level) const {
+    const auto* faces = textures->Find(name);
+    if (faces == nullptr) return nullptr;
+    const auto* levels = (*faces)->Find(face);
+    return levels != nullptr ? levels->Find(level) : nullptr;
+}
+
+STextureImageState& CEs2State::WriteImage(std::uint32_t name, std::uint32_t face,
+                                          std::uint32_t level) {
+    return textures.Write().GetOrCreate(name).Write().GetOrCreate(face).GetOrCreate(level);
+}
+
+const SVertexArrayState& CEs2State::CurrentVertexArray() const {
+    static const SVertexArrayState s_none;
+    const TShared<SVertexArrayState>* array = vertexArrays->Find(currentVertexArray);
+    return array != nullptr ? **array : s_none;
+}
+
+SVertexArrayState& CEs2State::WriteCurrentVertexArray() {
+    SVertexArrayState& array = vertexArrays.Write().GetOrCreate(currentVertexArray).Write();
+    array.name = currentVertexArray;
+    return array;
+}
+
+}  // namespace kestrail

@@ -1,0 +1,259 @@
+// One ES2 or ES3 context at one point of a trace: every value that a seek brings back, the objects
+// that exist, and enough of their contents to make them again. All names are recorded ones. A copy
+// is deep in meaning; in memory, tables and contents stay shared until one side changes.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+#include "base/kstl_string.h"
+#include "base/name_table.h"
+#include "base/shared.h"
+
+namespace kestrail {
+
+template <typename Value>
+using TStateTable = TNameTable<std::uint32_t, Value>;
+
+inline constexpr std::uint32_t kTextureUnits = 32;
+
+struct SBufferState {
+    std::uint32_t name = 0;
+    std::uint32_t target = 0;
+    CSharedBytes data;
+    std::uint32_t size = 0;
+    std::uint32_t usage = 0;
+    std::uint8_t mapped = 0;
+};
+
+struct SAttachmentState {
+    std::uint32_t name = 0;
+    std::int32_t level = 0;
+    std::uint32_t cubeFace = 0;  ///< target of a cube map's face, 0 for GL_TEXTURE_2D
+    std::uint32_t kind = 0;      ///< GL_TEXTURE, GL_RENDERBUFFER, or 0 when empty
+};
+
+struct SFramebufferState {
+    std::uint32_t name = 0;
+    std::uint8_t everBound = 0;
+    std::uint32_t samples = 0;  ///< of the texture attachment, 0 when it is not multisampled
+    SAttachmentState depth;
+    SAttachmentState stencil;
+    SAttachmentState depthStencil;
+    std::vector<SAttachmentState> colors;  ///< by attachment number, as far as any was set
+    std::vector<std::uint32_t> drawBuffers;
+};
+
+struct SRenderbufferState {
+    std::uint32_t name = 0;
+    std::uint8_t everBound = 0;
+    std::int32_t width = 0;
+    std::int32_t height = 0;
+    std::uint32_t internalFormat = 0;
+    std::int32_t samples = 0;
+};
+
+struct SProgramState {
+    std::uint32_t name = 0;
+    std::uint32_t vertexShader = 0;
+    std::uint32_t fragmentShader = 0;
+    std::uint8_t linked = 0;
+    std::uint8_t deletePending = 0;
+};
+
+struct SShaderState {
+    std::uint32_t name = 0;
+    std::uint32_t type = 0;
+    TShared<CKSTLString> source;
+    /// Two shaders with an equal one have their source from the same call.
+    std::uintptr_t sourceId = 0;
+    std::uint32_t sourceLength = 0;
+    std::uint8_t compiled = 0;
+    std::uint8_t deletePending = 0;
+    std::int32_t attachCount = 0;
+};
+
+struct SUniformState {
+    static constexpr std::uint32_t kNeverSet = 9999;
+    static constexpr std::uint32_t kInteger = 0;
+    static constexpr std::uint32_t kFloat = 1;
+    static constexpr std::uint32_t kMatrix = 2;
+
+    std::int32_t location = 0;
+    std::int32_t liveLocation = 0;
+    TShared<CKSTLString> name;
+    std::int32_t components = 0;
+    std::uint32_t kind = kNeverSet;
+    std::vector<float> floats;
+    std::vector<std::int32_t> ints;
+};
+
+struct SAttributeState {
+    TShared<CKSTLString> name;
+    std::uint32_t index = 0;
+    std::uint8_t bound = 0;
+    std::int32_t components = 0;
+    std::vector<float> values;
+};
+
+struct SAttribPointerState {
+    std::uint8_t enabled = 0;
+    std::uint8_t normalized = 0;
+    std::int32_t size = 0;
+    std::uint32_t type = 0;
+    std::int32_t stride = 0;
+    std::uint32_t pointer = 0;
+    std::uint32_t buffer = 0;
+
+    bool operator==(const SAttribPointerState&) const = default;
+};
+
+struct SVertexArrayState {
+    /// No context has more vertex attributes; an index beyond is left out of the record.
+    static constexpr std::uint32_t kMaxAttributes = 256;
+
+    std::uint32_t name = 0;
+    std::uint32_t arrayBuffer = 0;
+    std::uint32_t elementBuffer = 0;
+    std::vector<SAttribPointerState> attributes;  ///< by index, as far as any was set
+};
+
+/// A parameter of textures: the enumerant and what it is before it is set.
+struct STextureParameter {
+    std::uint32_t pname;
+    std::int32_t initial;
+};
+inline constexpr std::array<STextureParameter, 15> kTextureParameters = {{
+    {10241, 9986},   // GL_TEXTURE_MIN_FILTER
+    {10240, 9729},   // GL_TEXTURE_MAG_FILTER
+    {10242, 10497},  // GL_TEXTURE_WRAP_S
+    {10243, 10497},  // GL_TEXTURE_WRAP_T
+    {33084, 0},      // GL_TEXTURE_BASE_LEVEL
+    {34893, 519},    // GL_TEXTURE_COMPARE_FUNC
+    {34892, 0},      // GL_TEXTURE_COMPARE_MODE
+    {33082, -1000},  // GL_TEXTURE_MIN_LOD
+    {33083, 1000},   // GL_TEXTURE_MAX_LOD
+    {33085, 1000},   // GL_TEXTURE_MAX_LEVEL
+    {36418, 6403},   // GL_TEXTURE_SWIZZLE_R
+    {36419, 6404},   // GL_TEXTURE_SWIZZLE_G
+    {36420, 6405},   // GL_TEXTURE_SWIZZLE_B
+    {36421, 6406},   // GL_TEXTURE_SWIZZLE_A
+    {32882, 10497},  // GL_TEXTURE_WRAP_R
+}};
+/// The place of a parameter in the table; -1 for one that it does not hold.
+int TextureParameterIndex(std::uint32_t pname);
+std::array<std::int32_t, 15> DefaultTextureParameters();
+
+struct STextureImageState {
+    std::uint32_t target = 0;
+    std::uint32_t bindTarget = 0;  ///< GL_TEXTURE_CUBE_MAP for a face, else as `target`
+    std::uint32_t name = 0;
+    std::int32_t level = 0;
+    std::int32_t depth = 0;
+    CSharedBytes data;
+    std::uint32_t format = 0;
+    std::int32_t internalFormat = 0;
+    std::int32_t width = 0;
+    std::int32_t height = 0;
+    std::uint32_t type = 0;
+    std::int32_t unpackAlignment = 0;
+    std::int32_t border = 0;
+    std::array<std::int32_t, 15> parameters = DefaultTextureParameters();
+    std::uint32_t imageSize = 0;
+    std::uint8_t compressed = 0;
+};
+
+/// Images of a texture by face (0 but for cube maps), then level.
+using STextureFaces = TStateTable<TStateTable<STextureImageState>>;
+
+/// The capabilities of glEnable, in the order of `capabilities`.
+inline constexpr std::array<std::uint32_t, 9> kEs2Capabilities = {3042,  2884,  2929, 3024, 32823,
+                                                                  32926, 32928, 3089, 2960};
+
+class CEs2State {
+public:
+    /// With the values of a new context, and program 0.
+    CEs2State();
+
+    std::uint16_t apiVersion = 2;  ///< 3 once an ES3 context is in use
+    std::int32_t textureUnitsUsed = 1;
+    std::uint32_t activeTexture = 33984;
+    std::array<std::uint32_t, kTextureUnits> binding2D{};
+    std::array<std::uint32_t, kTextureUnits> bindingCube{};
+    std::array<std::uint32_t, kTextureUnits> bindingOther{};
+    std::array<std::uint32_t, kTextureUnits> binding3D{};
+    std::array<std::uint32_t, kTextureUnits> binding2DArray{};
+    std::uint32_t blendEquationAlpha = 32774;
+    std::uint32_t blendEquationRgb = 32774;
+    std::array<float, 4> blendColor{};
+    std::uint32_t blendSrcRgb = 1;
+    std::uint32_t blendDstRgb = 0;
+    std::uint32_t blendSrcAlpha = 1;
+    std::uint32_t blendDstAlpha = 0;
+    TShared<TStateTable<SBufferState>> buffers;
+    std::array<float, 4> clearColor{};
+    float clearDepth = 1.0F;
+    std::int32_t clearStencil = 0;
+    std::array<std::uint8_t, 4> colorMask = {1, 1, 1, 1};
+    std::uint32_t cullFaceMode = 1029;
+    std::uint32_t depthFunc = 513;
+    std::uint8_t depthMask = 1;
+    float depthRangeNear = 0.0F;
+    float depthRangeFar = 1.0F;
+    std::array<std::uint8_t, kEs2Capabilities.size()> capabilities{};
+    TShared<TStateTable<SFramebufferState>> framebuffers;
+    std::uint32_t boundFramebuffer = 0;
+    std::uint32_t frontFace = 2305;
+    std::uint32_t generateMipmapHint = 4352;
+    std::int32_t packAlignment = 4;
+    std::int32_t unpackAlignment = 4;
+    float polygonOffsetFactor = 0.0F;
+    float polygonOffsetUnits = 0.0F;
+    TShared<TStateTable<SProgramState>> programs;
+    /// A copy of the program in use, which outlives its entry.
+    SProgramState currentProgram;
+    std::uint8_t currentProgramDeletePending = 0;
+    std::uint8_t shaderCompilerReleased = 1;
+    TShared<TStateTable<SRenderbufferState>> renderbuffers;
+    std::uint32_t boundRenderbuffer = 0;
+    float sampleCoverageValue = 1.0F;
+    std::uint8_t sampleCoverageInvert = 0;
+    std::array<std::int32_t, 4> scissorBox{};
+    TShared<TStateTable<SShaderState>> shaders;
+    std::uint32_t stencilFuncFront = 519;
+    std::uint32_t stencilFuncBack = 519;
+    std::int32_t stencilRefFront = 0;
+    std::int32_t stencilRefBack = 0;
+    std::uint32_t stencilValueMaskFront = 0xFFFFFFFFu;
+    std::uint32_t stencilValueMaskBack = 0xFFFFFFFFu;
+    std::uint32_t stencilWriteMaskFront = 0xFFFFFFFFu;
+    std::uint32_t stencilWriteMaskBack = 0xFFFFFFFFu;
+    std::uint32_t stencilFailFront = 7680;
+    std::uint32_t stencilFailBack = 7680;
+    std::uint32_t stencilDepthFailFront = 7680;
+    std::uint32_t stencilDepthFailBack = 7680;
+    std::uint32_t stencilDepthPassFront = 7680;
+    std::uint32_t stencilDepthPassBack = 7680;
+    TShared<TStateTable<TShared<STextureFaces>>> textures;
+    /// By program, then recorded location.
+    TShared<TStateTable<TShared<TStateTable<TShared<SUniformState>>>>> uniforms;
+    /// Constant attribute values, by program, then index.
+    TShared<TStateTable<TShared<TStateTable<SAttributeState>>>> attributeValues;
+    /// What glBindAttribLocation set, by the same keys.
+    TShared<TStateTable<TShared<TStateTable<SAttributeState>>>> attributeBindings;
+    std::array<std::int32_t, 4> viewport{};
+    std::uint32_t currentVertexArray = 0;
+    TShared<TStateTable<TShared<SVertexArrayState>>> vertexArrays;
+
+    /// The image at (name, face, level); null when there is none.
+    const STextureImageState* FindImage(std::uint32_t name, std::uint32_t face,
+                                        std::uint32_t level) const;
+    /// The image to change; a default one is made where there is none.
+    STextureImageState& WriteImage(std::uint32_t name, std::uint32_t face, std::uint32_t level);
+    /// The vertex array in use; an empty one when no call has written it yet.
+    const SVertexArrayState& CurrentVertexArray() const;
+    SVertexArrayState& WriteCurrentVertexArray();
+};
+
+}  // namespace kestrail

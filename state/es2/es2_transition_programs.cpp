@@ -1,0 +1,380 @@
+// Shaders, then the programs that link them.
+#include <GLES2/gl2.h>
+
+#include <array>
+#include <utility>
+
+#include "base/output.h"
+#include "exec/es2_names.h"
+#include "host/es2_host.h"
+#include "state/es2/es2_transition.h"
+#include "state/es2/es2_transition_steps.h"
+#include "state/table_sweep.h"
+
+namespace kestrail {
+namespace {
+
+void Compile(SEs2Host& host, GLuint live, const SShaderState& shader) {
+    const GLchar* source = shader.source->c_str();
+    host.glShaderSource(live, 1, &source, nullptr);
+    host.glCompileShader(live);
+}
+
+GLuint CreateShader(SEs2Host& host, CEs2Names& names, std::uint32_t name,
+                    const SShaderState& shader) {
+    const GLuint live = host.glCreateShader(shader.type);
+    names.SetShader(name, live, shader.type);
+    names.GetShaderRecord(name)->deletePending = shader.deletePending != 0;
+    return live;
+}
+
+void RecompileIfLost(SEs2Host& host, GLuint live, const SShaderState& shader) {
+    // A host that does not answer has nothing to say against the shader.
+    GLint status = GL_TRUE;
+    host.glGetShaderiv(live, GL_COMPILE_STATUS, &status);
+    if (shader.compiled != 0 && status == GL_FALSE) Compile(host, live, shader);
+}
+
+/// One shader of the target, whose record of before is `old`, if there is one.
+void TransitionShader(SEs2Host& host, CEs2Names& names, std::uint32_t name,
+                      const SShaderState& shader, const SShaderState* old) {
+    const bool sameSource = old != nullptr && old->sourceId == shader.sourceId;
+    if (sameSource && old->deletePending != 0 && shader.deletePending == 0) {
+        const GLuint live = CreateShader(host, names, name, *old);
+        names.GetShaderRecord(name)->deletePending = false;
+        if (!old->source->empty()) Compile(host, live, *old);
+        return;
+    }
+    // A shader that the player has lost is as good as new.
+    const SShaderRecord* record = old != nullptr ? names.GetShaderRecord(name) : nullptr;
+    if (record != nullptr && sameSource) {
+        if (shader.deletePending == 0) RecompileIfLost(host, record->liveName, shader);
+        return;
+    }
+    const GLuint live =
+        record != nullptr ? record->liveName : CreateShader(host, names, name, shader);
+    if (!shader.source->empty()) Compile(host, live, shader);
+}
+
+/// The shaders that the host has attached to a program, each with the place of the program's record
+/// that it belongs to.
+struct SAttachedShaders {
+    std::array<GLuint, 2> live{};
+    std::array<std::uint32_t, 2> recorded{};
+    GLsizei count = 0;
+};
+
+SAttachedShaders ReadAttached(SEs2Host& host, GLuint live, const SProgramState& program) {
+    SAttachedShaders attached;
+    host.glGetAttachedShaders(live, 2, &attached.count, attached.live.data());
+    if (attached.count < 0 || attached.count > 2) attached.count = 0;
+    if (attached.count == 0) return attached;
+    GLint type = 0;
+    host.glGetShaderiv(attached.live[0], GL_SHADER_TYPE, &type);
+    attached.recorded = {program.vertexShader, program.fragmentShader};
+    if (static_cast<GLenum>(type) == GL_FRAGMENT_SHADER) {
+        std::swap(attached.recorded[0], attached.recorded[1]);
+    }
+    return attached;
+}
+
+bool ShowsAttached(const SShaderState* shader) {
+    return shader != nullptr && shader->attachCount > 0;
+}
+
+void BindAttributes(SEs2Host& host, GLuint live, const TStateTable<SAttributeState>* attributes) {
+    if (attributes == nullptr) return;
+    for (std::int32_t i = 0; i < attributes->Count(); ++i) {
+        const SAttributeState& attribute = ValueAt(*attributes, i);
+        if (attribute.bound == 0) continue;
+        host.glBindAttribLocation(live, attributes->KeyAt(i), attribute.name->c_str());
+    }
+}
+
+void SetIntegers(SEs2Host& host, GLint at, const SUniformState& uniform) {
+    const GLint* v = uniform.ints.data();
+    const auto size = static_cast<GLsizei>(uniform.ints.size());
+    if (uniform.components < 1 || uniform.components > 4 || size < uniform.components) return;
+    const GLsizei count = size / uniform.components;
+    const bool array = count > 1;
+    switch (uniform.components) {
+        case 1:
+            return array ? host.glUniform1iv(at, count, v) : host.glUniform1i(at, v[0]);
+        case 2:
+            return array ? host.glUniform2iv(at, count, v) : host.glUniform2i(at, v[0], v[1]);
+        case 3:
+            return array ? host.glUniform3iv(at, count, v) : host.glUniform3i(at, v[0], v[1], v[2]);
+        default:
+            return array ? host.glUniform4iv(at, count, v)
+                         : host.glUniform4i(at, v[0], v[1], v[2], v[3]);
+    }
+}
+
+void SetFloats(SEs2Host& host, GLint at, const SUniformState& uniform) {
+    const GLfloat* v = uniform.floats.data();
+    const auto size = static_cast<GLsizei>(uniform.floats.size());
+    if (uniform.components < 1 || uniform.components > 4 || size < uniform.components) return;
+    const GLsizei count = size / uniform.components;
+    const bool array = count > 1;
+    switch (uniform.components) {
+        case 1:
+            return array ? host.glUniform1fv(at, count, v) : host.glUniform1f(at, v[0]);
+        case 2:
+            return array ? host.glUniform2fv(at, count, v) : host.glUniform2f(at, v[0], v[1]);
+        case 3:
+            return array ? host.glUniform3fv(at, count, v) : host.glUniform3f(at, v[0], v[1], v[2]);
+        default:
+            return array ? host.glUniform4fv(at, count, v)
+                         : host.glUniform4f(at, v[0], v[1], v[2], v[3]);
+    }
+}
+
+void SetMatrices(SEs2Host& host, GLint at, const SUniformState& uniform) {
+    const GLfloat* v = uniform.floats.data();
+    const auto size = static_cast<GLsizei>(uniform.floats.size());
+    switch (uniform.components) {
+        case 4:
+            return host.glUniformMatrix2fv(at, size / 4, GL_FALSE, v);
+        case 9:
+            return host.glUniformMatrix3fv(at, size / 9, GL_FALSE, v);
+        case 16:
+            return host.glUniformMatrix4fv(at, size / 16, GL_FALSE, v);
+        default:
+            return;
+    }
+}
+
+void SetUniform(SEs2Host& host, GLint at, const SUniformState& uniform) {
+    switch (uniform.kind) {
+        case SUniformState::kInteger:
+            return SetIntegers(host, at, uniform);
+        case SUniformState::kFloat:
+            return SetFloats(host, at, uniform);
+        case SUniformState::kMatrix:
+            return SetMatrices(host, at, uniform);
+        default:
+            return;
+    }
+}
+
+void SetConstantAttributes(SEs2Host& host, const TStateTable<SAttributeState>* attributes) {
+    if (attributes == nullptr) return;
+    for (std::int32_t i = 0; i < attributes->Count(); ++i) {
+        const GLuint index = attributes->KeyAt(i);
+        const SAttributeState& attribute = ValueAt(*attributes, i);
+        const auto& v = attribute.values;
+        if (std::cmp_less(v.size(), attribute.components)) continue;
+        switch (attribute.components) {
+            case 1:
+                host.glVertexAttrib1f(index, v[0]);
+                break;
+            case 2:
+                host.glVertexAttrib2f(index, v[0], v[1]);
+                break;
+            case 3:
+                host.glVertexAttrib3f(index, v[0], v[1], v[2]);
+                break;
+            case 4:
+                host.glVertexAttrib4f(index, v[0], v[1], v[2], v[3]);
+                break;
+            default:
+                break;
+        }
+    }
+}
+
+class CProgramTransition {
+public:
+    CProgramTransition(const CEs2State& target, const CEs2State& current)
+        : m_target(target),
+          m_current(current),
+          m_host(*GetEs2Host()),
+          m_unchanged(static_cast<std::size_t>(target.programs->Count())) {}
+
+    void Run() {
+        if (!DropChanged()) return;
+        DropGone();
+        const auto& programs = *m_target.programs;
+        for (std::int32_t i = 0; i < programs.Count(); ++i) {
+            const std::uint32_t name = programs.KeyAt(i);
+            const bool known = m_unchanged[static_cast<std::size_t>(i)];
+            if (!Bring(name, ValueAt(programs, i), known, false)) return;
+        }
+        if (!Bring(m_target.currentProgram.name, m_target.currentProgram, true, true)) return;
+        DeleteReplacedShaders();
+    }
+
+private:
+    /// Marks what stays, and deletes programs whose shaders are others now. False when one of these
+    /// has no record.
+    bool DropChanged() {
+        const auto& programs = *m_target.programs;
+        TKeyIndex<SProgramState> known(*m_current.programs);
+        m_kept.resize(static_cast<std::size_t>(m_current.programs->Count()));
+        for (std::int32_t i = 0; i < programs.Count(); ++i) {
+            const std::uint32_t name = programs.KeyAt(i);
+            const std::int32_t place = name != 0 ? known.Find(name, i) : -1;
+            if (place < 0) continue;
+            const SProgramState& program = ValueAt(programs, i);
+            const SProgramState& old = ValueAt(*m_current.programs, place);
+            if (old.vertexShader == program.vertexShader &&
+                old.fragmentShader == program.fragmentShader) {
+                m_unchanged[static_cast<std::size_t>(i)] = true;
+                m_kept[static_cast<std::size_t>(place)] = true;
+                continue;
+            }
+            m_host.glUseProgram(0);
+            m_names.UseProgram(0, false);
+            const SProgramRecord* record = m_names.GetProgramRecord(name);
+            if (record == nullptr) return false;
+            Delete(name, record->liveName);
+        }
+        return true;
+    }
+
+    void DropGone() {
+        const auto& programs = *m_current.programs;
+        for (std::int32_t i = 0; i < programs.Count(); ++i) {
+            if (m_kept[static_cast<std::size_t>(i)]) continue;
+            const SProgramRecord* record = m_names.GetProgramRecord(programs.KeyAt(i));
+            if (record == nullptr || record->liveName == 0) continue;
+            Delete(programs.KeyAt(i), record->liveName);
+        }
+    }
+
+    void Delete(std::uint32_t name, GLuint live) {
+        if (m_host.glIsProgram(live) == GL_TRUE) m_host.glDeleteProgram(live);
+        m_names.DeleteProgram(name);
+    }
+
+    /// Makes the program, or finds the one there is, and sets all that belongs to it. `last`: for
+    /// the program in use. False when a program that should be there has no record.
+    bool Bring(std::uint32_t name, const SProgramState& program, bool known, bool last) {
+        if (name == 0) {
+            m_host.glUseProgram(0);
+            m_names.UseProgram(0, true);
+            return true;
+        }
+        GLuint live = 0;
+        if (known) {
+            const SProgramRecord* record = m_names.GetProgramRecord(name);
+            if (record == nullptr) return false;
+            live = record->liveName;
+        } else {
+            live = m_host.glCreateProgram();
+            m_names.SetProgram(name, live);
+        }
+        AttachShaders(name, live, program);
+        const auto* values = m_target.attributeValues->Find(name);
+        const TStateTable<SAttributeState>* constants = values != nullptr ? &**values : nullptr;
+        if (!last) {
+            BindAttributes(m_host, live, constants);
+            output::Message("\n");
+            if (program.linked != 0) {
+                m_host.glLinkProgram(live);
+                if (m_host.glGetError() != GL_NO_ERROR) CheckTransitionError(m_target);
+            }
+        }
+        const auto* bindings = m_target.attributeBindings->Find(name);
+        BindAttributes(m_host, live, bindings != nullptr ? &**bindings : nullptr);
+        if (program.linked != 0) {
+            m_host.glValidateProgram(live);
+            CheckTransitionError(m_target);
+            m_host.glUseProgram(live);
+            m_names.UseProgram(live, last);
+            SetUniforms(name, live);
+        }
+        SetConstantAttributes(m_host, constants);
+        return true;
+    }
+
+    void AttachShaders(std::uint32_t name, GLuint live, const SProgramState& program) {
+        const SAttachedShaders attached = ReadAttached(m_host, live, program);
+        for (std::size_t i = 0; std::cmp_less(i, attached.count); ++i) {
+            const std::uint32_t shader = attached.recorded[i];
+            if (ShowsAttached(m_target.shaders->Find(shader))) continue;
+            m_host.glDetachShader(live, attached.live[i]);
+            m_names.DetachShader(name, shader);
+        }
+        for (const std::uint32_t shader : {program.fragmentShader, program.vertexShader}) {
+            const SShaderState* state = m_target.shaders->Find(shader);
+            const SShaderRecord* record = m_names.GetShaderRecord(shader);
+            if (shader == 0 || state == nullptr || record == nullptr) continue;
+            if (attached.count == 2 && ShowsAttached(state)) continue;
+            m_host.glAttachShader(live, record->liveName);
+            m_names.AttachShader(name, shader);
+        }
+    }
+
+    void SetUniforms(std::uint32_t name, GLuint live) {
+        m_names.ClearUniformLocations(live);
+        const auto* entry = m_target.uniforms->Find(name);
+        if (entry == nullptr) return;
+        const auto& uniforms = **entry;
+        for (std::int32_t i = 0; i < uniforms.Count(); ++i) {
+            const SUniformState& uniform = *ValueAt(uniforms, i);
+            const GLint at = m_host.glGetUniformLocation(live, uniform.name->c_str());
+            if (at == -1) {
+                m_host.glIsProgram(live);
+                continue;
+            }
+            m_names.SetUniformLocation(live, uniform.location, at);
+            SetUniform(m_host, at, uniform);
+        }
+    }
+
+    void DeleteReplacedShaders() {
+        const auto& programs = *m_target.programs;
+        for (std::int32_t i = 0; i < programs.Count(); ++i) {
+            const SProgramState& program = ValueAt(programs, i);
+            for (const std::uint32_t name : {program.vertexShader, program.fragmentShader}) {
+                const SShaderState* shader = m_target.shaders->Find(name);
+                const SShaderState* old = m_current.shaders->Find(name);
+                if (shader == nullptr || old == nullptr) continue;
+                if (shader->deletePending == 0 || old->deletePending == 0) continue;
+                const SShaderRecord* record = m_names.GetShaderRecord(name);
+                if (shader->sourceId == old->sourceId || record == nullptr) continue;
+                m_host.glDeleteShader(record->liveName);
+            }
+        }
+    }
+
+    const CEs2State& m_target;
+    const CEs2State& m_current;
+    SEs2Host& m_host;
+    CEs2Names m_names;
+    std::vector<bool> m_unchanged;  ///< programs of the target
+    std::vector<bool> m_kept;       ///< programs of the current record
+};
+
+}  // namespace
+
+void TransitionShaders(const CEs2State& target, const CEs2State& current) {
+    SEs2Host& host = *GetEs2Host();
+    CEs2Names names;
+    const auto& shaders = *target.shaders;
+    const auto& before = *current.shaders;
+    TKeyIndex<SShaderState> known(before);
+    std::vector<bool> kept(static_cast<std::size_t>(before.Count()));
+    for (std::int32_t i = 0; i < shaders.Count(); ++i) {
+        const std::uint32_t name = shaders.KeyAt(i);
+        const std::int32_t place = known.Find(name, i);
+        if (place >= 0) kept[static_cast<std::size_t>(place)] = true;
+        TransitionShader(host, names, name, ValueAt(shaders, i),
+                         place >= 0 ? &ValueAt(before, place) : nullptr);
+    }
+    for (std::int32_t i = 0; i < before.Count(); ++i) {
+        if (kept[static_cast<std::size_t>(i)]) continue;
+        const std::uint32_t name = before.KeyAt(i);
+        const SShaderRecord* record = names.GetShaderRecord(name);
+        if (record == nullptr) continue;
+        host.glDeleteShader(record->liveName);
+        names.DeleteShaderRecord(name);
+    }
+}
+
+void TransitionPrograms(const CEs2State& target, const CEs2State& current) {
+    CProgramTransition(target, current).Run();
+}
+
+}  // namespace kestrail

@@ -1,0 +1,76 @@
+// What the state updates of several calls, of ES2 and of ES3, have in common. They only write what
+// differs: an unneeded write would part a record from its snapshots and copy a table.
+#pragma once
+
+#include <cstdint>
+
+#include "calls/model/data_values.h"
+#include "state/es2/es2_state.h"
+
+namespace kestrail {
+
+/// The index of the active unit, or `kTextureUnits` when the record has no place for it.
+std::uint32_t ActiveUnit(const CEs2State& state);
+
+/// Where an image belongs: the texture's recorded name and the face.
+struct SImagePlace {
+    std::uint32_t name = 0;
+    std::uint32_t face = 0;
+};
+
+/// Stores `image` at the place and its own level, with the parameters of the image it replaces.
+/// False for a level below 0.
+bool ReplaceImage(CEs2State& state, const SImagePlace& place, STextureImageState& image);
+
+/// Pixels for a rectangle of an image.
+struct SSubImage {
+    std::int32_t x = 0;
+    std::int32_t y = 0;
+    std::int32_t width = 0;
+    std::int32_t height = 0;
+    std::uint32_t format = 0;
+    std::uint32_t type = 0;
+    const SBlock* pixels = nullptr;
+};
+
+/// Brings the pixels into the image at (name, face, level). False, and nothing changed, when there
+/// is no such image or they don't fit into it.
+bool UpdateSubImage(CEs2State& state, const SImagePlace& place, std::uint32_t level,
+                    const SSubImage& sub);
+
+/// The bytes that the image's layout takes, at most all ones.
+std::uint64_t LayoutSize(const STextureImageState& image);
+/// The captured bytes of a call, for as long as the call lives.
+inline CSharedBytes Captured(const SBlock& block) {
+    return CSharedBytes::Borrow(block.GetData(), block.GetSize());
+}
+
+/// Gives the bound renderbuffer its storage. False when none is bound.
+bool SetRenderbufferStorage(CEs2State& state, std::uint32_t internalFormat, std::int32_t width,
+                            std::int32_t height);
+
+/// Erases the records of `names`. False when the call carries none. Name 0 stands for no object.
+template <typename Table, typename Names>
+bool EraseRecords(TShared<Table>& table, const Names& names) {
+    const std::uint32_t count = names.ItemCount();
+    for (std::uint32_t i = 0; i < count; ++i) {
+        const std::uint32_t name = names.GetItem(i);
+        if (name != 0 && table->Find(name) != nullptr) table.Write().Erase(name);
+    }
+    return count != 0;
+}
+
+/// Makes an empty record for each of `names`. False when the call carries none.
+template <typename Record, typename Names>
+bool MakeRecords(TShared<TStateTable<Record>>& table, const Names& names) {
+    const std::uint32_t count = names.ItemCount();
+    for (std::uint32_t i = 0; i < count; ++i) {
+        if (names.GetItem(i) == 0) continue;
+        Record& record = table.Write().GetOrCreate(names.GetItem(i));
+        record = Record{};
+        record.name = names.GetItem(i);
+    }
+    return count != 0;
+}
+
+}  // namespace kestrail

@@ -1,0 +1,93 @@
+#include <GLES3/gl3.h>
+
+#include <algorithm>
+
+#include "generated/calls/es3_calls.h"
+#include "state/es2/es2_updates.h"
+
+namespace kestrail {
+namespace {
+
+/// The texture of a 3D image. Only array textures are looked up by their binding; every image of
+/// GL_TEXTURE_3D stands under name 0.
+bool PlaceOf3D(const CEs2State& state, std::uint32_t target, SImagePlace& place) {
+    const std::uint32_t unit = ActiveUnit(state);
+    if (unit == kTextureUnits) return false;
+    if (target == GL_TEXTURE_2D_ARRAY) place.name = state.binding2DArray[unit];
+    return target == GL_TEXTURE_2D_ARRAY || target == GL_TEXTURE_3D;
+}
+
+}  // namespace
+
+bool CEs3_glTexImage3D_v1::UpdateState(CEs2State& state) {
+    SImagePlace place;
+    if (!PlaceOf3D(state, target.GetValue(), place)) return false;
+    STextureImageState image;
+    image.target = target.GetValue();
+    image.level = level.GetValue();
+    image.depth = depth.GetValue();
+    image.data = Captured(pixels);
+    image.format = format.GetValue();
+    image.internalFormat = internalformat.GetValue();
+    image.width = width.GetValue();
+    image.height = height.GetValue();
+    image.type = type.GetValue();
+    image.unpackAlignment = state.unpackAlignment;
+    image.border = border.GetValue();
+    return ReplaceImage(state, place, image);
+}
+
+bool CEs3_glTexSubImage3D_v1::UpdateState(CEs2State& state) {
+    if (pixels.GetData() == nullptr) return true;
+    SImagePlace place;
+    if (!PlaceOf3D(state, target.GetValue(), place) || level.GetValue() < 0) return false;
+    // The record keys what such a call changes by its level as the face, at level 0; the depth
+    // range has no part in it.
+    place.face = static_cast<std::uint32_t>(level.GetValue());
+    return UpdateSubImage(state, place, 0,
+                          {xoffset.GetValue(), yoffset.GetValue(), width.GetValue(),
+                           height.GetValue(), format.GetValue(), type.GetValue(), &pixels});
+}
+
+bool CEs3_glDrawBuffers_v1::UpdateState(CEs2State& state) {
+    const SFramebufferState* found = state.framebuffers->Find(state.boundFramebuffer);
+    if (found == nullptr || n.GetValue() < 0) return false;
+    const std::uint32_t count =
+        std::min(static_cast<std::uint32_t>(n.GetValue()), bufs.ItemCount());
+    const std::uint32_t* values = bufs.GetRawArray();
+    if (!std::equal(values, values + count, found->drawBuffers.begin(), found->drawBuffers.end())) {
+        state.framebuffers.Write()
+            .Find(state.boundFramebuffer)
+            ->drawBuffers.assign(values, values + count);
+    }
+    // Handled, and told as not handled all the same.
+    return false;
+}
+
+bool CEs3_glRenderbufferStorageMultisample_v1::UpdateState(CEs2State& state) {
+    return SetRenderbufferStorage(state, internalformat.GetValue(), width.GetValue(),
+                                  height.GetValue());
+}
+
+bool CEs3_glBindVertexArray_v1::UpdateState(CEs2State& state) {
+    state.currentVertexArray = array.GetValue();
+    return true;
+}
+
+bool CEs3_glDeleteVertexArrays_v1::UpdateState(CEs2State& state) {
+    return EraseRecords(state.vertexArrays, arrays);
+}
+
+bool CEs3_glGenVertexArrays_v1::UpdateState(CEs2State& state) {
+    const std::uint32_t count = arrays.ItemCount();
+    for (std::uint32_t i = 0; i < count; ++i) {
+        const std::uint32_t name = arrays.GetItem(i);
+        if (name == 0) continue;
+        SVertexArrayState made;
+        made.name = name;
+        state.vertexArrays.Write().GetOrCreate(name) = TShared<SVertexArrayState>(made);
+    }
+    return count != 0;
+}
+
+}  // namespace kestrail
