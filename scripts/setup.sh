@@ -44,7 +44,7 @@ display_folder=
 # Starts a private X server on a free number; stop_display ends it.
 start_display() {
     display_folder=$(mktemp -d)
-    Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp \
+    Xvfb -displayfd 3 -noreset -screen 0 1280x1024x24 -nolisten tcp \
         3>"$display_folder/number" >"$display_folder/log" 2>&1 &
     display_pid=$!
     trap stop_display EXIT
