@@ -17,11 +17,21 @@ void CApiCall::FillCallInfo(CCallInfo& info, bool withPlayback) {
     info.SetCall(*this, withPlayback);
 }
 
-bool CEglCall::UpdateState(CEglState&) { return false; }
-bool CEs1Call::UpdateState(CEs1State&) { return false; }
-bool CEs2Call::UpdateState(CEs2State&) { return false; }
-bool CEs3Call::UpdateState(CEs2State&) { return false; }
-bool CExtCall::UpdateState(CEs1State&) { return false; }
+bool CEglCall::UpdateState(CEglState&) {
+    return false;
+}
+bool CEs1Call::UpdateState(CEs1State&) {
+    return false;
+}
+bool CEs2Call::UpdateState(CEs2State&) {
+    return false;
+}
+bool CEs3Call::UpdateState(CEs2State&) {
+    return false;
+}
+bool CExtCall::UpdateState(CEs1State&) {
+    return false;
+}
 
 CEglCall::CEglCall(CTrace& trace) : CApiCall(kGroupEgl) {
     trace >> m_eglError;

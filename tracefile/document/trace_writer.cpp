@@ -13,9 +13,9 @@ constexpr std::uint32_t kWrittenVersion = 14;
 constexpr std::uint32_t kWrittenTypeSet = 2;
 
 /// Widths of the type tags in files of the written version; negative for signed types.
-constexpr std::array<std::int8_t, 33> kWrittenWidths = {
-    4, -4, 4, 4, 4, 4, 4,  4,  4,  4,  4, 4,  4,  1, 4,  -1, -2,
-    -4, -4, 1, 2, 4, 4, 4, -4, -4, -4, -4, 0, -4, -4, -8, -8};
+constexpr std::array<std::int8_t, 33> kWrittenWidths = {4, -4, 4,  4,  4,  4,  4,  4,  4,  4,  4,
+                                                        4, 4,  1,  4,  -1, -2, -4, -4, 1,  2,  4,
+                                                        4, 4,  -4, -4, -4, -4, 0,  -4, -4, -8, -8};
 
 }  // namespace
 
