@@ -4,8 +4,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <new>
 #include <utility>
 
 namespace kestrail {
@@ -77,8 +79,12 @@ public:
         return bytes;
     }
     static CSharedBytes Zeroed(std::size_t size) {
+        // Zeroed pages take no memory until they are written.
+        void* zeros = std::calloc(size, 1);
+        if (zeros == nullptr) throw std::bad_alloc();
         CSharedBytes bytes;
-        bytes.m_copy = std::shared_ptr<std::uint8_t[]>(new std::uint8_t[size]());
+        bytes.m_copy = std::shared_ptr<std::uint8_t[]>(static_cast<std::uint8_t*>(zeros),
+                                                       [](std::uint8_t* copy) { std::free(copy); });
         bytes.m_data = bytes.m_copy.get();
         bytes.m_size = size;
         return bytes;
