@@ -4,11 +4,21 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
+#include <cstddef>
 #include <cstdint>
 
 #include "calls/model/array_values.h"
 
 namespace kestrail {
+
+/// Whether two runs of floats are the same to the bit: what is not a number equals itself, and 0
+/// does not equal -0.
+template <std::size_t Count>
+bool SameBits(const std::array<float, Count>& left, const std::array<float, Count>& right) {
+    using Bits = std::array<std::uint32_t, Count>;
+    return std::bit_cast<Bits>(left) == std::bit_cast<Bits>(right);
+}
 
 /// Not 65536: the record's scale for fixed-point values, the same in every update.
 inline constexpr std::int32_t kFixedDivisor = 12;

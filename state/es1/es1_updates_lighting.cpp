@@ -1,7 +1,5 @@
 // What the calls of lights, material, light model, shading and fog do to the record. The forms of a
 // call differ in how they give their numbers, and share the rest.
-#include <cstring>
-
 #include "generated/calls/es1_calls.h"
 #include "state/es1/es1_numbers.h"
 #include "state/es1/es1_state.h"
@@ -62,9 +60,7 @@ bool SetLight(CEs1State& state, std::uint32_t light, std::uint32_t pname,
     const SVector4& current = state.lights->values[index][place];
     SVector4 value = current;
     const bool stored = parameters.Store(value.data(), ComponentsOf(pname));
-    if (std::memcmp(&value, &current, sizeof value) != 0) {
-        state.lights.Write().values[index][place] = value;
-    }
+    if (!SameBits(value, current)) state.lights.Write().values[index][place] = value;
     return stored;
 }
 

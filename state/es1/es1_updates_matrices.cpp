@@ -1,6 +1,5 @@
 // What the matrix calls of OpenGL ES 1.1 do to the record's stacks.
 #include <algorithm>
-#include <cstring>
 
 #include "generated/calls/es1_calls.h"
 #include "state/es1/es1_matrices.h"
@@ -45,7 +44,7 @@ std::size_t TopOf(const CEs1State& state, std::size_t stack) {
 /// Most frames load what is there already: a stack is copied only for a level that changes.
 void SetLevel(CEs1State& state, std::size_t stack, std::size_t level, const SMatrix& matrix) {
     auto& levels = state.matrixStacks[stack];
-    if (std::memcmp(&levels->levels[level], &matrix, sizeof matrix) == 0) return;
+    if (SameBits(levels->levels[level], matrix)) return;
     levels.Write().levels[level] = matrix;
 }
 
