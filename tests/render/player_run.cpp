@@ -114,6 +114,14 @@ std::vector<std::string> Complaints(const SPlayerRun& run) {
     return found;
 }
 
+bool SDifference::WithinRounding(const SPicture& picture) const {
+    constexpr double allowedShare = 0.005;
+    constexpr unsigned allowedStep = 2;
+    const double allowed =
+        allowedShare * static_cast<double>(picture.width) * static_cast<double>(picture.height);
+    return sameSize && static_cast<double>(pixels) <= allowed && largestStep <= allowedStep;
+}
+
 SDifference Compare(const SPicture& expected, const SPicture& actual) {
     SDifference difference;
     difference.sameSize = expected.width == actual.width && expected.height == actual.height &&

@@ -38,6 +38,8 @@ struct SDifference {
     std::size_t alphaOnlyPixels = 0;  // of those, the ones whose colour agrees
 
     bool None() const { return sameSize && pixels == 0; }
+    /// No more than another processor, which rounds a few pixels differently, may make of it.
+    bool WithinRounding(const SPicture& picture) const;
 };
 
 SDifference Compare(const SPicture& expected, const SPicture& actual);

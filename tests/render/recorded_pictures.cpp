@@ -1,8 +1,11 @@
 #include "tests/render/recorded_pictures.h"
 
+#include <algorithm>
 #include <array>
+#include <cctype>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
@@ -62,6 +65,28 @@ std::size_t FirstRecord(const CFile& file) {
 }
 
 }  // namespace
+
+std::string TraceFolder() {
+    const char* const folder = std::getenv("KESTRAIL_TRACES");
+    return folder != nullptr ? folder : KESTRAIL_TRACES_FOLDER;
+}
+
+std::vector<std::string> TraceNames() {
+    std::vector<std::string> names;
+    std::error_code none;
+    for (const auto& entry : std::filesystem::directory_iterator(TraceFolder(), none)) {
+        if (entry.path().extension() == ".kstl") names.push_back(entry.path().stem());
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+std::string TraceTestName(const testing::TestParamInfo<std::string>& tested) {
+    std::string name = tested.param;
+    std::replace_if(
+        name.begin(), name.end(), [](unsigned char c) { return std::isalnum(c) == 0; }, '_');
+    return name;
+}
 
 std::map<unsigned, SPicture> RecordedPictures(const std::string& trace) {
     const CFile file(trace);

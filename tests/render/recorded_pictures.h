@@ -2,12 +2,24 @@
 // fault of the reader can't make the player and its measure wrong in the same way.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <map>
 #include <string>
+#include <vector>
 
 #include "tests/render/player_run.h"
 
 namespace kestrail {
+
+/// Where the recordings are; they don't belong to this repository.
+std::string TraceFolder();
+
+/// The recordings that are there, by name without extension, sorted.
+std::vector<std::string> TraceNames();
+
+/// A recording's name as the name of a test.
+std::string TraceTestName(const testing::TestParamInfo<std::string>& tested);
 
 /// By number of the swap, from 1 on; swaps without a picture are left out. Throws
 /// std::runtime_error for a file that isn't of version 14 with 4-byte values.

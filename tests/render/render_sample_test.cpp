@@ -1,13 +1,12 @@
 // The sample scenes' recordings, played, have to give the very pixels of the scenes drawn directly
 // on the same driver in the same run.
-#include <GLES2/gl2.h>
 #include <gtest/gtest.h>
 
 #include <ostream>
 #include <regex>
 
-#include "samples/common/direct_back_end.h"
 #include "samples/scenes.h"
+#include "tests/render/direct_frames.h"
 #include "tests/render/player_run.h"
 
 namespace kestrail {
@@ -16,7 +15,7 @@ namespace {
 struct SSample {
     const char* name;
     const char* trace;
-    bool (*draw)(samples::IBackEnd&, const samples::SSceneSize&);
+    SceneDrawer* draw;
     samples::SSceneSize size;
     // Complaints that a driver causes by itself.
     const char* allowed;
@@ -37,30 +36,11 @@ constexpr SSample sampleScenes[] = {
     {"es3", "es3-short.kstl", &samples::DrawEs3Scene, {128, 96, 10}, ""},
 };
 
-std::vector<SPicture> DrawDirectly(const SSample& sample) {
-    std::vector<SPicture> frames;
-    samples::CDirectBackEnd backEnd([&] {
-        const auto getError = reinterpret_cast<decltype(&glGetError)>(backEnd.Find("glGetError"));
-        const auto readPixels =
-            reinterpret_cast<decltype(&glReadPixels)>(backEnd.Find("glReadPixels"));
-        SPicture frame;
-        frame.width = static_cast<std::uint32_t>(sample.size.width);
-        frame.height = static_cast<std::uint32_t>(sample.size.height);
-        frame.pixels.resize(std::size_t{frame.width} * frame.height * 4);
-        EXPECT_EQ(getError(), static_cast<GLenum>(GL_NO_ERROR));
-        readPixels(0, 0, sample.size.width, sample.size.height, GL_RGBA, GL_UNSIGNED_BYTE,
-                   frame.pixels.data());
-        frames.push_back(std::move(frame));
-    });
-    if (!sample.draw(backEnd, sample.size)) ADD_FAILURE() << "no EGL surface to draw on";
-    return frames;
-}
-
 class CSampleTest : public testing::TestWithParam<std::tuple<SSample, const char*>> {};
 
 TEST_P(CSampleTest, PlaysToTheSamePixels) {
     const auto& [sample, option] = GetParam();
-    const std::vector<SPicture> expected = DrawDirectly(sample);
+    const std::vector<SPicture> expected = DrawDirectly(sample.draw, sample.size);
     ASSERT_EQ(expected.size(), static_cast<std::size_t>(sample.size.frames));
     // A scene that shows nothing, or never moves, would compare equal to anything.
     for (std::size_t i = 1; i < expected.size(); ++i) {

@@ -3,8 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
-#include <filesystem>
 #include <iostream>
 #include <iterator>
 
@@ -13,10 +11,6 @@
 
 namespace kestrail {
 namespace {
-
-// Another processor may round a few pixels differently.
-constexpr double allowedShare = 0.005;
-constexpr unsigned allowedStep = 2;
 
 /// Calls that this player can't play as they were recorded, though no pixel depends on them.
 struct SRefused {
@@ -47,21 +41,6 @@ std::vector<std::string> UnexpectedComplaints(const SPlayerRun& run, const std::
     return complaints;
 }
 
-std::string TraceFolder() {
-    const char* const folder = std::getenv("KESTRAIL_TRACES");
-    return folder != nullptr ? folder : KESTRAIL_TRACES_FOLDER;
-}
-
-std::vector<std::string> TraceNames() {
-    std::vector<std::string> names;
-    std::error_code none;
-    for (const auto& entry : std::filesystem::directory_iterator(TraceFolder(), none)) {
-        if (entry.path().extension() == ".kstl") names.push_back(entry.path().stem());
-    }
-    std::sort(names.begin(), names.end());
-    return names;
-}
-
 /// The lines of a run from its first call on, without what differs between the load modes by
 /// design: how the file is opened stands before them, and frame numbers are learned by a streamed
 /// trace only as it goes.
@@ -86,10 +65,9 @@ void ExpectPictures(const std::map<unsigned, SPicture>& recorded, const SPlayerR
             ADD_FAILURE() << "frame " << number << " is missing or of another size";
             continue;
         }
-        const double allowed =
-            allowedShare * static_cast<double>(picture.width) * static_cast<double>(picture.height);
-        EXPECT_LE(static_cast<double>(difference.pixels), allowed) << "frame " << number;
-        EXPECT_LE(difference.largestStep, allowedStep) << "frame " << number;
+        EXPECT_TRUE(difference.WithinRounding(picture))
+            << "frame " << number << ": " << difference.pixels << " pixels by up to "
+            << difference.largestStep;
         different += difference.pixels;
         alphaOnly += difference.alphaOnlyPixels;
         largest = std::max(largest, difference.largestStep);
@@ -132,14 +110,7 @@ TEST_P(CTraceTest, PlaysToTheRecordedPictures) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Recorded, CTraceTest, testing::ValuesIn(TraceNames()),
-                         [](const testing::TestParamInfo<std::string>& tested) {
-                             std::string name = tested.param;
-                             std::replace_if(
-                                 name.begin(), name.end(),
-                                 [](unsigned char c) { return std::isalnum(c) == 0; }, '_');
-                             return name;
-                         });
+INSTANTIATE_TEST_SUITE_P(Recorded, CTraceTest, testing::ValuesIn(TraceNames()), TraceTestName);
 
 TEST(CTraceFolder, IsThere) {
     if (TraceNames().empty()) GTEST_SKIP() << "no recordings in " << TraceFolder();

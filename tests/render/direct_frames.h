@@ -1,0 +1,16 @@
+// The frames of a sample scene, drawn on the driver by the scene itself.
+#pragma once
+
+#include <vector>
+
+#include "samples/scenes.h"
+#include "tests/render/player_run.h"
+
+namespace kestrail {
+
+using SceneDrawer = bool(samples::IBackEnd&, const samples::SSceneSize&);
+
+/// Each frame as it is when it is swapped. A scene that cannot be drawn fails the test.
+std::vector<SPicture> DrawDirectly(SceneDrawer* draw, const samples::SSceneSize& size);
+
+}  // namespace kestrail

@@ -1,0 +1,194 @@
+// Single frames, rendered without those before them, have to show what the whole playback shows,
+// but for what no record of the frame's start holds.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <iostream>
+#include <iterator>
+
+#include "tests/render/direct_frames.h"
+#include "tests/render/player_run.h"
+#include "tests/render/recorded_pictures.h"
+
+namespace kestrail {
+namespace {
+
+enum class EOutcome {
+    kEqual,
+    kDifferent,
+    kNotPresented,
+};
+
+void PrintTo(EOutcome outcome, std::ostream* out) {
+    constexpr const char* names[] = {"equal", "different", "not presented"};
+    *out << names[static_cast<std::size_t>(outcome)];
+}
+
+/// Frames of a recording that don't come out as recorded when they are rendered alone.
+struct SUnseekable {
+    const char* trace;
+    unsigned first, last;
+    EOutcome outcome;
+    const char* reason;
+};
+constexpr SUnseekable unseekable[] = {
+    {"es1scene", 1, 1, EOutcome::kNotPresented,
+     "drivers without weight arrays answer the look at them by an error, which the draw counts as "
+     "its own, and a failed call ends the frame"},
+    {"es1scene", 2, 30, EOutcome::kNotPresented,
+     "what restoring asks of a driver without weight arrays leaves an error to the first call"},
+    {"es3scene", 2, 24, EOutcome::kNotPresented,
+     "uniform buffers are in no record: setting a part of one fails and ends the frame"},
+    {"glmark-buffer-map", 2, 6, EOutcome::kDifferent,
+     "what the frame before wrote through glUnmapBufferOES is in no record"},
+    {"glmark-desktop", 2, 10, EOutcome::kDifferent,
+     "textures that the first frame drew into are empty"},
+};
+
+const SUnseekable* FindUnseekable(const std::string& trace, unsigned frame) {
+    const auto* const found =
+        std::find_if(std::begin(unseekable), std::end(unseekable), [&](const SUnseekable& entry) {
+            return trace == entry.trace && frame >= entry.first && frame <= entry.last;
+        });
+    return found == std::end(unseekable) ? nullptr : found;
+}
+
+/// What a run that renders anything at all may not do.
+void ExpectSoundRun(const SPlayerRun& run) {
+    ASSERT_TRUE(run.exited) << "signal " << run.exitStatus;
+    EXPECT_EQ(run.exitStatus, 0);
+    for (const std::string& line : run.lines) {
+        EXPECT_EQ(line.find("Render Failed"), std::string::npos) << line;
+        EXPECT_EQ(line.find("Exception"), std::string::npos) << line;
+    }
+}
+
+EOutcome Judge(const SPicture& expected, const SPicture& captured) {
+    if (captured.pixels.empty()) return EOutcome::kNotPresented;
+    const bool equal = Compare(expected, captured).WithinRounding(expected);
+    return equal ? EOutcome::kEqual : EOutcome::kDifferent;
+}
+
+class CSeekTraceTest : public testing::TestWithParam<std::string> {};
+GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(CSeekTraceTest);
+
+TEST_P(CSeekTraceTest, RendersSingleFramesAsRecorded) {
+    const std::string trace = TraceFolder() + "/" + GetParam() + ".kstl";
+    const std::map<unsigned, SPicture> recorded = RecordedPictures(trace);
+    ASSERT_FALSE(recorded.empty());
+    std::size_t equal = 0;
+    for (const auto& [number, picture] : recorded) {
+        SCOPED_TRACE("frame " + std::to_string(number));
+        const SPlayerRun run = RunPlayer(trace, {"--frame=" + std::to_string(number)},
+                                         KESTRAIL_RENDER_OUTPUT "/seek-" + GetParam());
+        ExpectSoundRun(run);
+        const EOutcome outcome = Judge(picture, CapturedFrame(run, 1));
+        const SUnseekable* const listed = FindUnseekable(GetParam(), number);
+        EXPECT_EQ(outcome, listed != nullptr ? listed->outcome : EOutcome::kEqual)
+            << (listed != nullptr ? listed->reason : "");
+        EXPECT_TRUE(CapturedFrame(run, 2).pixels.empty()) << "more than one frame was presented";
+        equal += outcome == EOutcome::kEqual ? 1 : 0;
+    }
+    std::cout << GetParam() << ": " << equal << " of " << recorded.size() << " frames are equal\n";
+}
+
+INSTANTIATE_TEST_SUITE_P(Recorded, CSeekTraceTest, testing::ValuesIn(TraceNames()), TraceTestName);
+
+constexpr samples::SSceneSize sampleSize = {128, 96, 12};
+constexpr unsigned playsWanted = 199;
+
+/// The scene's second texture, whose middle each frame replaces by pixels of its own picture: a
+/// copy that is in no record. The box holds the texture's tile, whatever way it is turned.
+struct SBox {
+    std::size_t left, bottom, right, top;
+};
+constexpr SBox copiedTile = {17, 79, 38, 95};
+
+bool DiffersWithin(const SBox& box, const SPicture& expected, const SPicture& captured) {
+    for (std::size_t i = 0; i < expected.pixels.size(); ++i) {
+        if (expected.pixels[i] == captured.pixels[i]) continue;
+        const std::size_t x = i / 4 % expected.width;
+        const std::size_t y = i / 4 / expected.width;
+        if (x < box.left || x >= box.right || y < box.bottom || y >= box.top) return false;
+    }
+    return true;
+}
+
+/// The frames that the player picks: it never seeds the generator.
+std::vector<unsigned> PickedFrames(unsigned frameCount) {
+    std::srand(1);
+    std::vector<unsigned> frames;
+    for (unsigned i = 0; i < playsWanted; ++i) {
+        frames.push_back(static_cast<unsigned>(std::rand()) % frameCount + 1);
+    }
+    return frames;
+}
+
+struct SPresented {
+    unsigned frame;
+    // The one before it on the same context; 0 for the first.
+    unsigned before;
+};
+
+/// Which of the picked frames get presented. Behind the last swap, the trace ends EGL: that part is
+/// a frame without a swap, and the configurations that the player has found die with it, so that
+/// neither surface nor context can be made. They are looked for anew once a display goes: that is
+/// when the first frame, before which there is none, is wanted while there is one.
+std::vector<SPresented> PresentedFrames(const std::vector<unsigned>& picked, unsigned ending) {
+    std::vector<SPresented> presented;
+    bool ended = false;
+    bool display = false;
+    unsigned before = 0;
+    for (const unsigned frame : picked) {
+        if (frame == 1) {
+            ended = ended && !display;
+            before = 0;
+        }
+        // Without a context the ending fails before it comes to the display.
+        display = frame != ending || ended;
+        if (frame == ending) {
+            ended = true;
+        } else if (!ended) {
+            presented.push_back({frame, before});
+            before = frame;
+        }
+    }
+    return presented;
+}
+
+TEST(CSeekSampleTest, RendersFramesInAnyOrder) {
+    const std::vector<SPicture> direct = DrawDirectly(&samples::DrawEs2Scene, sampleSize);
+    ASSERT_EQ(direct.size(), static_cast<std::size_t>(sampleSize.frames));
+    const auto ending = static_cast<unsigned>(sampleSize.frames) + 1;
+    const std::vector<unsigned> picked = PickedFrames(ending);
+    // No other frame can do without what the first one makes.
+    ASSERT_EQ(picked.front(), 1U);
+    const std::vector<SPresented> presented = PresentedFrames(picked, ending);
+
+    const SPlayerRun run =
+        RunPlayer(KESTRAIL_SAMPLES "/scene-short.kstl",
+                  {"--random", "--iterations=" + std::to_string(playsWanted + 1)},
+                  KESTRAIL_RENDER_OUTPUT "/seek-random");
+    ExpectSoundRun(run);
+    unsigned number = 0;
+    unsigned equal = 0;
+    for (const SPresented& shown : presented) {
+        SCOPED_TRACE("presented " + std::to_string(++number) + ", frame " +
+                     std::to_string(shown.frame) + " after " + std::to_string(shown.before));
+        const SPicture captured = CapturedFrame(run, number);
+        const SPicture& expected = direct[shown.frame - 1];
+        const SDifference difference = Compare(expected, captured);
+        ASSERT_TRUE(difference.sameSize);
+        // The copy is that of the frame before.
+        EXPECT_EQ(difference.None(), shown.before == shown.frame - 1) << difference.pixels;
+        EXPECT_TRUE(DiffersWithin(copiedTile, expected, captured)) << difference.pixels;
+        equal += difference.None() ? 1 : 0;
+    }
+    EXPECT_TRUE(CapturedFrame(run, number + 1).pixels.empty()) << "more frames were presented";
+    std::cout << "random: " << picked.size() << " plays, " << presented.size() << " presented, "
+              << equal << " equal\n";
+}
+
+}  // namespace
+}  // namespace kestrail
