@@ -7,21 +7,21 @@
 #include <utility>
 #include <vector>
 
-#include "base/name_table.h"
+#include "state/state_table.h"
 
 namespace kestrail {
 
 /// The value at a position below `Count()`, of a table that is only read.
-template <typename Key, typename Value>
-const Value& ValueAt(const TNameTable<Key, Value>& table, std::int32_t position) {
-    return *const_cast<TNameTable<Key, Value>&>(table).ValueAt(position);
+template <typename Value>
+const Value& ValueAt(const TStateTable<Value>& table, std::int32_t position) {
+    return *table.ValueAt(position);
 }
 
 /// Positions in a table by key. The table must not change while this is used.
 template <typename Value>
 class TKeyIndex {
 public:
-    using Table = TNameTable<std::uint32_t, Value>;
+    using Table = TStateTable<Value>;
 
     explicit TKeyIndex(const Table& table) : m_table(table) {}
 

@@ -6,7 +6,6 @@
 #include <array>
 #include <cstdint>
 
-#include "base/name_table.h"
 #include "base/shared.h"
 #include "state/es2/es2_state.h"
 

@@ -8,13 +8,10 @@
 #include <vector>
 
 #include "base/kstl_string.h"
-#include "base/name_table.h"
 #include "base/shared.h"
+#include "state/state_table.h"
 
 namespace kestrail {
-
-template <typename Value>
-using TStateTable = TNameTable<std::uint32_t, Value>;
 
 inline constexpr std::uint32_t kTextureUnits = 32;
 

@@ -1,0 +1,376 @@
+#include <benchmark/benchmark.h>
+#include <malloc.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <stdexcept>
+
+#include "bench/bench_traces.h"
+#include "exec/es2_names.h"
+#include "playback/advanced_playback_interface.h"
+#include "state/egl/egl_transition.h"
+#include "state/es1/es1_transition.h"
+#include "state/es2/es2_transition.h"
+#include "tracefile/document/trace_document.h"
+
+namespace kestrail {
+namespace {
+
+constexpr std::int64_t kFrames = 10'000;
+constexpr std::int64_t kCallsOfFrame = 100;
+constexpr std::uint32_t kTextures = 300;
+constexpr std::uint32_t kPrograms = 60;
+constexpr std::uint32_t kUniforms = 20;
+constexpr std::uint32_t kBuffers = 300;
+/// In the middle of the trace.
+constexpr std::uint32_t kSought = 5'000;
+
+std::vector<std::int64_t> NamesTo(std::uint32_t count) {
+    std::vector<std::int64_t> names;
+    for (std::uint32_t name = 1; name <= count; ++name) names.push_back(name);
+    return names;
+}
+
+void AddImage(CTraceBuilder& trace, std::uint32_t name) {
+    trace.Add(2007, trace.Gl().Enum(3553).Uint(name));
+    trace.Add(2106, trace.Gl()
+                        .Enum(3553)
+                        .Int(0)
+                        .Int(6408)
+                        .Sizei(2)
+                        .Sizei(2)
+                        .Int(0)
+                        .Enum(6408)
+                        .Enum(5121)
+                        .Data(0x10, Bytes(16, static_cast<std::uint8_t>(name)))
+                        .Int(4));
+}
+
+void AddBuffer(CTraceBuilder& trace, std::uint32_t name) {
+    trace.Add(2004, trace.Gl().Enum(34962).Uint(name));
+    trace.Add(2013, trace.Gl().Enum(34962).Sizeiptr(48).Data(0x10, Bytes(48)).Enum(35044));
+}
+
+/// Locations of a program lie behind those of the program before.
+std::int64_t Location(std::uint32_t program, std::int64_t uniform) {
+    return uniform + program * kUniforms;
+}
+
+void AddProgram(CTraceBuilder& trace, std::uint32_t program) {
+    const std::uint32_t vertex = 1000 + program;
+    const std::uint32_t fragment = 2000 + program;
+    for (const std::uint32_t shader : {vertex, fragment}) {
+        trace.Add(2027, trace.Gl().Uint(shader).Enum(shader == vertex ? 35633 : 35632));
+        trace.Add(2099, trace.Gl()
+                            .Uint(shader)
+                            .Sizei(1)
+                            .Strings(0x10, {"void main() {}"})
+                            .Array(tag::Int, 0x10, {14}));
+        trace.Add(2021, trace.Gl().Uint(shader));
+    }
+    trace.Add(2026, trace.Gl().Uint(program));
+    trace.Add(2002, trace.Gl().Uint(program).Uint(vertex));
+    trace.Add(2002, trace.Gl().Uint(program).Uint(fragment));
+    trace.Add(2090, trace.Gl().Uint(program));
+    trace.Add(2131, trace.Gl().Uint(program));
+    for (std::int64_t i = 0; i < kUniforms; ++i) {
+        trace.Add(2077, trace.Gl()
+                            .Int(Location(program, i))
+                            .Uint(program)
+                            .String(0x10, "uniform" + std::to_string(i)));
+    }
+}
+
+void AddUniform(CTraceBuilder& trace, std::int64_t location, std::int64_t turn) {
+    static const std::vector<float> matrix = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+    switch (location % 4) {
+        case 0:
+            trace.Add(2130, trace.Gl().Int(location).Sizei(1).Boolean(false).Reals(tag::Float, 0x10,
+                                                                                   matrix, 16));
+            break;
+        case 1:
+            trace.Add(2114, trace.Gl().Int(location).Int(turn));
+            break;
+        default:
+            trace.Add(2124, trace.Gl().Int(location).Float(0.1F).Float(0.2F).Float(0.3F).Float(
+                                static_cast<float>(turn)));
+            break;
+    }
+}
+
+/// A draw with what leads up to it, in twelve calls.
+void AddDraw(CTraceBuilder& trace, std::int64_t turn) {
+    const auto program = static_cast<std::uint32_t>(1 + turn % kPrograms);
+    trace.Add(2131, trace.Gl().Uint(program));
+    for (std::int64_t i = 0; i < 5; ++i) {
+        AddUniform(trace, Location(program, (turn * 5 + i) % kUniforms), turn);
+    }
+    trace.Add(2001, trace.Gl().Enum(static_cast<std::uint32_t>(33984 + turn % 2)));
+    trace.Add(2007,
+              trace.Gl().Enum(3553).Uint(static_cast<std::uint32_t>(1 + turn * 7 % kTextures)));
+    trace.Add(2004,
+              trace.Gl().Enum(34962).Uint(static_cast<std::uint32_t>(1 + turn * 11 % kBuffers)));
+    trace.Add(2141, trace.Gl().Uint(0).Int(3).Enum(5126).Boolean(false).Sizei(12).Pointer(0));
+    trace.Add(turn % 2 == 0 ? 2043 : 2039, trace.Gl().Enum(3042));
+    trace.Add(2041, trace.Gl().Enum(4).Int(0).Sizei(3));
+}
+
+void AddFrame(CTraceBuilder& trace, std::int64_t frame, std::uint32_t prepared) {
+    constexpr std::int64_t kDraws = 7;
+    for (std::int64_t i = 0; i < kDraws; ++i) AddDraw(trace, frame * kDraws + i);
+    AddBuffer(trace, static_cast<std::uint32_t>(1 + frame % kBuffers));
+    if (frame % 10 == 0) {
+        AddImage(trace, static_cast<std::uint32_t>(1 + frame / 10 % kTextures));
+    } else {
+        trace.Add(2018, trace.Gl().Float(0.5F)).Add(2046, trace.Gl());
+    }
+    static const std::vector<float> matrix = {2, 0, 0, 0, 0, 2, 0, 0, 0, 0, 2, 0, 0, 0, 0, 1};
+    trace.Add(3093, trace.Gl().Enum(5888)).Add(3113, trace.Gl());
+    trace.Add(3086, trace.Gl().RealItem(tag::Float, 0x10, matrix));
+    trace.Add(3141, trace.Gl().Float(0.1F).Float(0.2F).Float(0.3F));
+    trace.Add(3018, trace.Gl().Float(0.1F).Float(0.2F).Float(0.3F).Float(1.0F));
+    trace.Add(3005, trace.Gl().Enum(3553).Uint(static_cast<std::uint32_t>(1 + frame % 5)));
+    trace.Add(3112, trace.Gl()).Add(3036, trace.Gl().Enum(4).Int(0).Sizei(3));
+    // Up to the frame's calls, its swap included.
+    const std::uint32_t first = prepared + static_cast<std::uint32_t>(frame * kCallsOfFrame);
+    while (trace.CallCount() < first + kCallsOfFrame - 1) trace.Add(2046, trace.Gl());
+    trace.SwapBuffers();
+}
+
+void Prepare(CTraceBuilder& trace) {
+    trace.StartUp(2, 300, 300);
+    trace.Add(3053, trace.Gl().Sizei(5).Array(tag::Uint, 0x10, NamesTo(5)));
+    trace.Add(3054, trace.Gl().Sizei(5).Array(tag::Uint, 0x10, NamesTo(5)));
+    trace.Add(2054, trace.Gl().Sizei(kTextures).Array(tag::Uint, 0x10, NamesTo(kTextures)));
+    trace.Add(2050, trace.Gl().Sizei(kBuffers).Array(tag::Uint, 0x10, NamesTo(kBuffers)));
+    for (std::uint32_t name = 1; name <= kTextures; ++name) AddImage(trace, name);
+    for (std::uint32_t name = 1; name <= kBuffers; ++name) AddBuffer(trace, name);
+    for (std::uint32_t program = 1; program <= kPrograms; ++program) AddProgram(trace, program);
+}
+
+/// Written once a process; its first frame makes the objects before its own calls.
+const SBenchTrace& SeekTrace() {
+    static const CTempFolder folder;
+    static const SBenchTrace made = [] {
+        CTraceBuilder trace;
+        Prepare(trace);
+        const std::uint32_t prepared = trace.CallCount();
+        for (std::int64_t frame = 0; frame < kFrames; ++frame) AddFrame(trace, frame, prepared);
+        SBenchTrace written;
+        written.path = folder.File("seek.kstl");
+        written.calls = trace.CallCount();
+        if (!trace.Write(written.path)) throw std::runtime_error("no room for the trace");
+        written.bytes = static_cast<std::int64_t>(std::filesystem::file_size(written.path));
+        return written;
+    }();
+    return made;
+}
+
+double ResidentMiB() {
+    std::ifstream file("/proc/self/statm");
+    double total = 0;
+    double resident = 0;
+    file >> total >> resident;
+    return resident * static_cast<double>(sysconf(_SC_PAGESIZE)) / (1 << 20);
+}
+
+/// What the state of each frame adds to a load, in time and memory. The memory is the process's,
+/// with the trace loaded.
+void BM_LoadForSeeking(benchmark::State& state) {
+    const SBenchTrace& trace = SeekTrace();
+    const CSilence silence;
+    // The front ends choose for themselves whether state is kept.
+    CTraceDocument& document = *CTraceDocument::Instance();
+    const bool tracked = state.range(0) != 0;
+    document.SetTrackState(tracked);
+    double before = 0;
+    double resident = 0;
+    for ([[maybe_unused]] const auto turn : state) {
+        state.PauseTiming();
+        document.CloseTrace();
+        malloc_trim(0);
+        before = ResidentMiB();
+        state.ResumeTiming();
+        const unsigned result = document.OpenTrace(trace.path.c_str(), true);
+        state.PauseTiming();
+        resident = ResidentMiB();
+        const CFrameStore* store = document.GetFrameStore();
+        CEs2State es2;
+        if (result != kOpened || store->CallCount() != trace.calls ||
+            store->FrameCount() != kFrames || store->GetEs2StateOfFrame(kSought, es2) != tracked) {
+            state.SkipWithError("not loaded as asked");
+        }
+        state.ResumeTiming();
+    }
+    document.CloseTrace();
+    document.SetTrackState(true);
+    state.counters["resident_MiB"] = resident;
+    state.counters["before_MiB"] = before;
+    state.counters["trace_MiB"] = static_cast<double>(trace.bytes) / (1 << 20);
+    state.counters["calls"] = static_cast<double>(trace.calls);
+}
+BENCHMARK(BM_LoadForSeeking)
+    ->ArgName("tracked")
+    ->Arg(1)
+    ->Arg(0)
+    ->Iterations(1)
+    ->Repetitions(5)
+    ->ReportAggregatesOnly()
+    ->Unit(benchmark::kMillisecond);
+
+/// The loaded trace, for all benchmarks that seek in it. The document holds one trace at a time, so
+/// nothing is loaded for others while it lives.
+class CLoaded {
+public:
+    CLoaded() {
+        if (!m_playback.LoadTrace(SeekTrace().path.c_str(), true)) {
+            throw std::runtime_error("not loaded");
+        }
+    }
+    /// A player whose host has nothing yet.
+    void StartAnew() { m_playback.AttachTrace(m_playback.GetTrace()); }
+    AdvancedPlaybackInterface& Playback() { return m_playback; }
+    CFrameStore& Store() { return *m_playback.GetTrace(); }
+
+private:
+    AdvancedPlaybackInterface m_playback;
+};
+
+struct SRecords {
+    CEglState egl;
+    CEs1State es1;
+    CEs2State es2;
+};
+
+SRecords RecordsOf(const CFrameStore& store, std::uint32_t frame) {
+    SRecords records;
+    if (!store.GetEglStateOfFrame(frame, records.egl) ||
+        !store.GetEs1StateOfFrame(frame, records.es1) ||
+        !store.GetEs2StateOfFrame(frame, records.es2)) {
+        throw std::runtime_error("no state");
+    }
+    return records;
+}
+
+/// As the player restores a frame.
+void Restore(const CFrameStore& store, std::uint32_t frame, SRecords& current) {
+    SRecords target = RecordsOf(store, frame);
+    TransitionEglState(target.egl, frame, current.egl);
+    TransitionEs1State(target.es1, &current.es1);
+    TransitionEs2State(target.es2, current.es2);
+    current = target;
+}
+
+void BM_RestoreFromNothing(benchmark::State& state) {
+    const CSilence silence;
+    CLoaded loaded;
+    for ([[maybe_unused]] const auto turn : state) {
+        state.PauseTiming();
+        loaded.StartAnew();
+        SRecords current;
+        state.ResumeTiming();
+        Restore(loaded.Store(), kSought, current);
+    }
+    CEs2Names names;
+    if (names.GetProgramRecord(kPrograms) == nullptr || names.Textures().Get(kTextures) == 0 ||
+        names.Buffers().Get(kBuffers) == CEs2Names::kUnknown) {
+        state.SkipWithError("nothing restored");
+    }
+}
+BENCHMARK(BM_RestoreFromNothing)->Unit(benchmark::kMillisecond);
+
+/// The restore of a frame from the start of another, a number of frames off; there and back.
+void BM_RestoreFromNeighbour(benchmark::State& state) {
+    const CSilence silence;
+    CLoaded loaded;
+    loaded.StartAnew();
+    SRecords current;
+    const auto other = static_cast<std::uint32_t>(kSought + state.range(0));
+    Restore(loaded.Store(), kSought, current);
+    bool there = false;
+    for ([[maybe_unused]] const auto turn : state) {
+        there = !there;
+        Restore(loaded.Store(), there ? other : kSought, current);
+    }
+}
+BENCHMARK(BM_RestoreFromNeighbour)
+    ->ArgName("frames")
+    ->Arg(0)
+    ->Arg(1)
+    ->Arg(10)
+    ->Arg(1'000)
+    ->Unit(benchmark::kMillisecond);
+
+/// A whole frame, restored from the frame before it, with its own calls.
+void BM_PlayFrameBehindNeighbour(benchmark::State& state) {
+    const CSilence silence;
+    CLoaded loaded;
+    loaded.StartAnew();
+    std::int32_t frame = kSought;
+    loaded.Playback().PlayFrame(frame);
+    for ([[maybe_unused]] const auto turn : state) {
+        frame = frame == kSought ? kSought + 1 : kSought;
+        if (!loaded.Playback().PlayFrame(frame)) state.SkipWithError("not played");
+    }
+}
+BENCHMARK(BM_PlayFrameBehindNeighbour)->Unit(benchmark::kMillisecond);
+
+/// A record with one small image for each texture; the images of all such records share contents.
+CEs2State Textured(std::uint32_t count, const CSharedBytes& contents, bool backwards) {
+    CEs2State made;
+    for (std::uint32_t i = 0; i < count; ++i) {
+        const std::uint32_t name = backwards ? count - i : i + 1;
+        STextureImageState& image = made.WriteImage(name, 0, 0);
+        image.name = name;
+        image.target = image.bindTarget = 3553;
+        image.width = image.height = 2;
+        image.format = 6408;
+        image.internalFormat = 6408;
+        image.type = 5121;
+        image.data =
+            CSharedBytes::Borrow(contents.Data() + name * std::size_t{16}, std::size_t{16});
+    }
+    return made;
+}
+
+/// Records that have the textures in common but not one table, in the same order or another.
+void BM_CompareTextures(benchmark::State& state) {
+    const CSilence silence;
+    const auto count = static_cast<std::uint32_t>(state.range(0));
+    const CSharedBytes contents = CSharedBytes::Zeroed((count + std::size_t{1}) * 16);
+    const CEs2State current = Textured(count, contents, false);
+    const CEs2State origin = Textured(count, contents, state.range(1) != 0);
+    for ([[maybe_unused]] const auto turn : state) {
+        CEs2State target = origin;
+        TransitionEs2State(target, current);
+    }
+}
+BENCHMARK(BM_CompareTextures)
+    ->ArgNames({"textures", "reordered"})
+    ->Args({500, 0})
+    ->Args({5'000, 0})
+    ->Args({5'000, 1})
+    ->Unit(benchmark::kMillisecond);
+
+/// Records that differ in the one texture that a call has written.
+void BM_CompareTexturesOfNeighbours(benchmark::State& state) {
+    const CSilence silence;
+    const auto count = static_cast<std::uint32_t>(state.range(0));
+    const CSharedBytes contents = CSharedBytes::Zeroed((count + std::size_t{1}) * 16);
+    const CEs2State current = Textured(count, contents, false);
+    CEs2State origin = current;
+    origin.WriteImage(count / 2, 0, 0).parameters[0] = 9729;
+    for ([[maybe_unused]] const auto turn : state) {
+        CEs2State target = origin;
+        TransitionEs2State(target, current);
+    }
+}
+BENCHMARK(BM_CompareTexturesOfNeighbours)
+    ->ArgName("textures")
+    ->Arg(5'000)
+    ->Unit(benchmark::kMillisecond);
+
+}  // namespace
+}  // namespace kestrail
