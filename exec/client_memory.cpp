@@ -9,28 +9,36 @@ namespace {
 
 // Recorded addresses are 32-bit numbers.
 constexpr std::uintptr_t kRecordedEnd = std::uintptr_t{1} << 32;
+// Below this only a privileged process can map anything.
+constexpr std::uintptr_t kLowEnd = std::uintptr_t{1} << 16;
 
-/// Puts pages that read as zeros behind all recorded addresses that nothing of ours stands at, so
-/// that a host which follows one reads nothing worse. They take no memory. True when that is done.
-bool ZerosBehindRecordedAddresses() {
+bool MapZeros(std::uintptr_t start, std::uintptr_t end) {
 #ifdef MAP_FIXED_NOREPLACE
-    constexpr std::uintptr_t kFirst = std::uintptr_t{1} << 16;
-    constexpr std::uintptr_t kPiece = std::uintptr_t{1} << 28;
-    bool whole = true;
-    for (std::uintptr_t start = kFirst; start < kRecordedEnd;
-         start = (start / kPiece + 1) * kPiece) {
-        const std::uintptr_t size = (start / kPiece + 1) * kPiece - start;
-        void* const wanted = reinterpret_cast<void*>(start);
-        void* const mapped =
-            ::mmap(wanted, size, PROT_READ,
-                   MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE | MAP_FIXED_NOREPLACE, -1, 0);
-        whole = whole && mapped == wanted;
-    }
-    return whole;
+    void* const wanted = reinterpret_cast<void*>(start);
+    void* const mapped =
+        ::mmap(wanted, end - start, PROT_READ,
+               MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE | MAP_FIXED_NOREPLACE, -1, 0);
+    return mapped == wanted;
 #else
     return false;
 #endif
 }
+
+/// Pages that read as zeros behind all recorded addresses that nothing of ours stands at, so that a
+/// host which follows one reads nothing worse. They take no memory, and are there from the first
+/// draw that needs them.
+struct SRecordedZeros {
+    SRecordedZeros() : low(MapZeros(0, kLowEnd)) {
+        constexpr std::uintptr_t kPiece = std::uintptr_t{1} << 28;
+        for (std::uintptr_t start = kLowEnd; start < kRecordedEnd;) {
+            const std::uintptr_t end = (start / kPiece + 1) * kPiece;
+            high = MapZeros(start, end) && high;
+            start = end;
+        }
+    }
+    bool low;
+    bool high = true;
+};
 
 }  // namespace
 
@@ -52,8 +60,10 @@ bool CClientMemory::Reaches(std::uint32_t index, const void* pointer, std::int64
     }
     const auto address = reinterpret_cast<std::uintptr_t>(pointer);
     if (address >= kRecordedEnd) return false;
-    static const bool zeros = ZerosBehindRecordedAddresses();
-    return !zeros || bytes <= static_cast<std::int64_t>(kRecordedEnd - address);
+    static const SRecordedZeros zeros;
+    if (address < kLowEnd) return zeros.low;
+    // A process without room for them takes the host's word for it.
+    return !zeros.high || bytes <= static_cast<std::int64_t>(kRecordedEnd - address);
 }
 
 bool CClientMemory::ReachFrom(std::uint32_t index, std::int64_t vertices) const {
