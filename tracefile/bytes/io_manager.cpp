@@ -45,6 +45,8 @@ bool IOManager::ReadWithRefill(void* buffer, std::uint32_t size) {
 
 bool IOManager::Write(const void* buffer, std::uint32_t size) {
     if (m_writeFile == nullptr) return false;
+    // Nothing to write may come with no pointer, which fwrite must not see.
+    if (size == 0) return true;
     return std::fwrite(buffer, size, 1, m_writeFile) == size;
 }
 
