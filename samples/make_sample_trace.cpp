@@ -1,4 +1,5 @@
-// Writes a sample scene into a trace file: make_sample_trace es1|es2|es3 FILE WIDTH HEIGHT FRAMES.
+// Writes a sample scene into a trace file: make_sample_trace es1|es2|es3|seek FILE WIDTH HEIGHT
+// FRAMES.
 
 #include <cstdio>
 #include <cstdlib>
@@ -13,10 +14,11 @@ int main(int argc, char** argv) {
     const std::map<std::string, decltype(&samples::DrawEs1Scene)> scenes = {
         {"es1", &samples::DrawEs1Scene},
         {"es2", &samples::DrawEs2Scene},
-        {"es3", &samples::DrawEs3Scene}};
+        {"es3", &samples::DrawEs3Scene},
+        {"seek", &samples::DrawSeekScene}};
     const auto scene = scenes.find(argc == 6 ? argv[1] : "");
     if (scene == scenes.end()) {
-        std::fprintf(stderr, "Usage: %s es1|es2|es3 FILE WIDTH HEIGHT FRAMES\n", argv[0]);
+        std::fprintf(stderr, "Usage: %s es1|es2|es3|seek FILE WIDTH HEIGHT FRAMES\n", argv[0]);
         return 2;
     }
     CTraceBuilder trace;

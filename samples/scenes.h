@@ -1,5 +1,5 @@
-// Small animated scenes, one for each API. The same scene is drawn or recorded, depending on the
-// back end that it is given.
+// Small animated scenes, one for each API and one for seeking. The same scene is drawn or recorded,
+// depending on the back end that it is given.
 #pragma once
 
 #include "samples/common/back_end.h"
@@ -12,9 +12,13 @@ struct SSceneSize {
     int frames;
 };
 
-/// Each draws a whole scene, from start-up to tear-down. False if the back end couldn't be opened.
+/// These draw a whole scene, from start-up to tear-down. False if the back end couldn't be opened.
 bool DrawEs1Scene(IBackEnd& backEnd, const SSceneSize& size);
 bool DrawEs2Scene(IBackEnd& backEnd, const SSceneSize& size);
 bool DrawEs3Scene(IBackEnd& backEnd, const SSceneSize& size);
+/// An ES2 scene each of whose frames can be drawn from what is known of its start alone, without
+/// the pictures of those before. It tears nothing down: that would make one more frame, without a
+/// swap.
+bool DrawSeekScene(IBackEnd& backEnd, const SSceneSize& size);
 
 }  // namespace kestrail::samples

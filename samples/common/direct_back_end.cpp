@@ -5,6 +5,10 @@
 
 namespace kestrail::samples {
 
+CDirectBackEnd::~CDirectBackEnd() {
+    if (m_display != EGL_NO_DISPLAY) Close();
+}
+
 bool CDirectBackEnd::Open(int clientVersion, int width, int height) {
     m_display = eglGetDisplay(EGL_DEFAULT_DISPLAY);
     if (eglInitialize(m_display, nullptr, nullptr) == EGL_FALSE) return false;
@@ -33,6 +37,7 @@ void CDirectBackEnd::Close() {
     eglDestroySurface(m_display, m_surface);
     eglDestroyContext(m_display, m_context);
     eglTerminate(m_display);
+    m_display = EGL_NO_DISPLAY;
 }
 
 IBackEnd::Entry CDirectBackEnd::Find(const char* name) {

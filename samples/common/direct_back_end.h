@@ -14,6 +14,10 @@ class CDirectBackEnd : public IBackEnd {
 public:
     /// `atSwap` is run for every finished frame, while its pixels can still be read.
     explicit CDirectBackEnd(std::function<void()> atSwap) : m_atSwap(std::move(atSwap)) {}
+    CDirectBackEnd(const CDirectBackEnd&) = delete;
+    CDirectBackEnd& operator=(const CDirectBackEnd&) = delete;
+    /// Closes what the scene has left open.
+    ~CDirectBackEnd() override;
 
     bool Open(int clientVersion, int width, int height) override;
     void Swap() override;

@@ -30,6 +30,9 @@ public:
         Do(2008, "glBlendColor", Clampf{red}, Clampf{green}, Clampf{blue}, Clampf{alpha});
     }
     void BlendEquation(GLenum mode) { Do(2009, "glBlendEquation", Enum{mode}); }
+    void BlendEquationSeparate(GLenum modeRgb, GLenum modeAlpha) {
+        Do(2010, "glBlendEquationSeparate", Enum{modeRgb}, Enum{modeAlpha});
+    }
     void BlendFuncSeparate(GLenum sourceRgb, GLenum destinationRgb, GLenum sourceAlpha,
                            GLenum destinationAlpha) {
         Do(2012, "glBlendFuncSeparate", Enum{sourceRgb}, Enum{destinationRgb}, Enum{sourceAlpha},

@@ -4,6 +4,7 @@
 
 #include "samples/common/memory.h"
 #include "samples/es2/calls.h"
+#include "samples/es2/program.h"
 #include "samples/es2/shaders.h"
 #include "samples/scenes.h"
 
@@ -51,8 +52,6 @@ private:
         GLint projection, turn, lights, palette, choice;
     };
 
-    GLuint MakeProgram(const char* vertex, const char* fragment,
-                       const std::vector<const char*>& boundAttributes);
     void MakePrograms();
     void MakeCube();
     void MakeTextures();
@@ -81,34 +80,15 @@ private:
     GLuint m_targetTexture = 0, m_target = 0, m_targetDepth = 0, m_flicker = 0;
 };
 
-GLuint CScene::MakeProgram(const char* vertex, const char* fragment,
-                           const std::vector<const char*>& boundAttributes) {
-    const GLuint program = m_gl.CreateProgram();
-    const GLuint vertexShader = m_gl.CreateShader(GL_VERTEX_SHADER);
-    m_gl.ShaderSource(vertexShader, {vertex});
-    m_gl.CompileShader(vertexShader);
-    const GLuint fragmentShader = m_gl.CreateShader(GL_FRAGMENT_SHADER);
-    m_gl.ShaderSource(fragmentShader, {shaders::precision, fragment});
-    m_gl.CompileShader(fragmentShader);
-    m_gl.AttachShader(program, vertexShader);
-    m_gl.AttachShader(program, fragmentShader);
-    GLuint index = 0;
-    for (const char* name : boundAttributes) m_gl.BindAttribLocation(program, index++, name);
-    m_gl.LinkProgram(program);
-    m_gl.DeleteShader(vertexShader);
-    m_gl.DeleteShader(fragmentShader);
-    return program;
-}
-
 void CScene::MakePrograms() {
-    m_tile =
-        MakeProgram(shaders::tileVertex, shaders::tileFragment, {"corner", "texcoord", "colour"});
+    m_tile = MakeProgram(m_gl, shaders::tileVertex, shaders::tileFragment,
+                         {"corner", "texcoord", "colour"});
     m_fade = m_gl.GetUniformLocation(m_tile, "fade");
     m_placement = m_gl.GetUniformLocation(m_tile, "placement");
     m_image = m_gl.GetUniformLocation(m_tile, "image");
     m_filter = m_gl.GetUniformLocation(m_tile, "filterColour");
 
-    m_cube = MakeProgram(shaders::cubeVertex, shaders::cubeFragment, {});
+    m_cube = MakeProgram(m_gl, shaders::cubeVertex, shaders::cubeFragment, {});
     m_normal = static_cast<GLuint>(m_gl.GetAttribLocation(m_cube, "normal"));
     m_position = static_cast<GLuint>(m_gl.GetAttribLocation(m_cube, "position"));
     m_cubeUniforms = {
@@ -116,7 +96,7 @@ void CScene::MakePrograms() {
         m_gl.GetUniformLocation(m_cube, "lights"), m_gl.GetUniformLocation(m_cube, "palette"),
         m_gl.GetUniformLocation(m_cube, "choice")};
 
-    m_flat = MakeProgram(shaders::flatVertex, shaders::flatFragment, {"corner", "shade"});
+    m_flat = MakeProgram(m_gl, shaders::flatVertex, shaders::flatFragment, {"corner", "shade"});
     m_flatTurn = m_gl.GetUniformLocation(m_flat, "turn");
     m_centre = m_gl.GetUniformLocation(m_flat, "centre");
 }

@@ -1,4 +1,4 @@
-// Shader sources of the ES2 scene.
+// Shader sources of the ES2 scenes.
 #pragma once
 
 namespace kestrail::samples::shaders {

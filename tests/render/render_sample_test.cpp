@@ -34,6 +34,7 @@ constexpr SSample sampleScenes[] = {
      ".*Error call:glDraw(Arrays 3036|Elements 3037)"},
     {"es2", "scene-short.kstl", &samples::DrawEs2Scene, {128, 96, 12}, ""},
     {"es3", "es3-short.kstl", &samples::DrawEs3Scene, {128, 96, 10}, ""},
+    {"seek", "seek-short.kstl", &samples::DrawSeekScene, {128, 96, 12}, ""},
 };
 
 class CSampleTest : public testing::TestWithParam<std::tuple<SSample, const char*>> {};

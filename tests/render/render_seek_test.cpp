@@ -190,5 +190,45 @@ TEST(CSeekSampleTest, RendersFramesInAnyOrder) {
               << equal << " equal\n";
 }
 
+constexpr const char* standAloneTrace = KESTRAIL_SAMPLES "/seek-short.kstl";
+
+TEST(CSeekStandAloneTest, RendersEveryPickExactly) {
+    const std::vector<SPicture> direct = DrawDirectly(&samples::DrawSeekScene, sampleSize);
+    ASSERT_EQ(direct.size(), static_cast<std::size_t>(sampleSize.frames));
+    const SPlayerRun run =
+        RunPlayer(standAloneTrace, {"--random", "--iterations=" + std::to_string(playsWanted + 1)},
+                  KESTRAIL_RENDER_OUTPUT "/seek-random-alone");
+    ExpectSoundRun(run);
+    EXPECT_EQ(Complaints(run), std::vector<std::string>{});
+    unsigned number = 0;
+    unsigned before = 0;
+    for (const unsigned frame : PickedFrames(static_cast<unsigned>(sampleSize.frames))) {
+        SCOPED_TRACE("play " + std::to_string(++number) + ", frame " + std::to_string(frame) +
+                     " after " + std::to_string(before));
+        const SDifference difference = Compare(direct[frame - 1], CapturedFrame(run, number));
+        EXPECT_TRUE(difference.None())
+            << (difference.sameSize ? "" : "missing or of another size ") << difference.pixels;
+        before = frame;
+    }
+    EXPECT_EQ(number, playsWanted);
+    EXPECT_TRUE(CapturedFrame(run, number + 1).pixels.empty()) << "more frames were presented";
+}
+
+TEST(CSeekStandAloneTest, RendersEachFrameExactlyInAFreshProcess) {
+    const std::vector<SPicture> direct = DrawDirectly(&samples::DrawSeekScene, sampleSize);
+    ASSERT_EQ(direct.size(), static_cast<std::size_t>(sampleSize.frames));
+    for (std::size_t i = 0; i < direct.size(); ++i) {
+        SCOPED_TRACE("frame " + std::to_string(i + 1));
+        const SPlayerRun run = RunPlayer(standAloneTrace, {"--frame=" + std::to_string(i + 1)},
+                                         KESTRAIL_RENDER_OUTPUT "/seek-alone");
+        ExpectSoundRun(run);
+        EXPECT_EQ(Complaints(run), std::vector<std::string>{});
+        const SDifference difference = Compare(direct[i], CapturedFrame(run, 1));
+        EXPECT_TRUE(difference.None())
+            << (difference.sameSize ? "" : "missing or of another size ") << difference.pixels;
+        EXPECT_TRUE(CapturedFrame(run, 2).pixels.empty()) << "more than one frame was presented";
+    }
+}
+
 }  // namespace
 }  // namespace kestrail
