@@ -12,8 +12,8 @@
 namespace kestrail {
 
 /// The value at a position below `Count()`, of a table that is only read.
-template <typename Value>
-const Value& ValueAt(const TStateTable<Value>& table, std::int32_t position) {
+template <typename Table>
+const typename Table::ValueType& ValueAt(const Table& table, std::int32_t position) {
     return *table.ValueAt(position);
 }
 

@@ -41,6 +41,8 @@ public:
     std::uint8_t m_group;
     /// The header's edit lists name this call.
     bool m_edited = false;
+    /// The class has an `UpdateState` of its own.
+    bool m_updatesState = false;
     /// What glGetError gave after the call when it was recorded; stays 0 for EGL and extension
     /// calls, which keep their own.
     TGLError m_error;

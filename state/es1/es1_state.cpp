@@ -2,9 +2,19 @@
 
 namespace kestrail {
 
-SMatrixStack::SMatrixStack() {
-    constexpr SMatrix kIdentity = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
-    levels.fill(kIdentity);
+namespace {
+
+constexpr SMatrix kIdentity = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+
+}  // namespace
+
+const SMatrix& CMatrixStack::Level(std::uint32_t level) const {
+    return level < m_levels.Size() ? m_levels[level] : kIdentity;
+}
+
+SMatrix& CMatrixStack::WriteLevel(std::uint32_t level) {
+    while (m_levels.Size() <= level) m_levels.Append() = kIdentity;
+    return m_levels.Write(level);
 }
 
 SLights::SLights() {

@@ -4,20 +4,35 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 
 #include "base/shared.h"
+#include "base/shared_array.h"
 #include "state/es2/es2_state.h"
 
 namespace kestrail {
 
 using SMatrix = std::array<float, 16>;
 
-struct SMatrixStack {
-    static constexpr std::int32_t kLevels = 20;
-    /// With the identity at every level.
-    SMatrixStack();
-    std::array<SMatrix, kLevels> levels;
+/// The identity at every level until it is written.
+class CMatrixStack {
+public:
+    static constexpr std::uint32_t kLevels = 20;
+
+    const SMatrix& Level(std::uint32_t level) const;
+    /// The level to change; below `kLevels`.
+    SMatrix& WriteLevel(std::uint32_t level);
+    bool SameAs(const CMatrixStack& other) const {
+        return top == other.top && m_levels.SameAs(other.m_levels);
+    }
+
+    /// The level of the current matrix.
+    std::int32_t top = 0;
+
+private:
+    /// As far as any was written.
+    TSharedArray<SMatrix> m_levels;
 };
 
 /// Where the stacks of a mode begin.
@@ -27,6 +42,23 @@ enum EMatrixStack : std::int32_t {
     kStackTexture = 2,
     kStackPalette = 34,
     kMatrixStacks = 43,
+};
+
+/// By `EMatrixStack`. Those beyond the first texture unit's hardly ever change.
+class CMatrixStacks {
+public:
+    const CMatrixStack& operator[](std::size_t stack) const {
+        return stack < kCommon ? m_common[stack] : (*m_others)[stack - kCommon];
+    }
+    CMatrixStack& Write(std::size_t stack) {
+        return stack < kCommon ? m_common[stack] : m_others.Write()[stack - kCommon];
+    }
+
+private:
+    static constexpr std::size_t kCommon = 3;
+
+    std::array<CMatrixStack, kCommon> m_common;
+    TShared<std::array<CMatrixStack, kMatrixStacks - kCommon>> m_others;
 };
 
 /// Parameters of a light, in the order of its values.
@@ -156,10 +188,8 @@ public:
                                                                   {0.0F, 0.0F, 0.0F, 1.1F},
                                                                   {0.0F, 0.0F, 0.0F, 0.0F}}};
     std::uint32_t matrixMode = 5888;
-    /// The index of each stack's top.
-    std::array<std::int32_t, kMatrixStacks> stackDepth{};
-    std::array<TShared<SMatrixStack>, kMatrixStacks> matrixStacks;
-    std::array<SVector4, kTextureUnits> currentTexCoord{};
+    CMatrixStacks matrixStacks;
+    TShared<std::array<SVector4, kTextureUnits>> currentTexCoord;
     std::array<float, 3> currentNormal = {0.0F, 0.0F, 1.0F};
     std::int32_t packAlignment = 4;
     std::int32_t unpackAlignment = 4;

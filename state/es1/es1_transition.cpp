@@ -123,7 +123,7 @@ void TransitionScalars1(SEs1Transition& t) {
 void TransitionMatrices1(SEs1Transition& t) {
     // The last palette stack is left out.
     constexpr std::int32_t kRestored = kMatrixStacks - 1;
-    constexpr std::int32_t kDeepest = SMatrixStack::kLevels - 1;
+    constexpr auto kDeepest = static_cast<std::int32_t>(CMatrixStack::kLevels) - 1;
     for (std::int32_t i = 0; i < kRestored; ++i) {
         const auto place = static_cast<std::size_t>(i);
         if (i == kStackModelView) {
@@ -138,14 +138,14 @@ void TransitionMatrices1(SEs1Transition& t) {
             t.SelectPalette(i - kStackPalette);
         }
         // What selects nothing goes through the stack that was selected before it.
-        const std::int32_t pushed = t.current != nullptr ? t.current->stackDepth[place] : 0;
+        const std::int32_t pushed = t.current != nullptr ? t.current->matrixStacks[place].top : 0;
         for (std::int32_t level = 0; level < std::min(pushed, kDeepest); ++level) {
             t.host.glPopMatrix();
         }
-        const SMatrixStack& stack = *t.target.matrixStacks[place];
-        const std::int32_t top = std::clamp(t.target.stackDepth[place], 0, kDeepest);
+        const CMatrixStack& stack = t.target.matrixStacks[place];
+        const std::int32_t top = std::clamp(stack.top, 0, kDeepest);
         for (std::int32_t level = 0; level <= top; ++level) {
-            t.host.glLoadMatrixf(stack.levels[static_cast<std::size_t>(level)].data());
+            t.host.glLoadMatrixf(stack.Level(static_cast<std::uint32_t>(level)).data());
             if (level < top) t.host.glPushMatrix();
         }
     }

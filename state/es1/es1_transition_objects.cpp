@@ -127,7 +127,7 @@ void TransitionUnits1(SEs1Transition& t) {
     for (std::uint32_t unit = 0; unit < t.Units(); ++unit) {
         t.host.glActiveTexture(GL_TEXTURE0 + unit);
         t.host.glBindTexture(GL_TEXTURE_2D, t.target.binding2D[unit]);
-        const SVector4& coord = t.target.currentTexCoord[unit];
+        const SVector4& coord = (*t.target.currentTexCoord)[unit];
         t.host.glMultiTexCoord4f(GL_TEXTURE0 + unit, coord[0], coord[1], coord[2], coord[3]);
         t.Enable(GL_TEXTURE_2D, t.target.texture2DEnabled[unit] != 0);
     }

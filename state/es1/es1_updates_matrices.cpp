@@ -37,15 +37,14 @@ std::int32_t CurrentStack(const CEs1State& state, bool withPalette) {
     }
 }
 
-std::size_t TopOf(const CEs1State& state, std::size_t stack) {
-    return static_cast<std::size_t>(state.stackDepth[stack]);
+std::uint32_t TopOf(const CEs1State& state, std::size_t stack) {
+    return static_cast<std::uint32_t>(state.matrixStacks[stack].top);
 }
 
 /// Most frames load what is there already: a stack is copied only for a level that changes.
-void SetLevel(CEs1State& state, std::size_t stack, std::size_t level, const SMatrix& matrix) {
-    auto& levels = state.matrixStacks[stack];
-    if (SameBits(levels->levels[level], matrix)) return;
-    levels.Write().levels[level] = matrix;
+void SetLevel(CEs1State& state, std::size_t stack, std::uint32_t level, const SMatrix& matrix) {
+    if (SameBits(state.matrixStacks[stack].Level(level), matrix)) return;
+    state.matrixStacks.Write(stack).WriteLevel(level) = matrix;
 }
 
 bool Load(CEs1State& state, const SMatrix& matrix, bool withPalette) {
@@ -60,8 +59,8 @@ bool Multiply(CEs1State& state, const SMatrix& factor) {
     const std::int32_t current = CurrentStack(state, false);
     if (current == kNoStack) return false;
     const auto stack = static_cast<std::size_t>(current);
-    const std::size_t top = TopOf(state, stack);
-    SetLevel(state, stack, top, Product(state.matrixStacks[stack]->levels[top], factor));
+    const std::uint32_t top = TopOf(state, stack);
+    SetLevel(state, stack, top, Product(state.matrixStacks[stack].Level(top), factor));
     return true;
 }
 
@@ -82,19 +81,19 @@ bool CEs1_glPushMatrix_v1::UpdateState(CEs1State& state) {
     const std::int32_t current = CurrentStack(state, true);
     if (current == kNoStack) return false;
     const auto stack = static_cast<std::size_t>(current);
-    const std::size_t top = TopOf(state, stack);
-    if (top + 1 >= static_cast<std::size_t>(SMatrixStack::kLevels)) return true;
-    const SMatrix matrix = state.matrixStacks[stack]->levels[top];
+    const std::uint32_t top = TopOf(state, stack);
+    if (top + 1 >= CMatrixStack::kLevels) return true;
+    const SMatrix matrix = state.matrixStacks[stack].Level(top);
     SetLevel(state, stack, top + 1, matrix);
-    ++state.stackDepth[stack];
+    ++state.matrixStacks.Write(stack).top;
     return true;
 }
 
 bool CEs1_glPopMatrix_v1::UpdateState(CEs1State& state) {
     const std::int32_t current = CurrentStack(state, false);
     if (current == kNoStack) return false;
-    std::int32_t& depth = state.stackDepth[static_cast<std::size_t>(current)];
-    if (depth > 0) --depth;
+    const auto stack = static_cast<std::size_t>(current);
+    if (state.matrixStacks[stack].top > 0) --state.matrixStacks.Write(stack).top;
     return true;
 }
 

@@ -44,8 +44,11 @@ template <typename Call>
 bool SetTexCoord(CEs1State& state, std::uint32_t texture, const Call& call) {
     const std::int32_t unit = CEs1State::UnitOf(texture);
     if (unit < 0) return false;
-    state.currentTexCoord[static_cast<std::size_t>(unit)] = {Number(call.s), Number(call.t),
-                                                             Number(call.r), Number(call.q)};
+    const auto index = static_cast<std::size_t>(unit);
+    const SVector4 coord = {Number(call.s), Number(call.t), Number(call.r), Number(call.q)};
+    if (!SameBits((*state.currentTexCoord)[index], coord)) {
+        state.currentTexCoord.Write()[index] = coord;
+    }
     return true;
 }
 

@@ -31,7 +31,14 @@ const STextureImageState* CEs2State::FindImage(std::uint32_t name, std::uint32_t
 
 STextureImageState& CEs2State::WriteImage(std::uint32_t name, std::uint32_t face,
                                           std::uint32_t level) {
-    return textures.Write().GetOrCreate(name).Write().GetOrCreate(face).GetOrCreate(level);
+    STextureFaces& faces = textures.Write().GetOrCreate(name).Write();
+    if (face == 0 && level == 0) faces.hasFirst = true;
+    return faces.GetOrCreate(face).GetOrCreate(level);
+}
+
+bool CEs2State::HasFirstImage(std::uint32_t name) const {
+    const TShared<STextureFaces>* faces = textures->Find(name);
+    return faces != nullptr && (*faces)->hasFirst;
 }
 
 const SVertexArrayState& CEs2State::CurrentVertexArray() const {

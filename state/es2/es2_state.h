@@ -4,7 +4,9 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <vector>
 
 #include "base/kstl_string.h"
@@ -71,19 +73,63 @@ struct SShaderState {
     std::int32_t attachCount = 0;
 };
 
+/// What a uniform or an attribute is set to: floats, or integers where the kind says so. Up to four
+/// stand here; more are referred to where the call keeps them, which outlives every record.
+class CShaderValues {
+public:
+    template <typename T>
+    void Set(const T* values, std::uint32_t count) {
+        static_assert(sizeof(T) == kWidth);
+        m_count = count;
+        if (count <= kHeld) {
+            std::memcpy(m_held, values, std::size_t{count} * kWidth);
+        } else {
+            m_kept = values;
+        }
+    }
+    /// Compared as bytes: a NaN is the same value as before, and -0 another one than 0.
+    bool Are(const void* values, std::uint32_t count) const {
+        return m_count == count && std::memcmp(Data(), values, std::size_t{count} * kWidth) == 0;
+    }
+    std::uint32_t Count() const { return m_count; }
+    const float* Floats() const { return static_cast<const float*>(Data()); }
+    const std::int32_t* Integers() const { return static_cast<const std::int32_t*>(Data()); }
+
+private:
+    static constexpr std::size_t kWidth = 4;
+    static constexpr std::uint32_t kHeld = 4;
+
+    const void* Data() const { return m_count <= kHeld ? m_held : m_kept; }
+
+    std::uint32_t m_count = 0;
+    union {
+        std::uint8_t m_held[kHeld * kWidth] = {};
+        const void* m_kept;
+    };
+};
+
 struct SUniformState {
     static constexpr std::uint32_t kNeverSet = 9999;
     static constexpr std::uint32_t kInteger = 0;
     static constexpr std::uint32_t kFloat = 1;
     static constexpr std::uint32_t kMatrix = 2;
 
-    std::int32_t location = 0;
-    std::int32_t liveLocation = 0;
-    TShared<CKSTLString> name;
     std::int32_t components = 0;
     std::uint32_t kind = kNeverSet;
-    std::vector<float> floats;
-    std::vector<std::int32_t> ints;
+    CShaderValues values;
+};
+
+struct SUniformLocation {
+    std::int32_t location = 0;
+    std::int32_t liveLocation = 0;
+    CKSTLString name;
+};
+
+/// The uniforms of a program by recorded location. Values change in every frame, names hardly ever,
+/// so that those are in a table of their own; both tables have the same locations.
+struct SProgramUniforms {
+    TShared<TStateTable<SUniformLocation>> locations;
+    TStateTable<SUniformState, 4> values;
 };
 
 struct SAttributeState {
@@ -91,7 +137,7 @@ struct SAttributeState {
     std::uint32_t index = 0;
     std::uint8_t bound = 0;
     std::int32_t components = 0;
-    std::vector<float> values;
+    CShaderValues values;
 };
 
 struct SAttribPointerState {
@@ -162,7 +208,13 @@ struct STextureImageState {
 };
 
 /// Images of a texture by face (0 but for cube maps), then level.
-using STextureFaces = TStateTable<TStateTable<STextureImageState>>;
+struct STextureFaces : TStateTable<TStateTable<STextureImageState>> {
+    /// There is an image at face 0, level 0: the one that holds the parameters.
+    bool hasFirst = false;
+};
+
+/// The texture that each unit has bound.
+using SUnitBindings = std::array<std::uint32_t, kTextureUnits>;
 
 /// The capabilities of glEnable, in the order of `capabilities`.
 inline constexpr std::array<std::uint32_t, 9> kEs2Capabilities = {3042,  2884,  2929, 3024, 32823,
@@ -176,11 +228,11 @@ public:
     std::uint16_t apiVersion = 2;  ///< 3 once an ES3 context is in use
     std::int32_t textureUnitsUsed = 1;
     std::uint32_t activeTexture = 33984;
-    std::array<std::uint32_t, kTextureUnits> binding2D{};
-    std::array<std::uint32_t, kTextureUnits> bindingCube{};
-    std::array<std::uint32_t, kTextureUnits> bindingOther{};
-    std::array<std::uint32_t, kTextureUnits> binding3D{};
-    std::array<std::uint32_t, kTextureUnits> binding2DArray{};
+    TShared<SUnitBindings> binding2D;
+    TShared<SUnitBindings> bindingCube;
+    TShared<SUnitBindings> bindingOther;  ///< of targets that no call of the record's sets
+    TShared<SUnitBindings> binding3D;
+    TShared<SUnitBindings> binding2DArray;
     std::uint32_t blendEquationAlpha = 32774;
     std::uint32_t blendEquationRgb = 32774;
     std::array<float, 4> blendColor{};
@@ -234,7 +286,7 @@ public:
     std::uint32_t stencilDepthPassBack = 7680;
     TShared<TStateTable<TShared<STextureFaces>>> textures;
     /// By program, then recorded location.
-    TShared<TStateTable<TShared<TStateTable<TShared<SUniformState>>>>> uniforms;
+    TShared<TStateTable<TShared<SProgramUniforms>>> uniforms;
     /// Constant attribute values, by program, then index.
     TShared<TStateTable<TShared<TStateTable<SAttributeState>>>> attributeValues;
     /// What glBindAttribLocation set, by the same keys.
@@ -246,6 +298,8 @@ public:
     /// The image at (name, face, level); null when there is none.
     const STextureImageState* FindImage(std::uint32_t name, std::uint32_t face,
                                         std::uint32_t level) const;
+    /// Whether there is an image at (name, 0, 0).
+    bool HasFirstImage(std::uint32_t name) const;
     /// The image to change; a default one is made where there is none.
     STextureImageState& WriteImage(std::uint32_t name, std::uint32_t face, std::uint32_t level);
     /// The vertex array in use; an empty one when no call has written it yet.

@@ -92,8 +92,8 @@ void BindAttributes(SEs2Host& host, GLuint live, const TStateTable<SAttributeSta
 }
 
 void SetIntegers(SEs2Host& host, GLint at, const SUniformState& uniform) {
-    const GLint* v = uniform.ints.data();
-    const auto size = static_cast<GLsizei>(uniform.ints.size());
+    const GLint* v = uniform.values.Integers();
+    const auto size = static_cast<GLsizei>(uniform.values.Count());
     if (uniform.components < 1 || uniform.components > 4 || size < uniform.components) return;
     const GLsizei count = size / uniform.components;
     const bool array = count > 1;
@@ -111,8 +111,8 @@ void SetIntegers(SEs2Host& host, GLint at, const SUniformState& uniform) {
 }
 
 void SetFloats(SEs2Host& host, GLint at, const SUniformState& uniform) {
-    const GLfloat* v = uniform.floats.data();
-    const auto size = static_cast<GLsizei>(uniform.floats.size());
+    const GLfloat* v = uniform.values.Floats();
+    const auto size = static_cast<GLsizei>(uniform.values.Count());
     if (uniform.components < 1 || uniform.components > 4 || size < uniform.components) return;
     const GLsizei count = size / uniform.components;
     const bool array = count > 1;
@@ -130,8 +130,8 @@ void SetFloats(SEs2Host& host, GLint at, const SUniformState& uniform) {
 }
 
 void SetMatrices(SEs2Host& host, GLint at, const SUniformState& uniform) {
-    const GLfloat* v = uniform.floats.data();
-    const auto size = static_cast<GLsizei>(uniform.floats.size());
+    const GLfloat* v = uniform.values.Floats();
+    const auto size = static_cast<GLsizei>(uniform.values.Count());
     switch (uniform.components) {
         case 4:
             return host.glUniformMatrix2fv(at, size / 4, GL_FALSE, v);
@@ -162,8 +162,8 @@ void SetConstantAttributes(SEs2Host& host, const TStateTable<SAttributeState>* a
     for (std::int32_t i = 0; i < attributes->Count(); ++i) {
         const GLuint index = attributes->KeyAt(i);
         const SAttributeState& attribute = ValueAt(*attributes, i);
-        const auto& v = attribute.values;
-        if (std::cmp_less(v.size(), attribute.components)) continue;
+        if (std::cmp_less(attribute.values.Count(), attribute.components)) continue;
+        const float* v = attribute.values.Floats();
         switch (attribute.components) {
             case 1:
                 host.glVertexAttrib1f(index, v[0]);
@@ -310,16 +310,16 @@ private:
         m_names.ClearUniformLocations(live);
         const auto* entry = m_target.uniforms->Find(name);
         if (entry == nullptr) return;
-        const auto& uniforms = **entry;
-        for (std::int32_t i = 0; i < uniforms.Count(); ++i) {
-            const SUniformState& uniform = *ValueAt(uniforms, i);
-            const GLint at = m_host.glGetUniformLocation(live, uniform.name->c_str());
+        const TStateTable<SUniformLocation>& locations = *(*entry)->locations;
+        for (std::int32_t i = 0; i < locations.Count(); ++i) {
+            const SUniformLocation& uniform = ValueAt(locations, i);
+            const GLint at = m_host.glGetUniformLocation(live, uniform.name.c_str());
             if (at == -1) {
                 m_host.glIsProgram(live);
                 continue;
             }
             m_names.SetUniformLocation(live, uniform.location, at);
-            SetUniform(m_host, at, uniform);
+            SetUniform(m_host, at, *(*entry)->values.Find(locations.KeyAt(i)));
         }
     }
 

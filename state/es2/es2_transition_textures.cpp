@@ -162,9 +162,10 @@ private:
             std::clamp(m_target.textureUnitsUsed, 0, static_cast<std::int32_t>(kTextureUnits)));
         for (std::uint32_t unit = 0; unit < units; ++unit) {
             m_host.glActiveTexture(GL_TEXTURE0 + unit);
-            m_host.glBindTexture(GL_TEXTURE_2D, m_names.Textures().Get(m_target.binding2D[unit]));
+            m_host.glBindTexture(GL_TEXTURE_2D,
+                                 m_names.Textures().Get((*m_target.binding2D)[unit]));
             m_host.glBindTexture(GL_TEXTURE_CUBE_MAP,
-                                 m_names.Textures().Get(m_target.bindingCube[unit]));
+                                 m_names.Textures().Get((*m_target.bindingCube)[unit]));
         }
         m_host.glActiveTexture(m_target.activeTexture);
     }

@@ -37,45 +37,24 @@ std::uint32_t* ShaderSlot(SProgramState& program, std::uint32_t type) {
     return type == GL_FRAGMENT_SHADER ? &program.fragmentShader : nullptr;
 }
 
-/// Compared as bytes: a NaN is the same value as before, and -0 another one than 0.
-template <typename T>
-bool SameValues(const std::vector<T>& held, const T* values, std::size_t count) {
-    return held.size() == count && std::memcmp(held.data(), values, count * sizeof(T)) == 0;
-}
-
-std::vector<float>& ValuesOf(SUniformState& uniform, const float*) {
-    return uniform.floats;
-}
-std::vector<std::int32_t>& ValuesOf(SUniformState& uniform, const std::int32_t*) {
-    return uniform.ints;
-}
-const std::vector<float>& ValuesOf(const SUniformState& uniform, const float*) {
-    return uniform.floats;
-}
-const std::vector<std::int32_t>& ValuesOf(const SUniformState& uniform, const std::int32_t*) {
-    return uniform.ints;
-}
-
 /// Sets a uniform of the current program. One whose location was never asked for has no name to
 /// find it by in another run, so it has no place in the record.
 template <typename T>
 bool StoreUniform(CEs2State& state, std::int32_t location, std::uint32_t kind,
-                  std::int32_t components, const T* values, std::size_t count) {
+                  std::int32_t components, const T* values, std::uint32_t count) {
     if (location == -1) return true;
     const auto key = static_cast<std::uint32_t>(location);
     const std::uint32_t program = state.currentProgram.name;
-    const auto* locations = state.uniforms->Find(program);
-    const TShared<SUniformState>* found = locations != nullptr ? (*locations)->Find(key) : nullptr;
-    if (found == nullptr) return true;
-    const SUniformState& held = **found;
-    if (held.kind == kind && held.components == components &&
-        SameValues(ValuesOf(held, values), values, count)) {
+    const TShared<SProgramUniforms>* uniforms = state.uniforms->Find(program);
+    const SUniformState* held = uniforms != nullptr ? (*uniforms)->values.Find(key) : nullptr;
+    if (held == nullptr) return true;
+    if (held->kind == kind && held->components == components && held->values.Are(values, count)) {
         return true;
     }
-    SUniformState& uniform = state.uniforms.Write().Find(program)->Write().Find(key)->Write();
+    SUniformState& uniform = *state.uniforms.Write().Find(program)->Write().values.Find(key);
     uniform.kind = kind;
     uniform.components = components;
-    ValuesOf(uniform, values).assign(values, values + count);
+    uniform.values.Set(values, count);
     return true;
 }
 
@@ -84,7 +63,7 @@ constexpr std::uint32_t kKindOf = SUniformState::kInteger;
 template <>
 constexpr std::uint32_t kKindOf<float> = SUniformState::kFloat;
 
-template <typename T, std::size_t N>
+template <typename T, std::uint32_t N>
 bool SetUniform(CEs2State& state, const TintType<17>& location, const T (&values)[N]) {
     return StoreUniform(state, location.GetValue(), kKindOf<T>, static_cast<std::int32_t>(N),
                         values, N);
@@ -99,7 +78,7 @@ bool SetUniformArray(CEs2State& state, const TintType<17>& location, const TintT
     const typename Array::ValueType* values = array.GetRawArray();
     return StoreUniform(state, location.GetValue(), kind,
                         static_cast<std::int32_t>(Array::kItemSize), values,
-                        static_cast<std::size_t>(items) * Array::kItemSize);
+                        static_cast<std::uint32_t>(items) * Array::kItemSize);
 }
 
 template <typename Array>
@@ -115,22 +94,23 @@ bool SetMatrices(CEs2State& state, const TintType<17>& location, const TintType<
 }
 
 /// Sets the constant value of an attribute in the current program.
-bool StoreAttribute(CEs2State& state, std::uint32_t index, const float* values, std::size_t count) {
+bool StoreAttribute(CEs2State& state, std::uint32_t index, const float* values,
+                    std::uint32_t count) {
     if (values == nullptr || index >= SVertexArrayState::kMaxAttributes) return false;
     const std::uint32_t program = state.currentProgram.name;
     if (const auto* attributes = state.attributeValues->Find(program)) {
         const SAttributeState* held = (*attributes)->Find(index);
-        if (held != nullptr && SameValues(held->values, values, count)) return true;
+        if (held != nullptr && held->values.Are(values, count)) return true;
     }
     SAttributeState& attribute =
         state.attributeValues.Write().GetOrCreate(program).Write().GetOrCreate(index);
     attribute.index = index;
     attribute.components = static_cast<std::int32_t>(count);
-    attribute.values.assign(values, values + count);
+    attribute.values.Set(values, count);
     return true;
 }
 
-template <std::size_t N>
+template <std::uint32_t N>
 bool SetAttribute(CEs2State& state, const TuintType<21>& index, const float (&values)[N]) {
     return StoreAttribute(state, index.GetValue(), values, N);
 }
@@ -285,14 +265,15 @@ bool CEs2_glGetUniformLocation_v1::UpdateState(CEs2State& state) {
     const std::int32_t location = result.GetValue();
     if (location == -1 || name.GetCString()[0] == '\0') return true;
     const auto key = static_cast<std::uint32_t>(location);
-    if (const auto* locations = state.uniforms->Find(program.GetValue())) {
-        const TShared<SUniformState>* held = (*locations)->Find(key);
-        if (held != nullptr && SameText((*held)->name, name)) return true;
+    if (const auto* uniforms = state.uniforms->Find(program.GetValue())) {
+        const SUniformLocation* held = (*uniforms)->locations->Find(key);
+        if (held != nullptr && held->name.view() == name.GetCString()) return true;
     }
-    SUniformState& uniform =
-        state.uniforms.Write().GetOrCreate(program.GetValue()).Write().GetOrCreate(key).Write();
-    uniform.location = uniform.liveLocation = location;
-    uniform.name = TShared<CKSTLString>(CKSTLString(name.GetCString()));
+    SProgramUniforms& uniforms = state.uniforms.Write().GetOrCreate(program.GetValue()).Write();
+    uniforms.values.GetOrCreate(key);
+    SUniformLocation& made = uniforms.locations.Write().GetOrCreate(key);
+    made.location = made.liveLocation = location;
+    made.name = name.GetCString();
     return true;
 }
 

@@ -18,10 +18,8 @@ namespace {
 /// says, so one above this keeps none: a small file must not take gigabytes.
 constexpr std::uint64_t kMaxZeroedImage = 256u << 20;
 
-using Units = std::array<std::uint32_t, kTextureUnits>;
-
 /// What the units have bound to `target`; null for a target that the record doesn't hold.
-Units* UnitsOf(CEs2State& state, std::uint32_t target) {
+TShared<SUnitBindings>* UnitsOf(CEs2State& state, std::uint32_t target) {
     switch (target) {
         case GL_TEXTURE_2D:
             return &state.binding2D;
@@ -46,9 +44,9 @@ bool PlaceOf(const CEs2State& state, std::uint32_t target, SImagePlace& place) {
     const std::uint32_t unit = ActiveUnit(state);
     if (unit == kTextureUnits) return false;
     if (target == GL_TEXTURE_2D) {
-        place = {state.binding2D[unit], 0};
+        place = {(*state.binding2D)[unit], 0};
     } else if (IsCubeFace(target)) {
-        place = {state.bindingCube[unit], target - GL_TEXTURE_CUBE_MAP_POSITIVE_X};
+        place = {(*state.bindingCube)[unit], target - GL_TEXTURE_CUBE_MAP_POSITIVE_X};
     } else {
         return false;
     }
@@ -57,7 +55,7 @@ bool PlaceOf(const CEs2State& state, std::uint32_t target, SImagePlace& place) {
 
 /// The image that holds a texture's parameters, made where there is none.
 STextureImageState& WriteFirstImage(CEs2State& state, std::uint32_t name, std::uint32_t target) {
-    const bool made = state.FindImage(name, 0, 0) == nullptr;
+    const bool made = !state.HasFirstImage(name);
     STextureImageState& image = state.WriteImage(name, 0, 0);
     if (made) {
         image.name = name;
@@ -68,10 +66,10 @@ STextureImageState& WriteFirstImage(CEs2State& state, std::uint32_t name, std::u
 
 bool SetTexParameter(CEs2State& state, std::uint32_t target, std::uint32_t pname,
                      std::int32_t value) {
-    const Units* units = UnitsOf(state, target);
+    const TShared<SUnitBindings>* units = UnitsOf(state, target);
     const std::uint32_t unit = ActiveUnit(state);
     if (units == nullptr || unit == kTextureUnits) return false;
-    const std::uint32_t name = (*units)[unit];
+    const std::uint32_t name = (**units)[unit];
     if (name == 0) return false;
     const int found = TextureParameterIndex(pname);
     if (found < 0) return true;
@@ -255,10 +253,10 @@ bool CEs2_glActiveTexture_v1::UpdateState(CEs2State& state) {
 bool CEs2_glBindTexture_v1::UpdateState(CEs2State& state) {
     const std::uint32_t name = texture.GetValue();
     const std::uint32_t unit = ActiveUnit(state);
-    Units* units = UnitsOf(state, target.GetValue());
+    TShared<SUnitBindings>* units = UnitsOf(state, target.GetValue());
     if (unit == kTextureUnits || units == nullptr) return false;
-    (*units)[unit] = name;
-    if (name != 0 && state.FindImage(name, 0, 0) == nullptr) {
+    if ((**units)[unit] != name) units->Write()[unit] = name;
+    if (name != 0 && !state.HasFirstImage(name)) {
         WriteFirstImage(state, name, target.GetValue());
     }
     return true;
@@ -267,11 +265,16 @@ bool CEs2_glBindTexture_v1::UpdateState(CEs2State& state) {
 bool CEs2_glDeleteTextures_v1::UpdateState(CEs2State& state) {
     const auto used = static_cast<std::size_t>(state.textureUnitsUsed);
     const std::uint32_t count = textures.ItemCount();
-    for (std::uint32_t i = 0; i < count; ++i) {
-        const std::uint32_t name = textures.GetItem(i);
-        for (Units* units :
-             {&state.binding2D, &state.bindingCube, &state.binding3D, &state.binding2DArray}) {
-            std::replace(units->begin(), units->begin() + used, name, 0u);
+    for (TShared<SUnitBindings>* units :
+         {&state.binding2D, &state.bindingCube, &state.binding3D, &state.binding2DArray}) {
+        for (std::size_t unit = 0; unit < used; ++unit) {
+            const std::uint32_t bound = (**units)[unit];
+            if (bound == 0) continue;
+            for (std::uint32_t i = 0; i < count; ++i) {
+                if (textures.GetItem(i) != bound) continue;
+                units->Write()[unit] = 0;
+                break;
+            }
         }
     }
     return EraseRecords(state.textures, textures);

@@ -13,7 +13,7 @@ namespace {
 bool PlaceOf3D(const CEs2State& state, std::uint32_t target, SImagePlace& place) {
     const std::uint32_t unit = ActiveUnit(state);
     if (unit == kTextureUnits) return false;
-    if (target == GL_TEXTURE_2D_ARRAY) place.name = state.binding2DArray[unit];
+    if (target == GL_TEXTURE_2D_ARRAY) place.name = (*state.binding2DArray)[unit];
     return target == GL_TEXTURE_2D_ARRAY || target == GL_TEXTURE_3D;
 }
 

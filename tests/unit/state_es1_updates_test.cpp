@@ -59,7 +59,8 @@ protected:
         return Apply(3008, Gl().Enum(34962).Intptr(offset).Sizeiptr(size).Data(1, bytes));
     }
     SMatrix Top(std::size_t stack) const {
-        return state.matrixStacks[stack]->levels[static_cast<std::size_t>(state.stackDepth[stack])];
+        return state.matrixStacks[stack].Level(
+            static_cast<std::uint32_t>(state.matrixStacks[stack].top));
     }
     Bytes ImageBytes(std::uint32_t name, std::uint32_t level = 0) const {
         const STextureImage1State* image = state.FindImage(name, level);
@@ -112,7 +113,7 @@ TEST_F(StateEs1Updates, FixedPointValuesAreDividedByTwelve) {
          {2, 3, 4}},
         {3097,
          Gl().Enum(33985).Fixed(24).Fixed(36).Fixed(48).Fixed(12),
-         [](auto& s) { return s.currentTexCoord[1].data(); },
+         [](auto& s) { return (*s.currentTexCoord)[1].data(); },
          {2, 3, 4, 1}},
         {3017,
          Gl().Enum(12290).Item(tag::Fixed, 1, {24, 36, 48, -25}),
@@ -286,7 +287,7 @@ TEST_F(StateEs1Updates, StacksFollowTheMode) {
     EXPECT_TRUE(Apply(3142, Gl().Fixed(24).Fixed(36).Fixed(-25)));
     EXPECT_EQ(Top(33)[12], 2.0F);
     EXPECT_EQ(Top(33)[14], -2.0F);
-    EXPECT_EQ(Top(0), SMatrixStack().levels[0]);
+    EXPECT_EQ(Top(0), CMatrixStack().Level(0));
 
     MatrixMode(5888);
     const std::vector<float> counted = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16};
@@ -301,19 +302,19 @@ TEST_F(StateEs1Updates, StacksFollowTheMode) {
     EXPECT_FALSE(Apply(3102, Gl().Fixed(1).Fixed(1).Fixed(0).Fixed(1).Fixed(0).Fixed(1)));
     EXPECT_EQ(Top(0)[0], 2.0F);
     EXPECT_TRUE(Apply(3085, Gl()));
-    EXPECT_EQ(Top(0), SMatrixStack().levels[0]);
+    EXPECT_EQ(Top(0), CMatrixStack().Level(0));
 }
 
 TEST_F(StateEs1Updates, StacksEndAtBothEnds) {
     EXPECT_TRUE(Pop());
-    EXPECT_EQ(state.stackDepth[0], 0);
+    EXPECT_EQ(state.matrixStacks[0].top, 0);
     for (int level = 1; level <= 19; ++level) {
         EXPECT_TRUE(Push());
         EXPECT_TRUE(Translate(1, 0, 0));
     }
-    EXPECT_EQ(state.stackDepth[0], 19);
+    EXPECT_EQ(state.matrixStacks[0].top, 19);
     EXPECT_TRUE(Push());
-    EXPECT_EQ(state.stackDepth[0], 19);
+    EXPECT_EQ(state.matrixStacks[0].top, 19);
     EXPECT_EQ(Top(0)[12], 19.0F);
     EXPECT_TRUE(Pop());
     EXPECT_EQ(Top(0)[12], 18.0F);
@@ -328,11 +329,11 @@ TEST_F(StateEs1Updates, PaletteStacksTakeLoadsAndPushesOnly) {
     EXPECT_TRUE(Apply(3086, Gl().RealItem(tag::Float, 1, load)));
     EXPECT_TRUE(Push());
     EXPECT_EQ(Top(42)[5], 3.0F);
-    EXPECT_EQ(state.stackDepth[42], 1);
+    EXPECT_EQ(state.matrixStacks[42].top, 1);
     EXPECT_FALSE(Pop());
     EXPECT_FALSE(Apply(3085, Gl()));
     EXPECT_FALSE(Translate(1, 1, 1));
-    EXPECT_EQ(state.stackDepth[42], 1);
+    EXPECT_EQ(state.matrixStacks[42].top, 1);
     EXPECT_TRUE(ApplyExt(4011, Ext().Uint(2)));
     EXPECT_EQ(state.paletteMatricesUsed, 8);
     // Beyond the stacks that are kept there is nothing to load.
@@ -598,7 +599,7 @@ TEST_F(StateEs1Updates, CallsThatChangeNothingShareWithTheSnapshot) {
     Push();
     Translate(7, 7, 7);
     EXPECT_FALSE(state.matrixStacks[0].SameAs(snapshot.matrixStacks[0]));
-    EXPECT_EQ(snapshot.matrixStacks[0]->levels[1][12], 1.0F);
+    EXPECT_EQ(snapshot.matrixStacks[0].Level(1)[12], 1.0F);
 }
 
 }  // namespace

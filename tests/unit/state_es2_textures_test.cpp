@@ -91,7 +91,7 @@ TEST(Es2Units, AsFarAsTheRecordGoes) {
         EXPECT_EQ(SImageCall().Apply(model, {}), c.there);
         EXPECT_EQ(model.Do(2109, Gl().Enum(k2D).Enum(10240).Int(9728)), c.there);
         if (!c.there) continue;
-        EXPECT_EQ(s.binding2D[c.unit - 33984], name);
+        EXPECT_EQ((*s.binding2D)[c.unit - 33984], name);
     }
     EXPECT_EQ(s.textures->Count(), 4);
 }
@@ -112,10 +112,10 @@ TEST(Es2Units, HoldATextureOfEachTarget) {
         EXPECT_EQ(image->width, 0);
         EXPECT_EQ(image->parameters[0], 9986);
     }
-    EXPECT_EQ(s.binding2D[1], 11U);
-    EXPECT_EQ(s.bindingCube[1], 12U);
-    EXPECT_EQ(s.binding3D[1], 13U);
-    EXPECT_EQ(s.binding2DArray[1], 14U);
+    EXPECT_EQ((*s.binding2D)[1], 11U);
+    EXPECT_EQ((*s.bindingCube)[1], 12U);
+    EXPECT_EQ((*s.binding3D)[1], 13U);
+    EXPECT_EQ((*s.binding2DArray)[1], 14U);
     const CEs2State before = s;
     BindTexture(model, k2D, 0);
     BindTexture(model, k2D, 11);
@@ -124,9 +124,9 @@ TEST(Es2Units, HoldATextureOfEachTarget) {
     model.Enum(2001, 33984);
     BindTexture(model, k2D, 11);
     EXPECT_TRUE(model.Names(2031, {11, 13, 0, 77}));
-    EXPECT_EQ(s.binding2D, (std::array<std::uint32_t, 32>{}));
-    EXPECT_EQ(s.binding3D[1], 0U);
-    EXPECT_EQ(s.bindingCube[1], 12U);
+    EXPECT_EQ(*s.binding2D, (std::array<std::uint32_t, 32>{}));
+    EXPECT_EQ((*s.binding3D)[1], 0U);
+    EXPECT_EQ((*s.bindingCube)[1], 12U);
     EXPECT_EQ(s.textures->Count(), 2);
     EXPECT_EQ(before.textures->Count(), 4);
 }

@@ -509,15 +509,20 @@ std::vector<SUniformCase> UniformCases() {
     return cases;
 }
 
+template <typename T>
+std::vector<double> Doubles(const T* values, std::uint32_t count) {
+    return std::vector<double>(values, values + count);
+}
+
 TEST(Es2Uniforms, OfAllForms) {
     CModel model;
     model.Uint(2026, 5);
     model.Uint(2131, 5);
     EXPECT_TRUE(model.Locate(5, "u", 3));
     EXPECT_TRUE(model.Locate(5, "unused", -1));
-    EXPECT_EQ((*model.state.uniforms->Find(5))->Count(), 1);
+    EXPECT_EQ((*model.state.uniforms->Find(5))->values.Count(), 1);
     const auto held = [&]() -> const SUniformState& {
-        return **(*model.state.uniforms->Find(5))->Find(3);
+        return *(*model.state.uniforms->Find(5))->values.Find(3);
     };
     EXPECT_EQ(held().kind, SUniformState::kNeverSet);
     const std::vector<SUniformCase> cases = UniformCases();
@@ -527,18 +532,20 @@ TEST(Es2Uniforms, OfAllForms) {
         EXPECT_TRUE(model.Do(c.id, c.record)) << c.id;
         EXPECT_EQ(held().kind, c.kind) << c.id;
         EXPECT_EQ(held().components, c.components) << c.id;
-        const std::vector<double> values =
-            c.kind == 0 ? std::vector<double>(held().ints.begin(), held().ints.end())
-                        : std::vector<double>(held().floats.begin(), held().floats.end());
-        EXPECT_EQ(values, c.values) << c.id;
+        const CShaderValues& values = held().values;
+        EXPECT_EQ(c.kind == 0 ? Doubles(values.Integers(), values.Count())
+                              : Doubles(values.Floats(), values.Count()),
+                  c.values)
+            << c.id;
         EXPECT_FALSE(SameTables(before, model.state)) << c.id;
         const CEs2State after = model.state;
         EXPECT_TRUE(model.Again());
         EXPECT_TRUE(SameTables(after, model.state)) << c.id;
     }
-    EXPECT_EQ(held().name->view(), "u");
-    EXPECT_EQ(held().location, 3);
-    EXPECT_EQ(held().liveLocation, 3);
+    const SUniformLocation& named = *(*model.state.uniforms->Find(5))->locations->Find(3);
+    EXPECT_EQ(named.name.view(), "u");
+    EXPECT_EQ(named.location, 3);
+    EXPECT_EQ(named.liveLocation, 3);
 }
 
 TEST(Es2Uniforms, LeftOutOfTheRecord) {
@@ -572,8 +579,8 @@ TEST(Es2Uniforms, LeftOutOfTheRecord) {
     EXPECT_TRUE(SameTables(before, model.state));
     // A snapshot keeps its own value.
     EXPECT_TRUE(model.Do(2112, Gl().Int(3).Float(8)));
-    EXPECT_TRUE(std::isnan((**(*before.uniforms->Find(5))->Find(3)).floats[0]));
-    EXPECT_EQ((**(*model.state.uniforms->Find(5))->Find(3)).floats[0], 8);
+    EXPECT_TRUE(std::isnan((*before.uniforms->Find(5))->values.Find(3)->values.Floats()[0]));
+    EXPECT_EQ((*model.state.uniforms->Find(5))->values.Find(3)->values.Floats()[0], 8);
 }
 
 TEST(Es2Attributes, ConstantValuesAndBindings) {
@@ -593,12 +600,12 @@ TEST(Es2Attributes, ConstantValuesAndBindings) {
             one.Float(values.back());
         }
         EXPECT_TRUE(model.Do(id++, one));
-        EXPECT_EQ(held(6).values, values);
+        EXPECT_TRUE(held(6).values.Are(values.data(), static_cast<std::uint32_t>(n)));
         EXPECT_EQ(held(6).components, static_cast<std::int32_t>(n));
         EXPECT_EQ(held(6).index, 6U);
         for (float& v : values) v = -v;
         EXPECT_TRUE(model.Do(id, Gl().Uint(6).RealItem(tag::Float, 1, values)));
-        EXPECT_EQ(held(6).values, values);
+        EXPECT_TRUE(held(6).values.Are(values.data(), static_cast<std::uint32_t>(n)));
         const CEs2State before = s;
         EXPECT_FALSE(model.Do(id++, Gl().Uint(6).RealItem(tag::Float, 0, {})));
         EXPECT_FALSE(model.Do(2133, Gl().Uint(0x80000000U).Float(1)));
@@ -620,7 +627,7 @@ TEST(Es2Attributes, ConstantValuesAndBindings) {
     EXPECT_EQ(held(2).bound, 1);
     EXPECT_TRUE(model.Do(2133, Gl().Uint(2).Float(4)));
     EXPECT_EQ(held(2).name->view(), "position");
-    EXPECT_TRUE((*s.attributeBindings->Find(5))->Find(2)->values.empty());
+    EXPECT_TRUE((*s.attributeBindings->Find(5))->Find(2)->values.Count() == 0);
 }
 
 }  // namespace

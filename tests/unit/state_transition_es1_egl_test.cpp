@@ -120,12 +120,12 @@ TEST_F(Es1Transition, ScalarStateInOrder) {
 TEST_F(Es1Transition, EmptiesAndFillsMatrixStacks) {
     RecordEs1Extensions(*GetEs1Host());
     CEs1State current, target;
-    current.stackDepth[0] = 2;
-    current.stackDepth[42] = 5;  // the last palette stack is not restored
-    target.stackDepth[1] = 1;
-    target.stackDepth[41] = 9999;  // no deeper than the record's levels
-    target.matrixStacks[1].Write().levels[0][0] = 5.0F;
-    target.matrixStacks[1].Write().levels[1][0] = 6.0F;
+    current.matrixStacks.Write(0).top = 2;
+    current.matrixStacks.Write(42).top = 5;  // the last palette stack is not restored
+    target.matrixStacks.Write(1).top = 1;
+    target.matrixStacks.Write(41).top = 9999;  // no deeper than the record's levels
+    target.matrixStacks.Write(1).WriteLevel(0)[0] = 5.0F;
+    target.matrixStacks.Write(1).WriteLevel(1)[0] = 6.0F;
     target.paletteMatricesUsed = 1;
     target.paletteIndex = 3;
     target.matrixMode = 5889;

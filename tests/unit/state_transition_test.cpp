@@ -112,8 +112,8 @@ TEST_F(StateTransition, TexturesThatDifferAreUploaded) {
     SetImage(target, 7, 0, 1, 3553, 2, tooFew);
     SetImage(target, 9, 1, 0, 34070, 2, fresh);
     SetImage(target, 9, 1, 1, 34070, 1, small);
-    target.binding2D[0] = 7;
-    target.bindingCube[0] = 9;
+    target.binding2D.Write()[0] = 7;
+    target.bindingCube.Write()[0] = 9;
     target.activeTexture = 33985;
     TransitionTextures(target, current);
     EXPECT_THAT(
@@ -233,15 +233,19 @@ TEST_F(StateTransition, ShadersAreComparedByTheirSource) {
                                     "glGetShaderiv(102,35713,out)"));
 }
 
-SUniformState& SetUniform(CEs2State& state, std::int32_t location, const char* name,
-                          std::uint32_t kind, std::int32_t components) {
-    auto& uniforms = state.uniforms.Write().GetOrCreate(20).Write();
-    SUniformState& uniform = uniforms.GetOrCreate(static_cast<std::uint32_t>(location)).Write();
-    uniform.location = location;
-    uniform.name = TShared<CKSTLString>(CKSTLString(name));
+/// `values` have to outlive the record.
+template <typename T>
+void SetUniform(CEs2State& state, std::int32_t location, const char* name, std::uint32_t kind,
+                std::int32_t components, const std::vector<T>& values) {
+    const auto key = static_cast<std::uint32_t>(location);
+    SProgramUniforms& uniforms = state.uniforms.Write().GetOrCreate(20).Write();
+    SUniformLocation& named = uniforms.locations.Write().GetOrCreate(key);
+    named.location = location;
+    named.name = CKSTLString(name);
+    SUniformState& uniform = uniforms.values.GetOrCreate(key);
     uniform.kind = kind;
     uniform.components = components;
-    return uniform;
+    uniform.values.Set(values.data(), static_cast<std::uint32_t>(values.size()));
 }
 
 /// Program 20 of shaders 1 (vertex) and 2 (fragment), which are live as 10 and 11.
@@ -260,23 +264,32 @@ CEs2State StateWithProgram() {
 TEST_F(StateTransition, NewProgramIsLinkedAndGetsItsUniforms) {
     using Uniform = SUniformState;
     CEs2State target = StateWithProgram();
-    SetUniform(target, 0, "i3", Uniform::kInteger, 3).ints = {1, 2, 3};
-    SetUniform(target, 1, "i4", Uniform::kInteger, 4).ints = {5, 6, 7, 8, 9, 10, 11, 12};
-    SetUniform(target, 2, "f1", Uniform::kFloat, 1).floats = {0.5F};
-    SetUniform(target, 3, "f2", Uniform::kFloat, 2).floats = {1, 2, 3, 4};
-    SetUniform(target, 4, "m2", Uniform::kMatrix, 4).floats.assign(8, 2.0F);
-    SetUniform(target, 5, "m3", Uniform::kMatrix, 9).floats.assign(9, 3.0F);
-    SetUniform(target, 6, "m4", Uniform::kMatrix, 16).floats.assign(16, 4.0F);
-    SetUniform(target, 7, "short", Uniform::kFloat, 4).floats = {1, 2};
-    SetUniform(target, 8, "gone", Uniform::kFloat, 1).floats = {1};
-    SetUniform(target, 9, "never", Uniform::kNeverSet, 0);
+    const std::vector<std::int32_t> whole = {1, 2, 3};
+    const std::vector<std::int32_t> manyWhole = {5, 6, 7, 8, 9, 10, 11, 12};
+    const std::vector<float> real = {0.5F};
+    const std::vector<float> manyReal = {1, 2, 3, 4};
+    const std::vector<float> twos(8, 2.0F);
+    const std::vector<float> threes(9, 3.0F);
+    const std::vector<float> fours(16, 4.0F);
+    const std::vector<float> none;
+    SetUniform(target, 0, "i3", Uniform::kInteger, 3, whole);
+    SetUniform(target, 1, "i4", Uniform::kInteger, 4, manyWhole);
+    SetUniform(target, 2, "f1", Uniform::kFloat, 1, real);
+    SetUniform(target, 3, "f2", Uniform::kFloat, 2, manyReal);
+    SetUniform(target, 4, "m2", Uniform::kMatrix, 4, twos);
+    SetUniform(target, 5, "m3", Uniform::kMatrix, 9, threes);
+    SetUniform(target, 6, "m4", Uniform::kMatrix, 16, fours);
+    SetUniform(target, 7, "short", Uniform::kFloat, 4, real);
+    SetUniform(target, 8, "gone", Uniform::kFloat, 1, real);
+    SetUniform(target, 9, "never", Uniform::kNeverSet, 0, none);
     m_host.uniformLocations = {{"i3", 50}, {"i4", 51}, {"f1", 52},    {"f2", 53},   {"m2", 54},
                                {"m3", 55}, {"m4", 56}, {"short", 57}, {"never", 58}};
     SAttributeState& bound = target.attributeValues.Write().GetOrCreate(20).Write().GetOrCreate(3);
     bound.bound = 1;
     bound.name = TShared<CKSTLString>(CKSTLString("pos"));
     bound.components = 3;
-    bound.values = {7, 8, 9};
+    constexpr float kBound[] = {7, 8, 9};
+    bound.values.Set(kBound, 3);
     SAttributeState& later =
         target.attributeBindings.Write().GetOrCreate(20).Write().GetOrCreate(4);
     later.bound = 1;

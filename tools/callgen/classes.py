@@ -48,7 +48,7 @@ def constructor(row, base):
             and not p.joins]
     if row.returns:
         read.insert(0, "result")
-    body = []
+    body = ["m_updatesState = true;"] if row.state else []
     if arrays:
         body.append("const std::uint32_t start = trace.Stream().Tell();")
     if read:

@@ -98,20 +98,21 @@ void CFrameStore::UpdateStateForCall(CApiCall& call) {
     constexpr std::uint32_t kEs3 = 3;
     // A call that failed when it was recorded changed no state.
     if (call.m_error.GetValue() != 0) return;
+    const bool updates = call.m_updatesState;
     switch (call.m_group) {
         case kGroupEgl:
-            static_cast<CEglCall&>(call).UpdateState(m_eglState.Write());
+            if (updates) static_cast<CEglCall&>(call).UpdateState(m_eglState.Write());
             break;
         case kGroupEs1:
-            static_cast<CEs1Call&>(call).UpdateState(m_es1State.Write());
+            if (updates) static_cast<CEs1Call&>(call).UpdateState(m_es1State.Write());
             m_es1Used = true;
             break;
         case kGroupExtEs1:
-            static_cast<CExtCall&>(call).UpdateState(m_es1State.Write());
+            if (updates) static_cast<CExtCall&>(call).UpdateState(m_es1State.Write());
             m_es1Used = true;
             break;
         case kGroupEs2:
-            ApplyEs2Call(call, m_es2State.Write());
+            if (updates) ApplyEs2Call(call, m_es2State.Write());
             if (m_eglState->contextClientVersion == kEs3 && m_es2State->apiVersion != kEs3) {
                 m_es2State.Write().apiVersion = kEs3;
             }
