@@ -37,10 +37,9 @@ void TextWriter::Grow(std::size_t count) {
     std::free(old);
 }
 
-void TextWriter::AppendUnsigned(std::uint64_t value) {
-    AppendInteger(*this, value, 10);
-}
-void TextWriter::AppendSigned(std::int64_t value) {
+void TextWriter::AppendDigits(std::uint64_t value) {
+    const auto low = static_cast<std::uint32_t>(value);
+    if (low == value) return AppendInteger(*this, low, 10);
     AppendInteger(*this, value, 10);
 }
 void TextWriter::AppendHex(std::uint64_t value) {
@@ -71,8 +70,9 @@ void TextWriter::AppendFixed(float value) {
     const auto scaled =
         static_cast<std::uint64_t>(std::llrint(std::fabs(static_cast<double>(value)) * kMillion));
     AppendUnsigned(scaled / kMillion);
+    auto decimals = static_cast<std::uint32_t>(scaled % kMillion);
+    if (decimals == 0) return Append(".000000");
     char* to = Reserve(7);
-    std::uint64_t decimals = scaled % kMillion;
     to[0] = '.';
     for (int digit = 6; digit > 0; --digit, decimals /= 10) {
         to[digit] = static_cast<char>('0' + decimals % 10);

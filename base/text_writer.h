@@ -39,9 +39,17 @@ public:
         m_size += text.size();
     }
     /// "%llu".
-    void AppendUnsigned(std::uint64_t value);
+    void AppendUnsigned(std::uint64_t value) {
+        // Most numbers of a call are names, counts and indices of one digit.
+        if (value < 10) return Append(static_cast<char>('0' + value));
+        AppendDigits(value);
+    }
     /// "%lld".
-    void AppendSigned(std::int64_t value);
+    void AppendSigned(std::int64_t value) {
+        if (value >= 0) return AppendUnsigned(static_cast<std::uint64_t>(value));
+        Append('-');
+        AppendUnsigned(0 - static_cast<std::uint64_t>(value));
+    }
     /// Lower-case hexadecimal digits without prefix, "%llx".
     void AppendHex(std::uint64_t value);
     /// Upper-case hexadecimal digits without prefix, "%llX".
@@ -62,6 +70,7 @@ public:
 
 private:
     void Grow(std::size_t count);
+    void AppendDigits(std::uint64_t value);
 
     char* m_data = nullptr;
     std::size_t m_size = 0;

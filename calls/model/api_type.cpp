@@ -5,7 +5,6 @@
 
 #include "calls/text/enum_names.h"
 #include "calls/text/format_kind.h"
-#include "tracefile/bytes/typed_reads.h"
 
 namespace kestrail {
 namespace {
@@ -45,17 +44,8 @@ CKSTLString ToString(const TextWriter& text) {
 
 }  // namespace
 
-std::uint32_t ReadStored(CTrace& trace, std::int32_t width, std::uint32_t) {
-    return ReadUInt32(trace.Stream(), width, true);
-}
-
-std::int32_t ReadStored(CTrace& trace, std::int32_t width, std::int32_t) {
-    return ReadInt32(trace.Stream(), width, true);
-}
-
-float ReadStored(CTrace& trace, std::int32_t width, float) {
-    if (width != sizeof(float)) throw std::logic_error("GetEsTypeSize(INDEX) != sizeof(float)");
-    return ReadFloat(trace.Stream(), 0, true);
+void ThrowFloatWidth() {
+    throw std::logic_error("GetEsTypeSize(INDEX) != sizeof(float)");
 }
 
 void SApiTypeBase::GetText(CKSTLString& text, CKSTLString* detail) const {

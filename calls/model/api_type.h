@@ -7,6 +7,7 @@
 #include "base/kstl_string.h"
 #include "base/text_writer.h"
 #include "tracefile/bytes/trace.h"
+#include "tracefile/bytes/typed_reads.h"
 
 namespace kestrail {
 
@@ -33,11 +34,20 @@ protected:
     SApiTypeBase& operator=(SApiTypeBase&&) = default;
 };
 
+[[noreturn]] void ThrowFloatWidth();
+
 /// Reads of one stored value, by the native type. A float must be stored in 4 bytes: another width
 /// throws std::logic_error.
-std::uint32_t ReadStored(CTrace& trace, std::int32_t width, std::uint32_t);
-std::int32_t ReadStored(CTrace& trace, std::int32_t width, std::int32_t);
-float ReadStored(CTrace& trace, std::int32_t width, float);
+inline std::uint32_t ReadStored(CTrace& trace, std::int32_t width, std::uint32_t) {
+    return ReadUInt32(trace.Stream(), width, true);
+}
+inline std::int32_t ReadStored(CTrace& trace, std::int32_t width, std::int32_t) {
+    return ReadInt32(trace.Stream(), width, true);
+}
+inline float ReadStored(CTrace& trace, std::int32_t width, float) {
+    if (width != sizeof(float)) ThrowFloatWidth();
+    return ReadFloat(trace.Stream(), 0, true);
+}
 
 template <unsigned N, typename T>
 class TApiType : public SApiTypeBase {

@@ -13,8 +13,11 @@ constexpr std::uint16_t kEglSwapBuffers = 1022;
 
 }  // namespace
 
+std::unique_ptr<CGenCallInfo> CCallEntry::s_spare;
+
 void CCallEntry::BuildInfo() {
-    m_info = std::make_unique_for_overwrite<CGenCallInfo>();
+    m_info = s_spare ? std::move(s_spare) : std::make_unique_for_overwrite<CGenCallInfo>();
+    m_info->Clear();
     call->FillCallInfo(*m_info, true);
 }
 

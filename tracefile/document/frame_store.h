@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "base/kstl_string.h"
@@ -47,11 +48,13 @@ public:
         if (!m_info) BuildInfo();
         return m_info.get();
     }
-    void ReleaseInfo() { m_info.reset(); }
+    void ReleaseInfo() { s_spare = std::move(m_info); }
 
 private:
     void BuildInfo();
 
+    /// Kept for the next call that is shown: one list is enough for a player.
+    static std::unique_ptr<CGenCallInfo> s_spare;
     std::unique_ptr<CGenCallInfo> m_info;
 };
 

@@ -195,6 +195,8 @@ bool CTraceDocument::TakeCall(SRecordLoop& loop, std::uint16_t id, std::uint32_t
 }
 
 void CTraceDocument::ShowProgress(const CApiCall& call, std::uint64_t offset) {
+    // Far below the hundredth that is told next, which is measured in single precision.
+    if (offset < std::uint64_t{progressValue} + progressMax / 128) return;
     constexpr float kStep = 0.01F;
     const auto whole = static_cast<float>(progressMax);
     const float done = static_cast<float>(offset) / whole;
