@@ -3,9 +3,9 @@
 #include <cmath>
 #include <cstddef>
 
+#include "samples/common/draw_scene.h"
 #include "samples/common/memory.h"
 #include "samples/es1/calls.h"
-#include "samples/scenes.h"
 
 namespace kestrail::samples {
 
@@ -528,14 +528,7 @@ void CScene::TearDown() {
 }  // namespace
 
 bool DrawEs1Scene(IBackEnd& backEnd, const SSceneSize& size) {
-    CEs1Calls gl(backEnd);
-    if (!gl.Open(size.width, size.height)) return false;
-    CScene scene(gl, size);
-    scene.SetUp();
-    for (int frame = 0; frame < size.frames; ++frame) scene.DrawFrame(frame);
-    scene.TearDown();
-    gl.Close();
-    return true;
+    return DrawScene<CEs1Calls, CScene>(backEnd, size);
 }
 
 }  // namespace kestrail::samples

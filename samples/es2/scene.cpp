@@ -2,19 +2,18 @@
 #include <cmath>
 #include <cstddef>
 
+#include "samples/common/draw_scene.h"
 #include "samples/common/memory.h"
 #include "samples/es2/calls.h"
 #include "samples/es2/program.h"
+#include "samples/es2/render_target.h"
 #include "samples/es2/shaders.h"
-#include "samples/scenes.h"
 
 namespace kestrail::samples {
 
 // A lit cube seen directly and through a texture that it is rendered to, tiles of several texture
 // formats, translucent client-array shapes, a stencilled star.
 namespace {
-
-constexpr GLsizei targetSize = 32;
 
 // Attributes that client arrays are given to: the recorded index and the live one have to agree,
 // so they are bound by hand.
@@ -56,7 +55,6 @@ private:
     void MakeCube();
     void MakeTextures();
     void MakeMipmaps(GLuint texture);
-    void MakeTarget();
     void MakeFlickerTexture(int frame);
     void DrawCube(int frame, int choice, bool swapped, float aspect);
     void DrawIntoTarget(int frame);
@@ -77,7 +75,8 @@ private:
     SCubeUniforms m_cubeUniforms{};
     std::array<GLuint, 3> m_buffers{};  // cube vertices, cube indices, strip
     std::array<GLuint, 7> m_textures{};
-    GLuint m_targetTexture = 0, m_target = 0, m_targetDepth = 0, m_flicker = 0;
+    GLuint m_flicker = 0;
+    SRenderTarget m_target;
 };
 
 void CScene::MakePrograms() {
@@ -189,32 +188,11 @@ void CScene::MakeTextures() {
     MakeMipmaps(m_textures[6]);
 }
 
-void CScene::MakeTarget() {
-    m_gl.GenTextures(1, &m_targetTexture);
-    m_gl.BindTexture(GL_TEXTURE_2D, m_targetTexture);
-    m_gl.TexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, targetSize, targetSize, GL_RGBA, GL_UNSIGNED_BYTE,
-                    nullptr);
-    m_gl.TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
-    m_gl.TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
-    m_gl.TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
-    m_gl.GenRenderbuffers(1, &m_targetDepth);
-    m_gl.BindRenderbuffer(GL_RENDERBUFFER, m_targetDepth);
-    m_gl.RenderbufferStorage(GL_RENDERBUFFER, GL_DEPTH_COMPONENT16, targetSize, targetSize);
-    m_gl.GenFramebuffers(1, &m_target);
-    m_gl.BindFramebuffer(GL_FRAMEBUFFER, m_target);
-    m_gl.FramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, m_targetTexture,
-                              0);
-    m_gl.FramebufferRenderbuffer(GL_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_RENDERBUFFER,
-                                 m_targetDepth);
-    m_gl.CheckFramebufferStatus(GL_FRAMEBUFFER);
-    m_gl.BindFramebuffer(GL_FRAMEBUFFER, 0);
-}
-
 void CScene::SetUp() {
     MakePrograms();
     MakeCube();
     MakeTextures();
-    MakeTarget();
+    m_target.Make(m_gl);
     m_gl.FrontFace(GL_CCW);
     m_gl.CullFace(GL_BACK);
     m_gl.ClearStencil(0);
@@ -278,8 +256,8 @@ void CScene::DrawCube(int frame, int choice, bool swapped, float aspect) {
 }
 
 void CScene::DrawIntoTarget(int frame) {
-    m_gl.BindFramebuffer(GL_FRAMEBUFFER, m_target);
-    m_gl.Viewport(0, 0, targetSize, targetSize);
+    m_gl.BindFramebuffer(GL_FRAMEBUFFER, m_target.framebuffer);
+    m_gl.Viewport(0, 0, SRenderTarget::size, SRenderTarget::size);
     m_gl.ClearColor(0.1F, 0.1F, 0.4F, 1.0F);
     m_gl.Clear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
     DrawCube(frame, 2, true, 1.0F);
@@ -350,7 +328,7 @@ void CScene::DrawTiles(int frame) {
         DrawTile(m_textures[k], -0.86F + 0.285F * place, 0.82F, size, 0.05F * t, 0.1F);
     }
     DrawTile(m_flicker, 0.78F, 0.35F, 0.16F, 0.0F, 0.0F);
-    DrawTile(m_targetTexture, 0.68F, -0.25F, 0.26F, 0.1F * std::sin(0.2F * t), 0.0F);
+    DrawTile(m_target.texture, 0.68F, -0.25F, 0.26F, 0.1F * std::sin(0.2F * t), 0.0F);
     m_gl.DisableVertexAttribArray(colourIndex);
     m_gl.VertexAttrib4f(colourIndex, 1.0F, 0.5F, 0.0F, 1.0F);
     DrawTile(m_textures[3], -0.82F, 0.4F, 0.12F, -0.1F * t, 0.5F);
@@ -481,10 +459,8 @@ void CScene::DrawFrame(int frame) {
 
 void CScene::TearDown() {
     m_gl.DeleteTextures(static_cast<GLsizei>(m_textures.size()), m_textures.data());
-    m_gl.DeleteTextures(1, &m_targetTexture);
     m_gl.DeleteTextures(1, &m_flicker);
-    m_gl.DeleteFramebuffers(1, &m_target);
-    m_gl.DeleteRenderbuffers(1, &m_targetDepth);
+    m_target.Delete(m_gl);
     m_gl.DeleteBuffers(static_cast<GLsizei>(m_buffers.size()), m_buffers.data());
     for (GLuint program : {m_tile, m_cube, m_flat}) m_gl.DeleteProgram(program);
 }
@@ -492,14 +468,7 @@ void CScene::TearDown() {
 }  // namespace
 
 bool DrawEs2Scene(IBackEnd& backEnd, const SSceneSize& size) {
-    CEs2Calls gl(backEnd);
-    if (!gl.Open(size.width, size.height)) return false;
-    CScene scene(gl, size);
-    scene.SetUp();
-    for (int frame = 0; frame < size.frames; ++frame) scene.DrawFrame(frame);
-    scene.TearDown();
-    gl.Close();
-    return true;
+    return DrawScene<CEs2Calls, CScene>(backEnd, size);
 }
 
 }  // namespace kestrail::samples

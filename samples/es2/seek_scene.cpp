@@ -1,11 +1,12 @@
 #include <array>
 #include <cmath>
 
+#include "samples/common/draw_scene.h"
 #include "samples/common/memory.h"
 #include "samples/es2/calls.h"
 #include "samples/es2/program.h"
+#include "samples/es2/render_target.h"
 #include "samples/es2/shaders.h"
-#include "samples/scenes.h"
 
 namespace kestrail::samples {
 
@@ -14,7 +15,6 @@ namespace kestrail::samples {
 // the window's viewport and the scissor box until it has been set, so every frame sets them.
 namespace {
 
-constexpr GLsizei targetSize = 32;
 constexpr GLint imageUnit = 1;
 constexpr GLsizei diarySide = 8;
 
@@ -54,7 +54,6 @@ private:
     void MakeBuffers();
     void MakeTexture(GLuint texture, const Pixels& pixels);
     void MakeTextures();
-    void MakeTarget();
     void ChangeObjects(int frame);
     void DrawGem(int frame, int choice);
     void DrawIntoTarget(int frame);
@@ -71,7 +70,8 @@ private:
     GLint m_stripesTurn = 0, m_stripesCentre = 0;
     std::array<GLuint, 3> m_buffers{};   // gem corners, gem indices, wave
     std::array<GLuint, 3> m_textures{};  // patched, mipmapped, diary
-    GLuint m_banner = 0, m_targetTexture = 0, m_target = 0, m_targetDepth = 0;
+    GLuint m_banner = 0;
+    SRenderTarget m_target;
 };
 
 std::array<float, 4> Turn2(float angle) {
@@ -150,31 +150,12 @@ void CScene::MakeTextures() {
     MakeTexture(m_textures[2], Pixels{});
 }
 
-void CScene::MakeTarget() {
-    m_gl.GenTextures(1, &m_targetTexture);
-    m_gl.BindTexture(GL_TEXTURE_2D, m_targetTexture);
-    m_gl.TexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, targetSize, targetSize, GL_RGBA, GL_UNSIGNED_BYTE,
-                    nullptr);
-    m_gl.TexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
-    m_gl.GenRenderbuffers(1, &m_targetDepth);
-    m_gl.BindRenderbuffer(GL_RENDERBUFFER, m_targetDepth);
-    m_gl.RenderbufferStorage(GL_RENDERBUFFER, GL_DEPTH_COMPONENT16, targetSize, targetSize);
-    m_gl.GenFramebuffers(1, &m_target);
-    m_gl.BindFramebuffer(GL_FRAMEBUFFER, m_target);
-    m_gl.FramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, m_targetTexture,
-                              0);
-    m_gl.FramebufferRenderbuffer(GL_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_RENDERBUFFER,
-                                 m_targetDepth);
-    m_gl.CheckFramebufferStatus(GL_FRAMEBUFFER);
-    m_gl.BindFramebuffer(GL_FRAMEBUFFER, 0);
-}
-
 /// What is set here only, every frame finds set.
 void CScene::SetUp() {
     MakePrograms();
     MakeBuffers();
     MakeTextures();
-    MakeTarget();
+    m_target.Make(m_gl);
     m_gl.FrontFace(GL_CCW);
     m_gl.CullFace(GL_BACK);
     m_gl.Enable(GL_DEPTH_TEST);
@@ -233,8 +214,8 @@ void CScene::DrawGem(int frame, int choice) {
 }
 
 void CScene::DrawIntoTarget(int frame) {
-    m_gl.BindFramebuffer(GL_FRAMEBUFFER, m_target);
-    m_gl.Viewport(0, 0, targetSize, targetSize);
+    m_gl.BindFramebuffer(GL_FRAMEBUFFER, m_target.framebuffer);
+    m_gl.Viewport(0, 0, SRenderTarget::size, SRenderTarget::size);
     m_gl.ClearColor(0.1F, 0.1F, 0.4F, 1.0F);
     m_gl.Clear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
     DrawGem(frame, 2);
@@ -261,7 +242,7 @@ void CScene::DrawTiles(int frame) {
     DrawTile(m_textures[0], -0.7F, 0.6F, 0.25F, 0.1F * t);
     DrawTile(m_textures[1], -0.1F, 0.7F, 0.06F + 0.05F * std::sin(t), 0.0F);
     DrawTile(m_textures[2], 0.6F, 0.6F, 0.3F, 0.0F);
-    DrawTile(m_targetTexture, -0.6F, -0.5F, 0.3F, 0.2F);
+    DrawTile(m_target.texture, -0.6F, -0.5F, 0.3F, 0.2F);
     m_gl.Enable(GL_BLEND);
     DrawTile(m_banner != 0 ? m_banner : m_textures[0], 0.1F, 0.0F, 0.35F, -0.07F * t);
     m_gl.Disable(GL_BLEND);
@@ -337,12 +318,7 @@ void CScene::DrawFrame(int frame) {
 }  // namespace
 
 bool DrawSeekScene(IBackEnd& backEnd, const SSceneSize& size) {
-    CEs2Calls gl(backEnd);
-    if (!gl.Open(size.width, size.height)) return false;
-    CScene scene(gl, size);
-    scene.SetUp();
-    for (int frame = 0; frame < size.frames; ++frame) scene.DrawFrame(frame);
-    return true;
+    return DrawScene<CEs2Calls, CScene>(backEnd, size);
 }
 
 }  // namespace kestrail::samples

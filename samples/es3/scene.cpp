@@ -2,10 +2,10 @@
 #include <cmath>
 #include <cstddef>
 
+#include "samples/common/draw_scene.h"
 #include "samples/common/memory.h"
 #include "samples/es3/calls.h"
 #include "samples/es3/shaders.h"
-#include "samples/scenes.h"
 
 namespace kestrail::samples {
 
@@ -475,14 +475,7 @@ void CScene::TearDown() {
 }  // namespace
 
 bool DrawEs3Scene(IBackEnd& backEnd, const SSceneSize& size) {
-    CEs3Calls gl(backEnd);
-    if (!gl.Open(size.width, size.height)) return false;
-    CScene scene(gl, size);
-    scene.SetUp();
-    for (int frame = 0; frame < size.frames; ++frame) scene.DrawFrame(frame);
-    scene.TearDown();
-    gl.Close();
-    return true;
+    return DrawScene<CEs3Calls, CScene>(backEnd, size);
 }
 
 }  // namespace kestrail::samples
