@@ -5,42 +5,33 @@
 #include <cstdint>
 #include <vector>
 
-#include "base/name_table.h"
-#include "base/shared.h"
 #include "calls/model/egl_values.h"
+#include "state/state_table.h"
 
 namespace kestrail {
 
 /// A growing list of records, each with its key in front; a lookup that misses appends a default
-/// record.
+/// record. The last record takes the place of one that is erased.
 template <typename Record>
 class TStateList {
 public:
-    std::uint32_t Count() const { return static_cast<std::uint32_t>(m_records->size()); }
-    const Record& At(std::uint32_t index) const { return (*m_records)[index]; }
-    /// Null when there is none.
-    const Record* Find(std::uint32_t handle) const {
-        for (const Record& record : *m_records) {
-            if (record.handle == handle) return &record;
-        }
-        return nullptr;
+    std::uint32_t Count() const { return static_cast<std::uint32_t>(m_records.Count()); }
+    const Record& At(std::uint32_t index) const {
+        return *m_records.ValueAt(static_cast<std::int32_t>(index));
     }
+    /// -1 when there is none.
+    std::int32_t IndexOf(std::uint32_t handle) const { return m_records.IndexOf(handle); }
+    /// Null when there is none.
+    const Record* Find(std::uint32_t handle) const { return m_records.Find(handle); }
     Record& GetOrCreate(std::uint32_t handle) {
-        for (Record& record : m_records.Write()) {
-            if (record.handle == handle) return record;
-        }
-        Record& record = m_records.Write().emplace_back();
+        Record& record = m_records.GetOrCreate(handle);
         record.handle = handle;
         return record;
     }
-    void Erase(std::uint32_t handle) {
-        if (Find(handle) == nullptr) return;
-        std::erase_if(m_records.Write(),
-                      [handle](const Record& record) { return record.handle == handle; });
-    }
+    void Erase(std::uint32_t handle) { m_records.Erase(handle); }
 
 private:
-    TShared<std::vector<Record>> m_records;
+    TStateTable<Record> m_records;
 };
 
 /// A list of name and value pairs with its end mark, or none.

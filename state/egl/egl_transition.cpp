@@ -31,15 +31,17 @@ const EGLint* HostList(const SEglAttributes& attributes) {
     return ended ? attributes.data() : nullptr;
 }
 
-/// The record that `same` accepts, which is marked; null when there is none.
+/// The record of the same handle that `same` accepts, which is marked; null when there is none.
 template <typename Record, typename Same>
-const Record* FindAndMark(const TStateList<Record>& list, FoundFlags& found, Same same) {
-    for (std::uint32_t i = 0; i < list.Count(); ++i) {
-        if (!same(list.At(i))) continue;
-        found[i] = true;
-        return &list.At(i);
-    }
-    return nullptr;
+const Record* FindAndMark(const TStateList<Record>& list, FoundFlags& found, const Record& sought,
+                          Same same) {
+    const std::int32_t index = list.IndexOf(sought.handle);
+    if (index < 0) return nullptr;
+    const auto at = static_cast<std::uint32_t>(index);
+    const Record& record = list.At(at);
+    if (!same(record)) return nullptr;
+    found[at] = true;
+    return &record;
 }
 
 void Initialize(SEglTransition& t, EGLDisplay live) {
@@ -55,9 +57,8 @@ FoundFlags MakeDisplays(SEglTransition& t) {
     FoundFlags found(t.current.displays.Count());
     for (std::uint32_t i = 0; i < t.target.displays.Count(); ++i) {
         const SEglDisplayRecord& display = t.target.displays.At(i);
-        const SEglDisplayRecord* known = FindAndMark(
-            t.current.displays, found,
-            [&](const SEglDisplayRecord& other) { return other.handle == display.handle; });
+        const SEglDisplayRecord* known = FindAndMark(t.current.displays, found, display,
+                                                     [](const SEglDisplayRecord&) { return true; });
         EGLDisplay live = t.names.GetDisplay(display.handle);
         if (known != nullptr) {
             if (display.initialised != 1 || known->initialised != 0) continue;
@@ -111,9 +112,8 @@ void MakeSurfaces(SEglTransition& t) {
     for (std::uint32_t i = 0; i < t.target.surfaces.Count(); ++i) {
         const SEglSurfaceRecord& surface = t.target.surfaces.At(i);
         const auto* known =
-            FindAndMark(t.current.surfaces, found, [&](const SEglSurfaceRecord& other) {
-                return other.handle == surface.handle && other.display == surface.display &&
-                       other.config == surface.config;
+            FindAndMark(t.current.surfaces, found, surface, [&](const SEglSurfaceRecord& other) {
+                return other.display == surface.display && other.config == surface.config;
             });
         if (known == nullptr) MakeSurface(t, surface);
     }
@@ -145,9 +145,8 @@ void MakeContexts(SEglTransition& t) {
     for (std::uint32_t i = 0; i < t.target.contexts.Count(); ++i) {
         const SEglContextRecord& context = t.target.contexts.At(i);
         const auto* known =
-            FindAndMark(t.current.contexts, found, [&](const SEglContextRecord& other) {
-                return other.handle == context.handle && other.display == context.display &&
-                       other.config == context.config;
+            FindAndMark(t.current.contexts, found, context, [&](const SEglContextRecord& other) {
+                return other.display == context.display && other.config == context.config;
             });
         if (known == nullptr) MakeContext(t, context);
     }

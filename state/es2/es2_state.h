@@ -89,7 +89,10 @@ public:
     }
     /// Compared as bytes: a NaN is the same value as before, and -0 another one than 0.
     bool Are(const void* values, std::uint32_t count) const {
-        return m_count == count && std::memcmp(Data(), values, std::size_t{count} * kWidth) == 0;
+        if (m_count != count) return false;
+        // A size that the compiler knows needs no call.
+        if (count == kHeld) return std::memcmp(m_held, values, kHeld * kWidth) == 0;
+        return std::memcmp(Data(), values, std::size_t{count} * kWidth) == 0;
     }
     std::uint32_t Count() const { return m_count; }
     const float* Floats() const { return static_cast<const float*>(Data()); }
@@ -129,7 +132,7 @@ struct SUniformLocation {
 /// so that those are in a table of their own; both tables have the same locations.
 struct SProgramUniforms {
     TShared<TStateTable<SUniformLocation>> locations;
-    TStateTable<SUniformState, 4> values;
+    TStateTable<SUniformState, 2> values;
 };
 
 struct SAttributeState {
