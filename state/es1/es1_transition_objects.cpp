@@ -3,8 +3,8 @@
 #include "exec/host_data.h"
 #include "exec/name_calls.h"
 #include "state/es1/es1_transition_steps.h"
-#include "state/host_bytes.h"
 #include "state/table_sweep.h"
+#include "state/transition_bytes.h"
 
 namespace kestrail {
 namespace {

@@ -11,8 +11,8 @@
 #include "host/es2_host.h"
 #include "host/es3_host.h"
 #include "state/es2/es2_transition_steps.h"
-#include "state/host_bytes.h"
 #include "state/table_sweep.h"
+#include "state/transition_bytes.h"
 
 namespace kestrail {
 namespace {
