@@ -5,6 +5,7 @@
 
 #include <array>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <functional>
 #include <stdexcept>
@@ -24,7 +25,9 @@ struct SEnd {
 SEnd RunApart(const std::function<void()>& work, int pipeFlags = 0) {
     int ends[2];
     if (::pipe2(ends, pipeFlags) != 0) return {};
+    // Nothing that is waiting in this process is printed by the other one too.
     output::Flush();
+    std::fflush(nullptr);
     const pid_t child = ::fork();
     if (child == 0) {
         ::dup2(ends[1], STDOUT_FILENO);
