@@ -87,7 +87,8 @@ CKSTLString& CKSTLString::operator=(CKSTLString&& other) noexcept {
 }
 
 CKSTLString& CKSTLString::operator=(const char* text) {
-    return assign(text);
+    assign(text);
+    return *this;
 }
 
 CKSTLString& CKSTLString::assign(const char* text, std::uint32_t length) {

@@ -14,6 +14,7 @@ public:
     static constexpr std::uint32_t npos = 0xFFFFFFFFu;
 
     CKSTLString();
+    // NOLINTNEXTLINE(google-explicit-constructor): literals stand in for strings everywhere.
     CKSTLString(const char* text, std::uint32_t length = npos);
     CKSTLString(const CKSTLString& other);
     CKSTLString(CKSTLString&& other) noexcept;

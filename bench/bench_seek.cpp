@@ -55,7 +55,7 @@ void AddBuffer(CTraceBuilder& trace, std::uint32_t name) {
 
 /// Locations of a program lie behind those of the program before.
 std::int64_t Location(std::uint32_t program, std::int64_t uniform) {
-    return uniform + program * kUniforms;
+    return uniform + std::int64_t{program} * kUniforms;
 }
 
 void AddProgram(CTraceBuilder& trace, std::uint32_t program) {

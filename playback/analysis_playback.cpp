@@ -107,14 +107,18 @@ bool CAnalysisPlayback::PlayTrackedCall(CCallEntry& entry) {
 }
 
 bool CAnalysisPlayback::RestoreFrame(std::uint32_t frame) {
+    if (m_restartPending) {
+        m_restartPending = false;
+        m_eglDirty = m_es1Dirty = m_es2Dirty = true;
+        TryRestore(1);
+        m_eglDirty = m_es1Dirty = m_es2Dirty = true;
+        if (frame == 1) return true;
+    }
+    return TryRestore(frame);
+}
+
+bool CAnalysisPlayback::TryRestore(std::uint32_t frame) {
     try {
-        if (m_restartPending) {
-            m_restartPending = false;
-            m_eglDirty = m_es1Dirty = m_es2Dirty = true;
-            RestoreFrame(1);
-            m_eglDirty = m_es1Dirty = m_es2Dirty = true;
-            if (frame == 1) return true;
-        }
         Restore(frame);
         return true;
     } catch (...) {

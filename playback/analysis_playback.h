@@ -23,6 +23,8 @@ public:
 private:
     /// Brings the host to the start of the frame. False when an exception ended that.
     bool RestoreFrame(std::uint32_t frame);
+    /// The same, from wherever the host stands.
+    bool TryRestore(std::uint32_t frame);
     void Restore(std::uint32_t frame);
     /// Plays the frame's calls up to its swap.
     bool PlayCalls(const CFrameRecord& frame);

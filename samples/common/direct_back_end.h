@@ -10,7 +10,7 @@
 
 namespace kestrail::samples {
 
-class CDirectBackEnd : public IBackEnd {
+class CDirectBackEnd final : public IBackEnd {
 public:
     /// `atSwap` is run for every finished frame, while its pixels can still be read.
     explicit CDirectBackEnd(std::function<void()> atSwap) : m_atSwap(std::move(atSwap)) {}

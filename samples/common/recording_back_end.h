@@ -6,7 +6,7 @@
 
 namespace kestrail::samples {
 
-class CRecordingBackEnd : public IBackEnd {
+class CRecordingBackEnd final : public IBackEnd {
 public:
     explicit CRecordingBackEnd(CTraceBuilder& trace) : m_trace(trace) {}
 

@@ -61,8 +61,8 @@ struct Format {
 /// Numbers behind a pointer, with their count on file. `perItem` of them count as one.
 template <unsigned typeTag, typename T>
 struct SNumbers {
-    const T* values;
-    std::size_t count;
+    const T* values = nullptr;
+    std::size_t count = 0;
     std::size_t perItem = 1;
 
     const T* Live() const { return values; }

@@ -10,7 +10,7 @@ namespace kestrail {
 /// The two records and what the parts of a transition work with.
 struct SEs1Transition {
     CEs1State& target;
-    const CEs1State* current;
+    const CEs1State* current = nullptr;
     SEs1Host& host;
     CEs1Names names{};
 
