@@ -143,17 +143,18 @@ struct SBadCalls {
     }
 };
 
-/// Each asks the host to read or write more than its record holds.
-std::vector<SBadCase> ShortRecords() {
-    SBadCalls bad;
+constexpr std::int64_t most = 0x7FFFFFFF;
+
+/// A count of names with one of them.
+CRecordBuilder OneName(std::int64_t count) {
+    return CTraceBuilder().Gl().Sizei(count).Array(tag::Uint, 0x10, {7});
+}
+
+void AddEs1Cases(SBadCalls& bad) {
     const CTraceBuilder t;
-    const std::int64_t most = 0x7FFFFFFF;
-    const auto names = [&](std::int64_t count) {
-        return t.Gl().Sizei(count).Array(tag::Uint, 0x10, {7});
-    };
-    bad.Add("buffers deleted one by one", 3028, names(most));
-    bad.Add("textures deleted", 3029, names(most));
-    bad.Add("buffers made", 3053, names(2));
+    bad.Add("buffers deleted one by one", 3028, OneName(most));
+    bad.Add("textures deleted", 3029, OneName(most));
+    bad.Add("buffers made", 3053, OneName(2));
     bad.Add("textures without an array", 3054, t.Gl().Sizei(2).Array(tag::Uint, 0, {}));
     bad.Add("no equation", 3016, t.Gl().Enum(12288).RealItem(tag::Float, 0, {}));
     bad.Add("no fixed equation", 3017, t.Gl().Enum(12288).Item(tag::Fixed, 0, {}));
@@ -183,7 +184,10 @@ std::vector<SBadCase> ShortRecords() {
             elements(1, {255, 255, 255, 255}).ClientArray(2, 0x10, Bytes(36)));
     bad.Add("indices fewer than drawn", 3037, elements(most, Bytes(4)));
     bad.Add("no indices", 3037, t.Gl().Enum(4).Sizei(3).Enum(5121).Data(0).Pointer(0));
+}
 
+void AddEs3Cases(SBadCalls& bad) {
+    const CTraceBuilder t;
     const CRecordBuilder range = t.Gl().Enum(4).Uint(0).Uint(9);
     bad.Add("range indices fewer than drawn", 5144,
             CRecordBuilder(range).Sizei(most).Enum(5123).Data(0x70, Bytes(4)));
@@ -205,9 +209,9 @@ std::vector<SBadCase> ShortRecords() {
     bad.Add("draw buffers", 5159, t.Gl().Sizei(most).Array(tag::Enum, 0x10, {1029}));
     bad.Add("a matrix of two by three", 5160,
             t.Gl().Int(-1).Sizei(most).Boolean(false).Reals(tag::Float, 0x10, {1, 2, 3, 4, 5}));
-    bad.Add("vertex arrays made", 5173, names(most));
-    bad.Add("vertex arrays deleted", 5172, names(most));
-    bad.Add("samplers deleted", 5223, names(2));
+    bad.Add("vertex arrays made", 5173, OneName(most));
+    bad.Add("vertex arrays deleted", 5172, OneName(most));
+    bad.Add("samplers deleted", 5223, OneName(2));
     bad.Add("an integer attribute", 5187, t.Gl().Uint(0).Array(tag::Int, 0x10, {1, 2, 3}));
     bad.Add("no integer attribute", 5187, t.Gl().Uint(0).Array(tag::Int, 0, {}));
     bad.Add("a clear colour of three", 5201,
@@ -215,7 +219,10 @@ std::vector<SBadCase> ShortRecords() {
     bad.Add("no clear colour", 5199, t.Gl().Enum(0x1800).Int(0).Array(tag::Int, 0, {}));
     bad.Add("a program without a record", 5210, t.Gl().Uint(77).Uint(0).Uint(0));
     bad.Add("a program's binary", 5240, t.Gl().Uint(7).Enum(1).Data(0x10, Bytes(4)).Sizei(most));
+}
 
+void AddExtCases(SBadCalls& bad) {
+    const CTraceBuilder t;
     const auto extNames = [&](std::int64_t count) {
         return t.Ext(0, 1).Sizei(count).Array(tag::Uint, 0x10, {7});
     };
@@ -228,6 +235,14 @@ std::vector<SBadCase> ShortRecords() {
             t.Ext(0, 2).Enum(36160).Sizei(most).Array(tag::Enum, 0x10, {36064}));
     bad.Add("an attachment's parameter", 4028,
             t.Ext(0, 1).Enum(36160).Enum(36064).Enum(36048).Array(tag::Int, 0, {}));
+}
+
+/// Each asks the host to read or write more than its record holds.
+std::vector<SBadCase> ShortRecords() {
+    SBadCalls bad;
+    AddEs1Cases(bad);
+    AddEs3Cases(bad);
+    AddExtCases(bad);
     return bad.cases;
 }
 

@@ -52,6 +52,7 @@ const SPrototype* FindPrototype(const std::string& family, const std::string& en
     return nullptr;
 }
 
+// NOLINTNEXTLINE(readability-function-size): a table.
 const SFamilyRows& Es2Rows() {
     static const SFamilyRows rows = [] {
         SFamilyRows es2;
@@ -239,6 +240,7 @@ const SFamilyRows& Es2Rows() {
     return rows;
 }
 
+// NOLINTNEXTLINE(readability-function-size): a table.
 const SFamilyRows& Es1Rows() {
     static const SFamilyRows rows = [] {
         SFamilyRows es1;
@@ -411,6 +413,7 @@ const SFamilyRows& Es1Rows() {
     return rows;
 }
 
+// NOLINTNEXTLINE(readability-function-size): a table.
 const SFamilyRows& Es3Rows() {
     static const SFamilyRows rows = [] {
         SFamilyRows es3;

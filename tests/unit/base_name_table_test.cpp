@@ -56,7 +56,7 @@ TEST(NameTable, StartsWithTenEntriesAndDoubles) {
 
 TEST(NameTable, TheLastEntryTakesAnErasedOnesPlace) {
     Table table;
-    for (std::uint32_t key = 1; key <= 4; ++key) table.GetOrCreate(key) = key * 10;
+    for (std::uint32_t key = 1; key <= 4; ++key) table.GetOrCreate(key) = key * 10UL;
     table.Erase(2);
     EXPECT_EQ(table.KeyAt(1), 4U);
     EXPECT_EQ(*table.ValueAt(1), 40U);

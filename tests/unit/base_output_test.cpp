@@ -58,6 +58,7 @@ SEnd RunApart(const std::function<void()>& work, int pipeFlags = 0) {
 }
 
 /// Every frame points into the one above it, so that no compiler makes a loop of this.
+// NOLINTNEXTLINE(misc-no-recursion): it is what the stack overflows by.
 int Overflow(const volatile char* above) {
     volatile char frame[4096];
     if (above == nullptr) return 0;
@@ -77,6 +78,7 @@ TEST(Output, NoLineIsLostHoweverTheProcessEnds) {
     } endings[] = {
         {"exit", [] { std::exit(0); }, 0},
         {"abort", [] { std::abort(); }, SIGABRT},
+        // NOLINTNEXTLINE(bugprone-exception-escape): that is this ending.
         {"an exception", []() noexcept { ThrowSomething(); }, SIGABRT},
         {"a fault", [] { ::raise(SIGSEGV); }, SIGSEGV},
         {"a stack overflow", [] { Overflow("x"); }, SIGSEGV},
@@ -125,7 +127,7 @@ TEST(Output, TextThatCannotBeWrittenIsDropped) {
     const SEnd end = RunApart([] {
         ::close(STDOUT_FILENO);
         for (int i = 0; i < 100000; ++i) output::Message("nowhere to go");
-        if (output::Pending().Size() > 100 * 1024) std::exit(1);
+        if (output::Pending().Size() > 100UL * 1024) std::exit(1);
     });
     EXPECT_EQ(end.status, 0);
 }

@@ -106,7 +106,7 @@ TEST_F(StateEs1Updates, FixedPointValuesAreDividedByTwelve) {
         {3109, Gl().Fixed(36), [](auto& s) { return &s.pointSize; }, {3}},
         {3111, Gl().Fixed(24).Fixed(-25), [](auto& s) { return &s.polygonOffsetFactor; }, {2}},
         {3111, Gl().Fixed(24).Fixed(-25), [](auto& s) { return &s.polygonOffsetUnits; }, {-2}},
-        {3118, Gl().Clampx(24).Boolean(1), [](auto& s) { return &s.sampleCoverageValue; }, {2}},
+        {3118, Gl().Clampx(24).Boolean(true), [](auto& s) { return &s.sampleCoverageValue; }, {2}},
         {3099,
          Gl().Fixed(24).Fixed(36).Fixed(48),
          [](auto& s) { return s.currentNormal.data(); },

@@ -491,7 +491,7 @@ TEST(Es2Updates, NoRecordHarmsTheModel) {
         constexpr std::uint16_t kEs3[] = {5145, 5146, 5159, 5167, 5171, 5172, 5173};
         const auto id =
             number < 142 ? static_cast<std::uint16_t>(2001 + number) : kEs3[number - 142];
-        stream.Trace().Stream().Seek(round * kNumbers * 4, SEEK_SET);
+        stream.Trace().Stream().Seek(static_cast<std::int32_t>(round * kNumbers * 4), SEEK_SET);
         try {
             handled += model.DoNext(id, stream.Trace()) ? 1 : 0;
         } catch (const std::exception&) {

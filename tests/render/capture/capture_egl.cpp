@@ -39,10 +39,10 @@ void WriteFrame(unsigned number, std::uint32_t width, std::uint32_t height,
 
 }  // namespace
 
-#define FORWARD(result, name, parameters, arguments)                                     \
-    extern "C" result EGLAPIENTRY name parameters {                                      \
-        static auto const entry = reinterpret_cast<decltype(&name)>(SystemEntry(#name)); \
-        return entry arguments;                                                          \
+#define FORWARD(result, name, parameters, arguments)                                       \
+    extern "C" result EGLAPIENTRY name parameters {                                        \
+        static auto const entry = reinterpret_cast<decltype(&(name))>(SystemEntry(#name)); \
+        return entry arguments;                                                            \
     }
 
 FORWARD(EGLBoolean, eglChooseConfig,
