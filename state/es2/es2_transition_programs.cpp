@@ -91,41 +91,33 @@ void BindAttributes(SEs2Host& host, GLuint live, const TStateTable<SAttributeSta
     }
 }
 
-void SetIntegers(SEs2Host& host, GLint at, const SUniformState& uniform) {
-    const GLint* v = uniform.values.Integers();
-    const auto size = static_cast<GLsizei>(uniform.values.Count());
-    if (uniform.components < 1 || uniform.components > 4 || size < uniform.components) return;
-    const GLsizei count = size / uniform.components;
-    const bool array = count > 1;
-    switch (uniform.components) {
-        case 1:
-            return array ? host.glUniform1iv(at, count, v) : host.glUniform1i(at, v[0]);
-        case 2:
-            return array ? host.glUniform2iv(at, count, v) : host.glUniform2i(at, v[0], v[1]);
-        case 3:
-            return array ? host.glUniform3iv(at, count, v) : host.glUniform3i(at, v[0], v[1], v[2]);
-        default:
-            return array ? host.glUniform4iv(at, count, v)
-                         : host.glUniform4i(at, v[0], v[1], v[2], v[3]);
-    }
-}
+/// The entries for uniforms of one type, by their number of components.
+template <typename T>
+struct SUniformEntries {
+    void (*one)(GLint, T);
+    void (*two)(GLint, T, T);
+    void (*three)(GLint, T, T, T);
+    void (*four)(GLint, T, T, T, T);
+    std::array<void (*)(GLint, GLsizei, const T*), 4> arrays;
+};
 
-void SetFloats(SEs2Host& host, GLint at, const SUniformState& uniform) {
-    const GLfloat* v = uniform.values.Floats();
+template <typename T>
+void SetVectors(const SUniformEntries<T>& set, GLint at, const SUniformState& uniform, const T* v) {
     const auto size = static_cast<GLsizei>(uniform.values.Count());
     if (uniform.components < 1 || uniform.components > 4 || size < uniform.components) return;
     const GLsizei count = size / uniform.components;
-    const bool array = count > 1;
+    if (count > 1) {
+        return set.arrays[static_cast<std::size_t>(uniform.components - 1)](at, count, v);
+    }
     switch (uniform.components) {
         case 1:
-            return array ? host.glUniform1fv(at, count, v) : host.glUniform1f(at, v[0]);
+            return set.one(at, v[0]);
         case 2:
-            return array ? host.glUniform2fv(at, count, v) : host.glUniform2f(at, v[0], v[1]);
+            return set.two(at, v[0], v[1]);
         case 3:
-            return array ? host.glUniform3fv(at, count, v) : host.glUniform3f(at, v[0], v[1], v[2]);
+            return set.three(at, v[0], v[1], v[2]);
         default:
-            return array ? host.glUniform4fv(at, count, v)
-                         : host.glUniform4f(at, v[0], v[1], v[2], v[3]);
+            return set.four(at, v[0], v[1], v[2], v[3]);
     }
 }
 
@@ -147,9 +139,21 @@ void SetMatrices(SEs2Host& host, GLint at, const SUniformState& uniform) {
 void SetUniform(SEs2Host& host, GLint at, const SUniformState& uniform) {
     switch (uniform.kind) {
         case SUniformState::kInteger:
-            return SetIntegers(host, at, uniform);
+            return SetVectors<GLint>(
+                {host.glUniform1i,
+                 host.glUniform2i,
+                 host.glUniform3i,
+                 host.glUniform4i,
+                 {host.glUniform1iv, host.glUniform2iv, host.glUniform3iv, host.glUniform4iv}},
+                at, uniform, uniform.values.Integers());
         case SUniformState::kFloat:
-            return SetFloats(host, at, uniform);
+            return SetVectors<GLfloat>(
+                {host.glUniform1f,
+                 host.glUniform2f,
+                 host.glUniform3f,
+                 host.glUniform4f,
+                 {host.glUniform1fv, host.glUniform2fv, host.glUniform3fv, host.glUniform4fv}},
+                at, uniform, uniform.values.Floats());
         case SUniformState::kMatrix:
             return SetMatrices(host, at, uniform);
         default:
