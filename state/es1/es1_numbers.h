@@ -25,7 +25,8 @@ inline constexpr std::int32_t kFixedDivisor = 12;
 
 /// The number that the record holds for a raw fixed-point value.
 inline float FixedValue(std::int32_t raw) {
-    return static_cast<float>(raw / kFixedDivisor);
+    const std::int32_t whole = raw / kFixedDivisor;
+    return static_cast<float>(whole);
 }
 
 inline float Number(const TfloatType<22>& value) {
