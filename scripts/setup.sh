@@ -1,7 +1,7 @@
 # shellcheck shell=bash disable=SC2034
-# What ./play and ./check share: packages, the build, a display. To be sourced from the root of the
-# repository. All that it prints goes to standard error, so that the player's own text stays alone on
-# standard output.
+# What ./play, ./check and the scripts beside this one share: packages, the build, a display. To be
+# sourced from the root of the repository. All that it prints goes to standard error, so that the
+# player's own text stays alone on standard output.
 
 build=build/release
 
@@ -9,6 +9,7 @@ build_packages=(g++ cmake ninja-build pkg-config python3 libxcb1-dev libegl-dev 
 run_packages=(libegl1 libgles1 libgles2 libegl-mesa0 libgl1-mesa-dri)
 display_packages=(xvfb)
 test_packages=(libgtest-dev libgmock-dev libbenchmark-dev)
+lint_packages=(clang-format clang-tidy shellcheck)
 
 say() { printf '%s\n' "$*" >&2; }
 
