@@ -24,11 +24,13 @@ public:
 };
 
 /// The values of a call without any storage of its own: made and dropped for every played call.
+// NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): only what was added is read.
 class CGenCallInfo final : public CCallInfo {
 public:
     /// More parameters than any row has; the generator of the classes holds to it.
     static constexpr std::uint32_t kCapacity = 16;
 
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): only the first m_count are read.
     class Parameters {
     public:
         std::uint32_t size() const { return m_count; }

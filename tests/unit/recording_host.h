@@ -109,6 +109,7 @@ private:
 
 template <std::size_t Size>
 struct TEntryName {
+    // NOLINTNEXTLINE(google-explicit-constructor): a literal is a template's argument by it.
     constexpr TEntryName(const char (&name)[Size]) { std::copy_n(name, Size, text); }
     char text[Size];
 };

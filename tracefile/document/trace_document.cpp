@@ -18,8 +18,8 @@ constexpr std::uint16_t kLastMarker = 5;
 }  // namespace
 
 struct CTraceDocument::SRecordLoop {
-    std::uint64_t size;
-    std::uint64_t offset;
+    std::uint64_t size = 0;
+    std::uint64_t offset = 0;
     std::uint32_t thread = 0;
     bool inStateBlock = false;
     /// The section of state records is being read, ahead of all others.
