@@ -87,7 +87,7 @@ def wrong_ways(files):
         for included in includes:
             other = room_of(included)
             if other not in reached[room]:
-                yield f"{name}: {room} doesn't stand on {other or 'a room'}, but includes {included}"
+                yield f"{name}: includes {included}, but {room} doesn't stand on {other or 'that'}"
 
 
 def circle(files):
