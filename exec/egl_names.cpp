@@ -92,6 +92,20 @@ void CEglNames::SetConfig(EGLDisplay live, Recorded recorded, EGLConfig config) 
     s_state.configs.GetOrCreate(Key(live)).GetOrCreate(recorded) = config;
 }
 
+void CEglNames::ResetNames() {
+    s_state.displays.Clear();
+    s_state.nativeDisplays.Clear();
+    s_state.surfaces.Clear();
+    s_state.contexts.Clear();
+    s_state.configs.Clear();
+    s_state.contextStates.Clear();
+    UseContext(EGL_NO_CONTEXT);
+    s_state.contextValid = false;
+    s_state.liveWidth = s_state.liveHeight = 0;
+    s_state.recordedWidth = s_state.recordedHeight = 0;
+    s_state.surfaceDisplay = EGL_NO_DISPLAY;
+}
+
 void CEglNames::ClearDisplay(EGLDisplay live) {
     auto* surfaces = s_state.surfaces.Find(Key(live));
     if (surfaces != nullptr) surfaces->Clear();

@@ -41,6 +41,8 @@ public:
     const EGLConfig* FindConfig(EGLDisplay live, Recorded recorded) const;
     void SetConfig(EGLDisplay live, Recorded recorded, EGLConfig config);
 
+    /// Forgets everything, as at the start of the process.
+    void ResetNames();
     /// Empties the display's tables of surfaces and contexts.
     void ClearDisplay(EGLDisplay live);
     /// Forgets the display and all that hangs from it.

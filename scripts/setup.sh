@@ -10,6 +10,7 @@ run_packages=(libegl1 libgles1 libgles2 libegl-mesa0 libgl1-mesa-dri)
 display_packages=(xvfb)
 test_packages=(libgtest-dev libgmock-dev libbenchmark-dev)
 lint_packages=(clang-format clang-tidy shellcheck)
+fuzz_packages=(clang-14)
 
 say() { printf '%s\n' "$*" >&2; }
 

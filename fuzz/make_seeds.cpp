@@ -1,0 +1,75 @@
+// Writes small sound traces into a folder: every call that has a row, in every version.
+#include <cstdio>
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+
+#include "tests/program/table_call.h"
+
+namespace kestrail {
+namespace {
+
+/// Few calls make a small file, which the fuzzer is quick with.
+constexpr std::size_t kCallsOfTrace = 8;
+
+CRecordBuilder RecordOf(const SOpening& opening, const SFamilyRows& rows,
+                        const std::string& entry) {
+    const SPrototype* prototype = FindPrototype(rows.family, entry);
+    try {
+        if (prototype != nullptr) return MakeTableCall(opening, *prototype, rows).record;
+    } catch (const std::out_of_range&) {
+        // Records that are unlike their prototypes: small numbers do for a start.
+    }
+    CRecordBuilder record = rows.api == 0 ? opening.trace.Gl() : opening.trace.Ext(0, rows.api);
+    for (int i = 0; i < 8; ++i) record.U32(1);
+    return record;
+}
+
+void WriteFamily(const SFamilyRows& rows, std::uint32_t version, const std::string& start) {
+    const SOpening opening = Open(rows, version);
+    for (std::size_t first = 0; first < rows.entries.size(); first += kCallsOfTrace) {
+        CTraceBuilder trace = opening.trace;
+        const std::size_t end = std::min(first + kCallsOfTrace, rows.entries.size());
+        for (std::size_t i = first; i < end; ++i) {
+            trace.Add(static_cast<std::uint16_t>(rows.first + i),
+                      RecordOf(opening, rows, rows.entries[i]));
+            if (i == first + kCallsOfTrace / 2) trace.SwapBuffers();
+        }
+        trace.SwapBuffers();
+        trace.Write(start + "-" + std::to_string(first) + ".kstl");
+    }
+}
+
+/// What stands beside the calls: edits, threads, a section of state, a picture.
+void WriteFraming(std::uint32_t version, const std::string& start) {
+    CTraceBuilder trace(version);
+    trace.Disable(7).OverrideText(8, "void main() {}").Thread();
+    trace.BeginState().Marker(2).StartUp(2, 300, 300).Marker(3).EndState();
+    trace.Add(2046, trace.Gl()).Thread(2);
+    trace.SwapBuffers(2, 1, Bytes(8, 0x7F));
+    trace.Add(2046, trace.Gl()).SwapBuffers();
+    trace.Write(start + ".kstl");
+}
+
+}  // namespace
+}  // namespace kestrail
+
+int main(int count, char** arguments) {
+    using namespace kestrail;
+    if (count != 2) {
+        std::fprintf(stderr, "usage: %s FOLDER\n", arguments[0]);
+        return 1;
+    }
+    const std::filesystem::path folder = arguments[1];
+    std::filesystem::create_directories(folder);
+    for (std::uint32_t version = 7; version <= 14; ++version) {
+        const std::string name = "v" + std::to_string(version);
+        for (const SFamilyRows* rows :
+             {&Es1Rows(), &Es2Rows(), &Es3Rows(), &ExtRows(), &MultisampleRows()}) {
+            const std::string family = rows->family + std::to_string(rows->first);
+            WriteFamily(*rows, version, (folder / (name + "-" + family)).string());
+        }
+        WriteFraming(version, (folder / (name + "-framing")).string());
+    }
+    return 0;
+}
