@@ -9,10 +9,9 @@ void SArrayPtr<SString, 1, 1>::Read(CTrace& trace) {
     m_elements.clear();
     if (count == 0) pointer.value = 0;
     if (pointer.value == 0) return;
-    // Each string takes bytes of the file, so the array grows with what the file gives and not with
-    // what the count claims; a stream that has ended gives no more.
-    for (std::uint32_t i = 0; i < count; ++i) {
-        if (trace.Stream().Tell() >= trace.Stream().GetSize()) break;
+    // Each string takes bytes of the record, so the array grows with what the record gives and not
+    // with what the count claims.
+    for (std::uint32_t i = 0; i < count && trace.RecordRemaining() > 0; ++i) {
         m_elements.emplace_back().Read(trace);
     }
 }

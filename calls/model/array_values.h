@@ -103,7 +103,7 @@ public:
 
     std::uint32_t GetCount() const { return count; }
     /// The items that are there, whatever the count says: none behind a null pointer, and no more
-    /// than the file has bytes for.
+    /// than the record has bytes for.
     std::uint32_t ItemCount() const { return m_items; }
     ValueType GetItem(std::uint32_t index) const { return m_elements[index]; }
     /// All elements of all items in a row; null when there are none.
@@ -148,11 +148,11 @@ protected:
     std::uint32_t m_items = 0;
 
 private:
-    /// How many items the rest of the file can hold.
+    /// How many items the rest of the record can hold.
     static std::uint32_t Readable(const CTrace& trace) {
         const std::int32_t width = trace.GetEsTypeSize(T::kTag);
         const std::int32_t bytes = width == 0 ? 4 : std::abs(width);
-        return trace.Stream().Remaining() / (static_cast<std::uint32_t>(bytes) * kItemSize);
+        return trace.RecordRemaining() / (static_cast<std::uint32_t>(bytes) * kItemSize);
     }
     void AppendAll(TextWriter& out, const char* separator, bool numeric) const {
         for (std::uint32_t i = 0; i < m_items; ++i) {

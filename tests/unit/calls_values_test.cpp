@@ -287,6 +287,21 @@ TEST(DataRead, ASizeAboveTheRecordsIsAnError) {
     ExpectSizeChecked<SEglAttribList>();
 }
 
+TEST(DataRead, NothingIsKeptOfWhatTheRecordHasNoBytesFor) {
+    const std::vector<std::int64_t> item(16, 7);
+    CRecordStream matrices(
+        Record().ArrayHead(1, 9).Raw(Record().Array(tag::Int, 1, item).Content()));
+    SArrayPtr<TintType<17>, 4, 4> array;
+    matrices.Trace() >> array;
+    EXPECT_EQ(array.GetCount(), 9U);
+    EXPECT_EQ(array.ItemCount(), 1U);
+    CRecordStream texts(Record().ArrayHead(1, 9).String(1, "ab"));
+    SArrayPtr<SString, 1, 1> strings;
+    texts.Trace() >> strings;
+    EXPECT_EQ(strings.GetCount(), 9U);
+    EXPECT_EQ(strings.ElementCount(), 1U);
+}
+
 TEST(DataRead, ElementsOfAnyWidth) {
     WidthTable widths = StandardWidths();
     widths[tag::Uint] = 1;

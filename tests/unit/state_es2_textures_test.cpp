@@ -480,7 +480,6 @@ TEST(Es2Updates, NoRecordHarmsTheModel) {
         records.U32(error ? 0 : pick % 16 == 0 ? next() : wanted[pick % std::size(wanted)]);
     }
     CRecordStream stream(records);
-    stream.Trace().SetRecordSize(kNumbers * 4);
     CModel model;
     std::vector<CEs2State> snapshots;
     std::uint32_t handled = 0;
@@ -492,6 +491,7 @@ TEST(Es2Updates, NoRecordHarmsTheModel) {
         const auto id =
             number < 142 ? static_cast<std::uint16_t>(2001 + number) : kEs3[number - 142];
         stream.Trace().Stream().Seek(static_cast<std::int32_t>(round * kNumbers * 4), SEEK_SET);
+        stream.Trace().SetRecordSize(kNumbers * 4);
         try {
             handled += model.DoNext(id, stream.Trace()) ? 1 : 0;
         } catch (const std::exception&) {

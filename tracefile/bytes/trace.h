@@ -32,7 +32,16 @@ public:
     std::uint32_t Version() const { return m_version; }
     bool RecordData() const { return m_recordData; }
     std::uint32_t GetRecordSize() const { return m_recordSize; }
-    void SetRecordSize(std::uint32_t size) { m_recordSize = size; }
+    /// Of the record whose payload the stream stands at.
+    void SetRecordSize(std::uint32_t size) {
+        m_recordSize = size;
+        m_recordEnd = std::uint64_t{m_stream->Tell()} + size;
+    }
+    /// Bytes that the record still has. What claims more of them gets no room for it.
+    std::uint32_t RecordRemaining() const {
+        const std::uint32_t position = m_stream->Tell();
+        return position < m_recordEnd ? static_cast<std::uint32_t>(m_recordEnd - position) : 0;
+    }
     /// The 1-based number that the call being read will have.
     std::uint32_t& CallNumber() { return m_callNumber; }
 
@@ -45,6 +54,7 @@ private:
     const std::int8_t* m_typeSizes;
     std::int8_t m_typeCount;
     std::uint32_t m_recordSize = 0;
+    std::uint64_t m_recordEnd = 0;
     std::uint32_t m_callNumber = 0;
 };
 
