@@ -10,10 +10,10 @@
 #include "bench/bench_traces.h"
 #include "exec/es2_names.h"
 #include "playback/advanced_playback_interface.h"
-#include "state/egl/egl_transition.h"
-#include "state/es1/es1_transition.h"
-#include "state/es2/es2_transition.h"
 #include "tracefile/document/trace_document.h"
+#include "transitions/egl_transition.h"
+#include "transitions/es1_transition.h"
+#include "transitions/es2_transition.h"
 
 namespace kestrail {
 namespace {

@@ -3,9 +3,9 @@
 #include "base/output.h"
 #include "host/es2_host.h"
 #include "host/host_lib.h"
-#include "state/egl/egl_transition.h"
-#include "state/es1/es1_transition.h"
-#include "state/es2/es2_transition.h"
+#include "transitions/egl_transition.h"
+#include "transitions/es1_transition.h"
+#include "transitions/es2_transition.h"
 
 namespace kestrail {
 namespace {

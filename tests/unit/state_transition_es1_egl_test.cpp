@@ -1,8 +1,8 @@
 // Which calls the host gets, in which order, when one ES1 or EGL record is turned into another.
 #include "host/os_environment.h"
-#include "state/egl/egl_transition.h"
-#include "state/es1/es1_transition.h"
 #include "tests/unit/transition_fixture.h"
+#include "transitions/egl_transition.h"
+#include "transitions/es1_transition.h"
 
 namespace kestrail {
 namespace {

@@ -1,7 +1,7 @@
 // Which calls the host gets, in which order, when one ES2 record is turned into another.
-#include "state/es2/es2_transition.h"
-#include "state/es2/es2_transition_steps.h"
 #include "tests/unit/transition_fixture.h"
+#include "transitions/es2_transition.h"
+#include "transitions/es2_transition_steps.h"
 
 namespace kestrail {
 namespace {

@@ -23,11 +23,11 @@ ROOMS = {
     "playback": ["transitions"],
     "samples": ["tests/support"],
     "bench": ["playback", "tests/support"],
-    "fuzz": ["playback", "tests/support"],
+    "fuzz": ["playback", "tests/program"],
     # What knows the format by itself, so that it can tell on the reader.
     "tests/support": [],
     "tests/host": [],
-    "tests/program": ["tests/support"],
+    "tests/program": ["tests/support", "tracefile/document"],
     "tests/render": ["samples"],
     "tests/unit": ["playback", "tests/support"],
 }
@@ -40,8 +40,6 @@ def room_of(path):
     parts = path.split("/")
     if parts[0] == "generated":
         parts = parts[1:]
-    if parts[0] == "state" and "transition" in parts[-1]:
-        return "transitions"
     for room in (parts[0], "/".join(parts[:2])):
         if room in ROOMS:
             return room
@@ -62,7 +60,7 @@ def reach(room):
 def read_tree(root, build):
     """The includes of every file of the rooms, by names from the root."""
     files = {}
-    tops = sorted({room.split("/")[0] for room in ROOMS} - {"transitions"})
+    tops = sorted({room.split("/")[0] for room in ROOMS})
     for base, folders in ((root, tops), (build, ["generated"])):
         for folder in folders:
             for pattern in SOURCES:

@@ -1,10 +1,10 @@
-#include "state/es1/es1_transition.h"
+#include "transitions/es1_transition.h"
 
 #include <algorithm>
 
 #include "exec/egl_names.h"
 #include "exec/extension_resolver.h"
-#include "state/es1/es1_transition_steps.h"
+#include "transitions/es1_transition_steps.h"
 
 namespace kestrail {
 namespace {

@@ -1,4 +1,4 @@
-#include "state/es2/es2_transition.h"
+#include "transitions/es2_transition.h"
 
 #include <GLES3/gl3.h>
 
@@ -10,9 +10,9 @@
 #include "exec/name_calls.h"
 #include "host/es2_host.h"
 #include "host/es3_host.h"
-#include "state/es2/es2_transition_steps.h"
-#include "state/table_sweep.h"
-#include "state/transition_bytes.h"
+#include "transitions/es2_transition_steps.h"
+#include "transitions/host_bytes.h"
+#include "transitions/table_sweep.h"
 
 namespace kestrail {
 namespace {

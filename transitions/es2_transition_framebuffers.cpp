@@ -5,8 +5,8 @@
 #include "exec/name_calls.h"
 #include "host/es2_host.h"
 #include "host/es3_host.h"
-#include "state/es2/es2_transition_steps.h"
-#include "state/table_sweep.h"
+#include "transitions/es2_transition_steps.h"
+#include "transitions/table_sweep.h"
 
 namespace kestrail {
 namespace {

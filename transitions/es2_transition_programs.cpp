@@ -7,9 +7,9 @@
 #include "base/output.h"
 #include "exec/es2_names.h"
 #include "host/es2_host.h"
-#include "state/es2/es2_transition.h"
-#include "state/es2/es2_transition_steps.h"
-#include "state/table_sweep.h"
+#include "transitions/es2_transition.h"
+#include "transitions/es2_transition_steps.h"
+#include "transitions/table_sweep.h"
 
 namespace kestrail {
 namespace {

@@ -1,4 +1,4 @@
-#include "state/egl/egl_transition.h"
+#include "transitions/egl_transition.h"
 
 #include "exec/egl_config.h"
 #include "exec/egl_names.h"

@@ -2,9 +2,9 @@
 #include "exec/egl_names.h"
 #include "exec/host_data.h"
 #include "exec/name_calls.h"
-#include "state/es1/es1_transition_steps.h"
-#include "state/table_sweep.h"
-#include "state/transition_bytes.h"
+#include "transitions/es1_transition_steps.h"
+#include "transitions/host_bytes.h"
+#include "transitions/table_sweep.h"
 
 namespace kestrail {
 namespace {
