@@ -2,12 +2,7 @@
 // with the original until one of the two is written. For one thread.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
-#include <cstdlib>
-#include <cstring>
-#include <memory>
-#include <new>
 #include <utility>
 
 namespace kestrail {
@@ -45,6 +40,8 @@ public:
 
     /// Whether both share one content: equal then without a look at it.
     bool SameAs(const TShared& other) const { return m_node == other.m_node; }
+    /// The same for all that share one content while they do.
+    const void* Identity() const { return m_node; }
 
 private:
     struct SNode {
@@ -63,52 +60,6 @@ private:
     }
 
     SNode* m_node = nullptr;
-};
-
-/// A run of bytes: those of a recorded call, which outlive every record, or a shared copy. Two runs
-/// with the same pointer have the same content.
-class CSharedBytes {
-public:
-    CSharedBytes() = default;
-
-    /// Refers to bytes that somebody else keeps.
-    static CSharedBytes Borrow(const std::uint8_t* data, std::size_t size) {
-        CSharedBytes bytes;
-        bytes.m_data = data;
-        bytes.m_size = data != nullptr ? size : 0;
-        return bytes;
-    }
-    static CSharedBytes Zeroed(std::size_t size) {
-        // Zeroed pages take no memory until they are written.
-        void* zeros = std::calloc(size, 1);
-        if (zeros == nullptr) throw std::bad_alloc();
-        CSharedBytes bytes;
-        bytes.m_copy = std::shared_ptr<std::uint8_t[]>(static_cast<std::uint8_t*>(zeros),
-                                                       [](std::uint8_t* copy) { std::free(copy); });
-        bytes.m_data = bytes.m_copy.get();
-        bytes.m_size = size;
-        return bytes;
-    }
-
-    const std::uint8_t* Data() const { return m_data; }
-    std::size_t Size() const { return m_size; }
-    bool Borrowed() const { return m_data != nullptr && !m_copy; }
-
-    /// The bytes to change; null when there are none.
-    std::uint8_t* Write() {
-        if (m_data == nullptr) return nullptr;
-        if (!m_copy || m_copy.use_count() > 1) {
-            CSharedBytes own = Zeroed(m_size);
-            std::memcpy(own.m_copy.get(), m_data, m_size);
-            *this = std::move(own);
-        }
-        return m_copy.get();
-    }
-
-private:
-    const std::uint8_t* m_data = nullptr;
-    std::size_t m_size = 0;
-    std::shared_ptr<std::uint8_t[]> m_copy;
 };
 
 }  // namespace kestrail

@@ -15,6 +15,13 @@ template <typename T>
 class TSharedArray {
 public:
     TSharedArray() = default;
+    /// `count` default items.
+    explicit TSharedArray(std::uint32_t count) {
+        if (count == 0) return;
+        Renew(count);
+        std::uninitialized_value_construct_n(m_block->Items(), count);
+        m_block->count = count;
+    }
     TSharedArray(const TSharedArray& other) : m_block(other.m_block) {
         if (m_block != nullptr) ++m_block->owners;
     }
@@ -39,6 +46,8 @@ public:
         if (m_block->owners > 1) Renew(m_block->count);
         return m_block->Items()[index];
     }
+    /// All items to change; null when there are none.
+    T* WriteAll() { return Empty() ? nullptr : &Write(0); }
     /// Adds a default item at the end.
     T& Append() {
         const std::uint32_t count = Size();

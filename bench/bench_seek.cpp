@@ -318,7 +318,7 @@ void BM_PlayFrameBehindNeighbour(benchmark::State& state) {
 BENCHMARK(BM_PlayFrameBehindNeighbour)->Unit(benchmark::kMillisecond);
 
 /// A record with one small image for each texture; the images of all such records share contents.
-CEs2State Textured(std::uint32_t count, const CSharedBytes& contents, bool backwards) {
+CEs2State Textured(std::uint32_t count, const std::vector<std::uint8_t>& contents, bool backwards) {
     CEs2State made;
     for (std::uint32_t i = 0; i < count; ++i) {
         const std::uint32_t name = backwards ? count - i : i + 1;
@@ -330,7 +330,7 @@ CEs2State Textured(std::uint32_t count, const CSharedBytes& contents, bool backw
         image.internalFormat = 6408;
         image.type = 5121;
         image.data =
-            CSharedBytes::Borrow(contents.Data() + name * std::size_t{16}, std::size_t{16});
+            CSharedBytes::Borrow(contents.data() + name * std::size_t{16}, std::size_t{16});
     }
     return made;
 }
@@ -339,7 +339,7 @@ CEs2State Textured(std::uint32_t count, const CSharedBytes& contents, bool backw
 void BM_CompareTextures(benchmark::State& state) {
     const CSilence silence;
     const auto count = static_cast<std::uint32_t>(state.range(0));
-    const CSharedBytes contents = CSharedBytes::Zeroed((count + std::size_t{1}) * 16);
+    const std::vector<std::uint8_t> contents((count + std::size_t{1}) * 16);
     const CEs2State current = Textured(count, contents, false);
     const CEs2State origin = Textured(count, contents, state.range(1) != 0);
     for ([[maybe_unused]] const auto turn : state) {
@@ -358,7 +358,7 @@ BENCHMARK(BM_CompareTextures)
 void BM_CompareTexturesOfNeighbours(benchmark::State& state) {
     const CSilence silence;
     const auto count = static_cast<std::uint32_t>(state.range(0));
-    const CSharedBytes contents = CSharedBytes::Zeroed((count + std::size_t{1}) * 16);
+    const std::vector<std::uint8_t> contents((count + std::size_t{1}) * 16);
     const CEs2State current = Textured(count, contents, false);
     CEs2State origin = current;
     origin.WriteImage(count / 2, 0, 0).parameters[0] = 9729;

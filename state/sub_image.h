@@ -1,50 +1,77 @@
-// How a part of an image replaces that of a stored one, and how much of contents the records keep.
-// Works on plain parameters: the records of both APIs use it.
+// How a part of an image replaces that of a stored one, in the records of both APIs.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
+#include <vector>
 
-#include "base/shared.h"
+#include "state/shared_bytes.h"
 
 namespace kestrail {
 
-/// The largest contents, in bytes, that a partial update makes a private copy of. A call can claim
-/// any size with a few bytes of trace; no driver has contents as large as this.
-inline constexpr std::uint64_t kPrivateContentsLimit = std::uint64_t{1} << 28;
-
-/// An image of a record, by reference to what an update changes.
-struct SStoredImage {
-    CSharedBytes& data;
-    std::uint32_t& format;
-    std::uint32_t& type;
-    std::int32_t width;
-    std::int32_t height;
-    std::int32_t alignment;
-    std::int32_t border;
+/// How an image of a record is laid out.
+struct SImageLayout {
+    std::uint32_t format = 0;
+    std::uint32_t type = 0;
+    std::int32_t width = 0;
+    std::int32_t height = 0;
+    std::int32_t layers = -1;  ///< -1 for an image of two dimensions
+    std::int32_t alignment = 0;
+    std::int32_t border = 0;
+    bool empty = false;  ///< without pixels
 };
 
-/// What a call brings: a rectangle of pixels, whose bytes outlive every record.
+/// What a call brings: pixels for a rectangle of an image, whose bytes outlive every record.
 struct SImagePart {
-    const std::uint8_t* data;
-    std::size_t size;
-    std::int32_t x;
-    std::int32_t y;
-    std::int32_t width;
-    std::int32_t height;
-    std::uint32_t format;
-    std::uint32_t type;
-    std::int32_t alignment;
+    const std::uint8_t* data = nullptr;
+    std::size_t size = 0;
+    std::int32_t x = 0;
+    std::int32_t y = 0;
+    std::int32_t width = 0;
+    std::int32_t height = 0;
+    std::uint32_t format = 0;
+    std::uint32_t type = 0;
+    std::int32_t alignment = 0;
 };
 
-/// Puts the rectangle into the image, converted to the image's format. False, with the image as it
-/// was, for a rectangle that reaches out of it (larger than the image: with a message), for missing
-/// bytes and for formats that don't convert. One that covers the whole image is borrowed.
-bool ApplySubImage(const SStoredImage& image, const SImagePart& part);
+/// A part in the format of the image that it goes to.
+struct SFittedPart {
+    std::uint32_t format = 0;
+    std::uint32_t type = 0;
+    std::size_t imageSize = 0;
+    SByteRows rows;
+    bool whole = false;                   ///< the rows are all of the image, as it is laid out
+    std::vector<std::uint8_t> converted;  ///< where the rows stand, unless in the call
+};
 
-/// Puts `size` bytes at `offset` into contents of `total` bytes, which read as zeros where there
-/// are none yet. False, with the contents as they were, when the range reaches out of them.
-bool ApplySubData(CSharedBytes& contents, std::uint64_t total, std::int64_t offset,
-                  const std::uint8_t* data, std::size_t size);
+/// Makes a part ready for an image. False for a rectangle that reaches out of it (larger than the
+/// image: with a message), for fewer bytes than a host reads, with which no call is played, and for
+/// formats that don't convert.
+bool FitPart(const SImageLayout& image, const SImagePart& part, SFittedPart& fitted);
+
+/// Puts a part into an image of a record, if there is one. `write` gives the image to change, and
+/// is called for a part that fits only: the record shares its tables with its snapshots until then.
+/// False when nothing changes, but for compressed images, which are not to.
+template <typename Image, typename Write>
+bool ApplySubImage(const Image* image, const SImagePart& part, Write write) {
+    if (image == nullptr) return false;
+    if (image->compressed != 0) return true;
+    const SImageLayout layout = {image->format, image->type,        image->width,
+                                 image->height, image->Layers(),    image->unpackAlignment,
+                                 image->border, image->data.Empty()};
+    SFittedPart fitted;
+    if (!FitPart(layout, part, fitted)) return false;
+    if (!fitted.whole && !image->data.Takes(fitted.imageSize)) return false;
+    Image& changed = write();
+    changed.format = fitted.format;
+    changed.type = fitted.type;
+    changed.imageSize = static_cast<std::uint32_t>(fitted.imageSize);
+    if (fitted.whole) {
+        changed.data = CSharedBytes::Borrow(part.data, fitted.imageSize);
+    } else {
+        changed.data.Put(fitted.imageSize, fitted.rows);
+    }
+    return true;
+}
 
 }  // namespace kestrail

@@ -22,8 +22,9 @@ bool SameTexture(SEs1Transition& t, std::int32_t place) {
 void UploadImage(SEs1Transition& t, std::uint32_t name, const STextureImage1State& image) {
     const GLuint live = LiveOrGenerated(t.names.Textures(), name, t.host.glGenTextures);
     t.host.glBindTexture(GL_TEXTURE_2D, live);
+    CHostBytes contents;
     if (image.compressed != 0) {
-        const void* data = HostBytes(image.data, image.imageSize);
+        const void* data = contents.Whole(image.data, image.imageSize);
         // Hosts know no compressed image without its bytes.
         if (data != nullptr || image.imageSize == 0) {
             t.host.glCompressedTexImage2D(
@@ -34,9 +35,8 @@ void UploadImage(SEs1Transition& t, std::uint32_t name, const STextureImage1Stat
         const auto bytes = [&image](const SPixelStore& store) {
             return ImageBytes(image.format, image.type, image.width, image.height, store);
         };
-        std::vector<std::uint8_t> padded;
         const void* pixels =
-            HostPixels(image.data, bytes(TightlyPacked()), bytes(CEglNames{}.PixelStore()), padded);
+            contents.Pixels(image.data, bytes(TightlyPacked()), bytes(CEglNames{}.PixelStore()));
         t.host.glTexImage2D(GL_TEXTURE_2D, image.level, image.internalFormat, image.width,
                             image.height, image.border, image.format, image.type, pixels);
     }
@@ -140,12 +140,14 @@ void TransitionBuffers1(SEs1Transition& t) {
     for (std::int32_t i = 0; i < buffers.Count(); ++i) {
         const SBufferState& buffer = ValueAt(buffers, i);
         const bool known = t.current != nullptr && i < t.current->buffers->Count();
-        if (known && ValueAt(*t.current->buffers, i).data.Data() == buffer.data.Data()) continue;
+        if (known && ValueAt(*t.current->buffers, i).data.Identity() == buffer.data.Identity())
+            continue;
+        CHostBytes bytes;
         const GLuint live =
             LiveOrGenerated(t.names.Buffers(), buffers.KeyAt(i), t.host.glGenBuffers);
         t.host.glBindBuffer(buffer.target, live);
         t.host.glBufferData(buffer.target, static_cast<GLsizeiptr>(buffer.size),
-                            HostBytes(buffer.data, buffer.size), buffer.usage);
+                            bytes.Whole(buffer.data, buffer.size), buffer.usage);
         if (buffer.mapped != 0 && t.host.glMapBufferOES != nullptr) {
             t.host.glMapBufferOES(buffer.target, kWriteOnly);
         }

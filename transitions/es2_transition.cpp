@@ -93,11 +93,12 @@ void TransitionBuffers(const CEs2State& target, const CEs2State& current) {
         const std::uint32_t name = target.buffers->KeyAt(i);
         const SBufferState& buffer = ValueAt(*target.buffers, i);
         const SBufferState* old = known.FindValue(name, i);
-        if (old != nullptr && old->data.Data() == buffer.data.Data()) continue;
+        if (old != nullptr && old->data.Identity() == buffer.data.Identity()) continue;
+        CHostBytes bytes;
         const GLuint live = LiveOrGenerated(names.Buffers(), name, host.glGenBuffers);
         host.glBindBuffer(buffer.target, live);
         host.glBufferData(buffer.target, static_cast<GLsizeiptr>(buffer.size),
-                          HostBytes(buffer.data, buffer.size), buffer.usage);
+                          bytes.Whole(buffer.data, buffer.size), buffer.usage);
         if (buffer.mapped != 0 && host.glMapBufferOES != nullptr) {
             host.glMapBufferOES(buffer.target, kWriteOnly);
         }

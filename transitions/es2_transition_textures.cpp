@@ -25,18 +25,18 @@ public:
         for (std::int32_t f = 0; f < faces.Count(); ++f) {
             const auto& levels = ValueAt(faces, f);
             for (std::int32_t l = 0; l < levels.Count(); ++l) {
-                m_contents.push_back(ValueAt(levels, l).data.Data());
+                m_contents.push_back(ValueAt(levels, l).data.Identity());
             }
         }
         std::sort(m_contents.begin(), m_contents.end());
     }
 
     bool Has(const STextureImageState& image) const {
-        return std::binary_search(m_contents.begin(), m_contents.end(), image.data.Data());
+        return std::binary_search(m_contents.begin(), m_contents.end(), image.data.Identity());
     }
 
 private:
-    std::vector<const std::uint8_t*> m_contents;
+    std::vector<std::uintptr_t> m_contents;
 };
 
 bool IsFlat(GLenum target) {
@@ -107,9 +107,8 @@ private:
                                      image.depth, store)
                         : ImageBytes(image.format, image.type, image.width, image.height, store);
         };
-        std::vector<std::uint8_t> padded;
-        const void* pixels =
-            HostPixels(image.data, bytes(TightlyPacked()), bytes(Pixels()), padded);
+        CHostBytes contents;
+        const void* pixels = contents.Pixels(image.data, bytes(TightlyPacked()), bytes(Pixels()));
         if (IsFlat(image.target)) {
             m_host.glTexImage2D(image.target, image.level, static_cast<GLint>(image.format),
                                 image.width, image.height, image.border, image.format, image.type,
@@ -122,7 +121,8 @@ private:
     }
 
     void UploadCompressed(const STextureImageState& image) {
-        const void* data = HostBytes(image.data, image.imageSize);
+        CHostBytes contents;
+        const void* data = contents.Whole(image.data, image.imageSize);
         if (data == nullptr) return;
         m_host.glCompressedTexImage2D(
             image.target, image.level, static_cast<GLenum>(image.internalFormat), image.width,

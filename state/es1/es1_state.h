@@ -112,6 +112,9 @@ struct STextureImage1State {
     std::array<std::int32_t, 4> parameters = {9986, 9729, 10497, 10497};
     std::uint32_t imageSize = 0;
     std::uint8_t compressed = 0;
+
+    /// As that of ES2; there are no others here.
+    static std::int32_t Layers() { return -1; }
 };
 
 struct SClientArrayState {

@@ -5,7 +5,7 @@
 #include "generated/calls/es1_calls.h"
 #include "state/es1/es1_numbers.h"
 #include "state/es1/es1_state.h"
-#include "state/sub_image.h"
+#include "state/sub_data.h"
 
 namespace kestrail {
 namespace {
@@ -124,13 +124,8 @@ bool CEs1_glBufferData_v1::UpdateState(CEs1State& state) {
 
 bool CEs1_glBufferSubData_v1::UpdateState(CEs1State& state) {
     const std::uint32_t* bound = BoundBuffer(state, target.GetValue());
-    if (bound == nullptr || data.GetData() == nullptr || size.GetValue() < 0) return false;
-    const std::uint32_t name = *bound;
-    if (state.buffers->Find(name) == nullptr) return false;
-    const auto length = static_cast<std::uint32_t>(size.GetValue());
-    if (length > data.GetSize()) return false;
-    SBufferState& contents = state.buffers.Write().GetOrCreate(name);
-    return ApplySubData(contents.data, contents.size, offset.GetValue(), data.GetData(), length);
+    return bound != nullptr &&
+           ApplySubData(state.buffers, *bound, offset.GetValue(), size.GetValue(), data);
 }
 
 bool CEs1_glDeleteBuffers_v1::UpdateState(CEs1State& state) {

@@ -198,17 +198,14 @@ bool CEs1_glTexSubImage2D_v1::UpdateState(CEs1State& state) {
     const std::uint32_t* bound = BoundTexture(state, target.GetValue());
     if (pixels.GetData() == nullptr) return true;
     if (bound == nullptr || level.GetValue() < 0) return false;
+    const std::uint32_t name = *bound;
     const auto place = static_cast<std::uint32_t>(level.GetValue());
-    const STextureImage1State* stored = state.FindImage(*bound, place);
-    if (stored == nullptr) return false;
-    if (stored->compressed != 0) return true;
-    STextureImage1State& image = state.WriteImage(*bound, place);
-    const SStoredImage whole = {image.data,   image.format,          image.type,  image.width,
-                                image.height, image.unpackAlignment, image.border};
     const SImagePart part = {pixels.GetData(),   pixels.GetSize(), xoffset.GetValue(),
                              yoffset.GetValue(), width.GetValue(), height.GetValue(),
                              format.GetValue(),  type.GetValue(),  state.unpackAlignment};
-    return ApplySubImage(whole, part);
+    return ApplySubImage(
+        state.FindImage(name, place),
+        part, [&]() -> auto& { return state.WriteImage(name, place); });
 }
 
 bool CEs1_glTexParameterf_v1::UpdateState(CEs1State& state) {

@@ -1,5 +1,7 @@
 #include "state/es2/es2_state.h"
 
+#include <algorithm>
+
 namespace kestrail {
 
 int TextureParameterIndex(std::uint32_t pname) {
@@ -13,6 +15,12 @@ std::array<std::int32_t, 15> DefaultTextureParameters() {
     std::array<std::int32_t, 15> values{};
     for (std::size_t i = 0; i < values.size(); ++i) values[i] = kTextureParameters[i].initial;
     return values;
+}
+
+std::int32_t STextureImageState::Layers() const {
+    constexpr std::uint32_t kTexture3D = 32879;
+    constexpr std::uint32_t kTexture2DArray = 35866;
+    return target == kTexture3D || target == kTexture2DArray ? std::max(depth, 0) : -1;
 }
 
 CEs2State::CEs2State() {

@@ -11,6 +11,7 @@
 
 #include "base/kstl_string.h"
 #include "base/shared.h"
+#include "state/shared_bytes.h"
 #include "state/state_table.h"
 
 namespace kestrail {
@@ -208,6 +209,9 @@ struct STextureImageState {
     std::array<std::int32_t, 15> parameters = DefaultTextureParameters();
     std::uint32_t imageSize = 0;
     std::uint8_t compressed = 0;
+
+    /// -1 for an image of two dimensions.
+    std::int32_t Layers() const;
 };
 
 /// Images of a texture by face (0 but for cube maps), then level.

@@ -6,6 +6,7 @@
 
 #include "calls/model/data_values.h"
 #include "state/es2/es2_state.h"
+#include "state/sub_image.h"
 
 namespace kestrail {
 
@@ -22,21 +23,10 @@ struct SImagePlace {
 /// False for a level below 0.
 bool ReplaceImage(CEs2State& state, const SImagePlace& place, STextureImageState& image);
 
-/// Pixels for a rectangle of an image.
-struct SSubImage {
-    std::int32_t x = 0;
-    std::int32_t y = 0;
-    std::int32_t width = 0;
-    std::int32_t height = 0;
-    std::uint32_t format = 0;
-    std::uint32_t type = 0;
-    const SBlock* pixels = nullptr;
-};
-
 /// Brings the pixels into the image at (name, face, level). False, and nothing changed, when there
 /// is no such image or they don't fit into it.
 bool UpdateSubImage(CEs2State& state, const SImagePlace& place, std::uint32_t level,
-                    const SSubImage& sub);
+                    const SImagePart& part);
 
 /// The bytes that the image's layout takes, at most all ones.
 std::uint64_t LayoutSize(const STextureImageState& image);

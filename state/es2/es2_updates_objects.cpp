@@ -4,13 +4,10 @@
 
 #include "generated/calls/es2_calls.h"
 #include "state/es2/es2_updates.h"
+#include "state/sub_data.h"
 
 namespace kestrail {
 namespace {
-
-/// A buffer without contents gets zeros when a part of it is set. The size is whatever the trace
-/// says, so one above this keeps none: a small file must not take gigabytes.
-constexpr std::uint32_t kMaxZeroedBuffer = 256u << 20;
 
 /// The name that is bound to `target`; false for a target that the record doesn't hold.
 bool BoundBuffer(const CEs2State& state, std::uint32_t target, std::uint32_t& name) {
@@ -123,25 +120,7 @@ bool CEs2_glBufferData_v1::UpdateState(CEs2State& state) {
 bool CEs2_glBufferSubData_v1::UpdateState(CEs2State& state) {
     std::uint32_t name = 0;
     if (!BoundBuffer(state, target.GetValue(), name)) return false;
-    const SBufferState* found = state.buffers->Find(name);
-    const std::int64_t start = offset.GetValue();
-    const std::int64_t count = size.GetValue();
-    if (found == nullptr || data.GetData() == nullptr || start < 0 || count < 0 ||
-        count > data.GetSize() || start + count > found->size) {
-        return false;
-    }
-    if (count == 0) return true;
-    const auto bytes = static_cast<std::size_t>(count);
-    const bool whole = bytes == found->size;
-    if (!whole && found->data.Size() == 0 && found->size > kMaxZeroedBuffer) return false;
-    SBufferState& buffer = *state.buffers.Write().Find(name);
-    if (whole) {
-        buffer.data = CSharedBytes::Borrow(data.GetData(), bytes);
-        return true;
-    }
-    if (buffer.data.Size() == 0) buffer.data = CSharedBytes::Zeroed(buffer.size);
-    std::memcpy(buffer.data.Write() + start, data.GetData(), bytes);
-    return true;
+    return ApplySubData(state.buffers, name, offset.GetValue(), size.GetValue(), data);
 }
 
 bool CEs2_glDeleteBuffers_v1::UpdateState(CEs2State& state) {

@@ -14,10 +14,6 @@
 namespace kestrail {
 namespace {
 
-/// An image without pixels gets zeros when a part of it is set. The size is whatever the trace
-/// says, so one above this keeps none: a small file must not take gigabytes.
-constexpr std::uint64_t kMaxZeroedImage = 256u << 20;
-
 /// What the units have bound to `target`; null for a target that the record doesn't hold.
 TShared<SUnitBindings>* UnitsOf(CEs2State& state, std::uint32_t target) {
     switch (target) {
@@ -95,82 +91,6 @@ std::uint32_t Saturated(std::uint64_t size) {
         std::min<std::uint64_t>(size, std::numeric_limits<std::uint32_t>::max()));
 }
 
-/// Rows of pixels somewhere in a block.
-struct SRows {
-    std::uint64_t first = 0;   ///< offset of the first pixel
-    std::uint64_t stride = 0;  ///< from one row to the next
-};
-
-/// Copies as many whole rows as both blocks hold.
-void CopyRows(std::uint8_t* dst, std::size_t dstSize, const SRows& to, const std::uint8_t* src,
-              std::size_t srcSize, const SRows& from, std::uint64_t rowBytes, std::int32_t rows) {
-    std::uint64_t target = to.first;
-    std::uint64_t source = from.first;
-    for (std::int32_t i = 0; i < rows; ++i) {
-        if (target + rowBytes > dstSize || source + rowBytes > srcSize) return;
-        std::memcpy(dst + target, src + source, rowBytes);
-        target += to.stride;
-        source += from.stride;
-    }
-}
-
-/// Where pixel (x, y) of an image stands in its bytes, and its rows from there.
-SRows RowsFrom(const STextureImageState& image, std::int32_t x, std::int32_t y) {
-    const std::uint32_t pixel = GetPixelSize(image.format, image.type);
-    const std::uint64_t row = GetRowSize(image.width, pixel, image.unpackAlignment, image.border);
-    const auto left = std::uint64_t{pixel} * static_cast<std::uint64_t>(x);
-    const auto above = static_cast<std::uint64_t>(y);
-    // A recorded size may be any number: what lies beyond all memory is behind every block.
-    constexpr std::uint64_t kBeyond = std::uint64_t{1} << 62;
-    return {above > kBeyond / (row + 1) ? kBeyond : row * above + left, row};
-}
-
-/// Whether the call's pixels are the whole image, laid out as the image is.
-bool IsWhole(const STextureImageState& image, const SSubImage& sub, std::int32_t alignment) {
-    const std::uint32_t pixel = GetPixelSize(image.format, image.type);
-    const std::uint64_t row = GetRowSize(sub.width, pixel, alignment, 0);
-    const std::uint64_t size = LayoutSize(image);
-    return sub.width == image.width && sub.height == image.height &&
-           row == GetRowSize(image.width, pixel, image.unpackAlignment, image.border) &&
-           size == row * static_cast<std::uint64_t>(sub.height) && sub.pixels->GetSize() >= size;
-}
-
-/// Whether pixels of the call's format can be made pixels of the image, and are all there.
-bool CanConvert(const STextureImageState& image, const SSubImage& sub, std::int32_t alignment) {
-    if (sub.type == image.type || !IsConvertible(sub.type, sub.format) ||
-        !IsConvertible(image.type, image.format)) {
-        return false;
-    }
-    const std::uint32_t pixel = GetPixelSize(sub.format, sub.type);
-    const std::uint64_t row = GetRowSize(sub.width, pixel, alignment, 0);
-    const std::uint64_t lastRow = GetRowSize(sub.width, pixel, 1, 0);
-    const std::uint64_t captured = sub.pixels->GetSize();
-    return lastRow <= captured &&
-           static_cast<std::uint64_t>(sub.height - 1) <= (captured - lastRow) / row;
-}
-
-/// Copies the pixels in, converted when their format is not that of the image.
-void CopyPixels(STextureImageState& image, const SSubImage& sub, std::int32_t alignment) {
-    if (image.data.Size() == 0) {
-        const std::uint64_t size = LayoutSize(image);
-        image.data = CSharedBytes::Zeroed(static_cast<std::size_t>(size));
-        image.imageSize = Saturated(size);
-    }
-    const std::uint32_t pixel = GetPixelSize(image.format, image.type);
-    const std::uint64_t rowBytes = GetRowSize(sub.width, pixel, 1, 0);
-    const SRows to = RowsFrom(image, sub.x, sub.y);
-    if (sub.format == image.format && sub.type == image.type) {
-        const std::uint64_t row = GetRowSize(sub.width, pixel, alignment, 0);
-        return CopyRows(image.data.Write(), image.data.Size(), to, sub.pixels->GetData(),
-                        sub.pixels->GetSize(), {0, row}, rowBytes, sub.height);
-    }
-    std::vector<std::uint8_t> converted(rowBytes * static_cast<std::uint64_t>(sub.height));
-    ConvertImage(sub.width, sub.height, 0, sub.type, sub.format, alignment, sub.pixels->GetData(),
-                 image.type, image.format, 1, converted.data());
-    CopyRows(image.data.Write(), image.data.Size(), to, converted.data(), converted.size(),
-             {0, rowBytes}, rowBytes, sub.height);
-}
-
 }  // namespace
 
 std::uint32_t ActiveUnit(const CEs2State& state) {
@@ -178,8 +98,9 @@ std::uint32_t ActiveUnit(const CEs2State& state) {
 }
 
 std::uint64_t LayoutSize(const STextureImageState& image) {
-    if (image.target == GL_TEXTURE_3D || image.target == GL_TEXTURE_2D_ARRAY) {
-        return GetImage3DSize(image.format, image.type, image.width, image.height, image.depth,
+    const std::int32_t layers = image.Layers();
+    if (layers >= 0) {
+        return GetImage3DSize(image.format, image.type, image.width, image.height, layers,
                               image.unpackAlignment, image.border);
     }
     return GetImageSize(image.format, image.type, image.width, image.height, image.unpackAlignment,
@@ -202,44 +123,10 @@ bool ReplaceImage(CEs2State& state, const SImagePlace& place, STextureImageState
 }
 
 bool UpdateSubImage(CEs2State& state, const SImagePlace& place, std::uint32_t level,
-                    const SSubImage& sub) {
-    const STextureImageState* found = state.FindImage(place.name, place.face, level);
-    if (found == nullptr) return false;
-    if (found->compressed != 0) return true;
-    if ((found->height != 0 && sub.height > found->height) || sub.width > found->width) {
-        output::Error("glTexSubImage2D: trying to update a texture out of limits.");
-        return false;
-    }
-    if (sub.x < 0 || sub.y < 0 || sub.width <= 0 || sub.height <= 0 ||
-        sub.x > found->width - sub.width || sub.y > found->height - sub.height) {
-        return false;
-    }
-    const bool adopts = found->format == 0 && found->data.Size() == 0;
-    STextureImageState layout = *found;
-    layout.data = CSharedBytes();
-    if (adopts) {
-        layout.format = sub.format;
-        layout.type = sub.type;
-    }
-    const std::int32_t alignment = state.unpackAlignment;
-    const bool same = sub.format == layout.format && sub.type == layout.type;
-    const bool whole = same && IsWhole(layout, sub, alignment);
-    const std::uint64_t size = LayoutSize(layout);
-    // All is known before the record is written: it parts from its snapshots for a reason only.
-    if (size == 0 || (found->data.Size() == 0 && !whole && size > kMaxZeroedImage) ||
-        (!same && !CanConvert(layout, sub, alignment))) {
-        return false;
-    }
-    STextureImageState& image = state.WriteImage(place.name, place.face, level);
-    image.format = layout.format;
-    image.type = layout.type;
-    if (whole) {
-        image.data = Captured(*sub.pixels);
-        image.imageSize = Saturated(size);
-    } else {
-        CopyPixels(image, sub, alignment);
-    }
-    return true;
+                    const SImagePart& part) {
+    return ApplySubImage(
+        state.FindImage(place.name, place.face, level),
+        part, [&]() -> auto& { return state.WriteImage(place.name, place.face, level); });
 }
 
 bool CEs2_glActiveTexture_v1::UpdateState(CEs2State& state) {
@@ -321,8 +208,9 @@ bool CEs2_glTexSubImage2D_v1::UpdateState(CEs2State& state) {
     SImagePlace place;
     if (!PlaceOf(state, target.GetValue(), place) || level.GetValue() < 0) return false;
     return UpdateSubImage(state, place, static_cast<std::uint32_t>(level.GetValue()),
-                          {xoffset.GetValue(), yoffset.GetValue(), width.GetValue(),
-                           height.GetValue(), format.GetValue(), type.GetValue(), &pixels});
+                          {pixels.GetData(), pixels.GetSize(), xoffset.GetValue(),
+                           yoffset.GetValue(), width.GetValue(), height.GetValue(),
+                           format.GetValue(), type.GetValue(), state.unpackAlignment});
 }
 
 bool CEs2_glTexParameterf_v1::UpdateState(CEs2State& state) {

@@ -45,8 +45,9 @@ bool CEs3_glTexSubImage3D_v1::UpdateState(CEs2State& state) {
     // range has no part in it.
     place.face = static_cast<std::uint32_t>(level.GetValue());
     return UpdateSubImage(state, place, 0,
-                          {xoffset.GetValue(), yoffset.GetValue(), width.GetValue(),
-                           height.GetValue(), format.GetValue(), type.GetValue(), &pixels});
+                          {pixels.GetData(), pixels.GetSize(), xoffset.GetValue(),
+                           yoffset.GetValue(), width.GetValue(), height.GetValue(),
+                           format.GetValue(), type.GetValue(), state.unpackAlignment});
 }
 
 bool CEs3_glDrawBuffers_v1::UpdateState(CEs2State& state) {

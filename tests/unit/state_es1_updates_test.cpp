@@ -62,15 +62,18 @@ protected:
         return state.matrixStacks[stack].Level(
             static_cast<std::uint32_t>(state.matrixStacks[stack].top));
     }
+    static Bytes BytesIn(const CSharedBytes& contents) {
+        std::vector<std::uint8_t> room;
+        const std::uint8_t* start = contents.Get(room);
+        return Bytes(start, start + contents.Size());
+    }
     Bytes ImageBytes(std::uint32_t name, std::uint32_t level = 0) const {
         const STextureImage1State* image = state.FindImage(name, level);
-        if (image == nullptr || image->data.Data() == nullptr) return {};
-        return Bytes(image->data.Data(), image->data.Data() + image->data.Size());
+        return image != nullptr ? BytesIn(image->data) : Bytes();
     }
     Bytes BufferBytes(std::uint32_t name) const {
         const SBufferState* buffer = state.buffers->Find(name);
-        if (buffer == nullptr || buffer->data.Data() == nullptr) return {};
-        return Bytes(buffer->data.Data(), buffer->data.Data() + buffer->data.Size());
+        return buffer != nullptr ? BytesIn(buffer->data) : Bytes();
     }
 
     CEs1State state;
@@ -397,7 +400,7 @@ TEST_F(StateEs1Updates, SubImagesGoIntoAPrivateCopy) {
     EXPECT_TRUE(TexSubImage(1, 0, 1, 2, {20, 0, 50}, 6409, 5121));
     EXPECT_EQ(ImageBytes(7), (Bytes{1, 20, 3, 0, 4, 50, 6, 0}));
     EXPECT_FALSE(state.FindImage(7, 0)->data.Borrowed());
-    EXPECT_EQ(before.FindImage(7, 0)->data.Data()[1], 2);
+    EXPECT_EQ(BytesIn(before.FindImage(7, 0)->data)[1], 2);
     // The whole image in the layout of the image is borrowed again.
     Apply(3103, Gl().Enum(3317).Int(4));
     EXPECT_TRUE(TexSubImage(0, 0, 3, 2, {9, 8, 7, 0, 6, 5, 4, 0}, 6409, 5121));
@@ -473,7 +476,7 @@ TEST_F(StateEs1Updates, BufferContents) {
     const CEs1State before = state;
     EXPECT_TRUE(BufferSubData(1, 2, {8, 9}));
     EXPECT_EQ(BufferBytes(5), (Bytes{1, 8, 9, 4}));
-    EXPECT_EQ(before.buffers->Find(5)->data.Data()[1], 2);
+    EXPECT_EQ(BytesIn(before.buffers->Find(5)->data)[1], 2);
     const struct {
         std::int64_t offset, size;
     } outside[] = {{3, 2}, {-1, 2}, {INT32_MAX, 2}, {0, 3}, {0, -1}, {5, 0}};

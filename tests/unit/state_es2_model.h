@@ -74,7 +74,9 @@ inline bool SameTables(const CEs2State& a, const CEs2State& b) {
 }
 
 inline std::string BytesOf(const CSharedBytes& bytes) {
-    return std::string(reinterpret_cast<const char*>(bytes.Data()), bytes.Size());
+    std::vector<std::uint8_t> room;
+    const std::uint8_t* start = bytes.Get(room);
+    return std::string(start, start + bytes.Size());
 }
 
 inline Bytes Text(std::string_view text) {

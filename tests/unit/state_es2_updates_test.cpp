@@ -208,15 +208,15 @@ TEST(Es2Buffers, WithoutContentsReadAsZerosOnceAPartIsSet) {
     const auto held = [&]() -> const SBufferState& { return *model.state.buffers->Find(8); };
     EXPECT_TRUE(allocate(3, {}));
     EXPECT_EQ(held().size, 3U);
-    EXPECT_EQ(held().data.Data(), nullptr);
+    EXPECT_TRUE(held().data.Empty());
     EXPECT_TRUE(set(1));
     EXPECT_EQ(BytesOf(held().data), std::string("\0x\0", 3));
     // Fewer bytes than the buffer is long count as none.
     EXPECT_TRUE(allocate(5, Text("abc")));
-    EXPECT_EQ(held().data.Data(), nullptr);
+    EXPECT_TRUE(held().data.Empty());
     EXPECT_TRUE(allocate(0x7FFFFFFF, {}));
     EXPECT_FALSE(set(1));
-    EXPECT_EQ(held().data.Data(), nullptr);
+    EXPECT_TRUE(held().data.Empty());
     EXPECT_FALSE(allocate(-1, {}));
     EXPECT_EQ(held().size, 0x7FFFFFFFU);
     EXPECT_TRUE(allocate(0, {}));

@@ -139,15 +139,16 @@ protected:
 
     /// Bytes that the host's calls name.
     CSharedBytes Content(const char* name, std::size_t size) {
-        const CSharedBytes bytes = CSharedBytes::Zeroed(size);
-        m_host.pointerNames[bytes.Data()] = name;
-        return bytes;
+        m_contents.emplace_back(size);
+        m_host.pointerNames[m_contents.back().data()] = name;
+        return CSharedBytes::Borrow(m_contents.back().data(), size);
     }
 
     SRecordingHost& m_host = SRecordingHost::Get();
     CEs2Names m_names;
     CEs1Names m_es1Names;
     CHostConfig m_config;
+    std::vector<std::vector<std::uint8_t>> m_contents;
 };
 
 }  // namespace kestrail

@@ -1,0 +1,26 @@
+#include "state/sub_data.h"
+
+namespace kestrail {
+
+bool ApplySubData(TShared<TStateTable<SBufferState>>& buffers, std::uint32_t name,
+                  std::int64_t offset, std::int64_t size, const SBlock& data) {
+    const SBufferState* buffer = buffers->Find(name);
+    if (buffer == nullptr || data.GetData() == nullptr || size < 0 || size > data.GetSize() ||
+        offset < 0 || offset > std::int64_t{buffer->size} - size) {
+        return false;
+    }
+    if (size == 0) return true;
+    const auto length = static_cast<std::size_t>(size);
+    const bool whole = length == buffer->size;
+    if (!whole && !buffer->data.Takes(buffer->size)) return false;
+    SBufferState& changed = *buffers.Write().Find(name);
+    if (whole) {
+        changed.data = CSharedBytes::Borrow(data.GetData(), length);
+    } else {
+        changed.data.Put(changed.size, {static_cast<std::size_t>(offset), length, length, 1,
+                                        data.GetData(), length});
+    }
+    return true;
+}
+
+}  // namespace kestrail
