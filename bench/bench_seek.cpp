@@ -27,30 +27,32 @@ constexpr std::uint32_t kBuffers = 300;
 /// In the middle of the trace.
 constexpr std::uint32_t kSought = 5'000;
 
+constexpr std::uint32_t kFramesOfParts = 500;
+
 std::vector<std::int64_t> NamesTo(std::uint32_t count) {
     std::vector<std::int64_t> names;
     for (std::uint32_t name = 1; name <= count; ++name) names.push_back(name);
     return names;
 }
 
-void AddImage(CTraceBuilder& trace, std::uint32_t name) {
+void AddImage(CTraceBuilder& trace, std::uint32_t name, std::uint32_t side = 2) {
     trace.Add(2007, trace.Gl().Enum(3553).Uint(name));
     trace.Add(2106, trace.Gl()
                         .Enum(3553)
                         .Int(0)
                         .Int(6408)
-                        .Sizei(2)
-                        .Sizei(2)
+                        .Sizei(side)
+                        .Sizei(side)
                         .Int(0)
                         .Enum(6408)
                         .Enum(5121)
-                        .Data(0x10, Bytes(16, static_cast<std::uint8_t>(name)))
+                        .Data(0x10, Bytes(side * side * 4, static_cast<std::uint8_t>(name)))
                         .Int(4));
 }
 
-void AddBuffer(CTraceBuilder& trace, std::uint32_t name) {
+void AddBuffer(CTraceBuilder& trace, std::uint32_t name, std::uint32_t size = 48) {
     trace.Add(2004, trace.Gl().Enum(34962).Uint(name));
-    trace.Add(2013, trace.Gl().Enum(34962).Sizeiptr(48).Data(0x10, Bytes(48)).Enum(35044));
+    trace.Add(2013, trace.Gl().Enum(34962).Sizeiptr(size).Data(0x10, Bytes(size)).Enum(35044));
 }
 
 /// Locations of a program lie behind those of the program before.
@@ -150,6 +152,15 @@ void Prepare(CTraceBuilder& trace) {
     for (std::uint32_t program = 1; program <= kPrograms; ++program) AddProgram(trace, program);
 }
 
+SBenchTrace Written(CTraceBuilder& trace, const std::string& path) {
+    SBenchTrace written;
+    written.path = path;
+    written.calls = trace.CallCount();
+    if (!trace.Write(path)) throw std::runtime_error("no room for the trace");
+    written.bytes = static_cast<std::int64_t>(std::filesystem::file_size(path));
+    return written;
+}
+
 /// Written once a process; its first frame makes the objects before its own calls.
 const SBenchTrace& SeekTrace() {
     static const CTempFolder folder;
@@ -158,12 +169,41 @@ const SBenchTrace& SeekTrace() {
         Prepare(trace);
         const std::uint32_t prepared = trace.CallCount();
         for (std::int64_t frame = 0; frame < kFrames; ++frame) AddFrame(trace, frame, prepared);
-        SBenchTrace written;
-        written.path = folder.File("seek.kstl");
-        written.calls = trace.CallCount();
-        if (!trace.Write(written.path)) throw std::runtime_error("no room for the trace");
-        written.bytes = static_cast<std::int64_t>(std::filesystem::file_size(written.path));
-        return written;
+        return Written(trace, folder.File("seek.kstl"));
+    }();
+    return made;
+}
+
+/// Frames that each set a small part of a large texture and of a large buffer.
+const SBenchTrace& PartsTrace() {
+    static const CTempFolder folder;
+    static const SBenchTrace made = [] {
+        constexpr std::uint32_t kSide = 1024, kPart = 64;
+        constexpr std::uint32_t kContents = 4 << 20, kBytes = 1024;
+        CTraceBuilder trace;
+        trace.StartUp(2, 300, 300);
+        AddImage(trace, 1, kSide);
+        AddBuffer(trace, 1, kContents);
+        for (std::uint32_t frame = 0; frame < kFramesOfParts; ++frame) {
+            const auto value = static_cast<std::uint8_t>(frame);
+            trace.Add(2111, trace.Gl()
+                                .Enum(3553)
+                                .Int(0)
+                                .Int(frame * kPart % kSide)
+                                .Int(frame * kPart / kSide * kPart % kSide)
+                                .Sizei(kPart)
+                                .Sizei(kPart)
+                                .Enum(6408)
+                                .Enum(5121)
+                                .Data(0x10, Bytes(kPart * kPart * 4, value)));
+            trace.Add(2014, trace.Gl()
+                                .Enum(34962)
+                                .Intptr(frame * kBytes % kContents)
+                                .Sizeiptr(kBytes)
+                                .Data(0x10, Bytes(kBytes, value)));
+            trace.SwapBuffers();
+        }
+        return Written(trace, folder.File("parts.kstl"));
     }();
     return made;
 }
@@ -176,15 +216,13 @@ double ResidentMiB() {
     return resident * static_cast<double>(sysconf(_SC_PAGESIZE)) / (1 << 20);
 }
 
-/// What the state of each frame adds to a load, in time and memory. The memory is the process's,
-/// with the trace loaded.
-void BM_LoadForSeeking(benchmark::State& state) {
-    const SBenchTrace& trace = SeekTrace();
+/// Loads for seeking, as often as the benchmark asks. `sound` tells whether all is loaded.
+template <typename Sound>
+void Load(benchmark::State& state, const SBenchTrace& trace, Sound sound) {
     const CSilence silence;
     // The front ends choose for themselves whether state is kept.
     CTraceDocument& document = *CTraceDocument::Instance();
-    const bool tracked = state.range(0) != 0;
-    document.SetTrackState(tracked);
+    document.SetTrackState(state.range(0) != 0);
     double before = 0;
     double resident = 0;
     for ([[maybe_unused]] const auto turn : state) {
@@ -196,10 +234,7 @@ void BM_LoadForSeeking(benchmark::State& state) {
         const unsigned result = document.OpenTrace(trace.path.c_str(), true);
         state.PauseTiming();
         resident = ResidentMiB();
-        const CFrameStore* store = document.GetFrameStore();
-        CEs2State es2;
-        if (result != kOpened || store->CallCount() != trace.calls ||
-            store->FrameCount() != kFrames || store->GetEs2StateOfFrame(kSought, es2) != tracked) {
+        if (result != kOpened || !sound(*document.GetFrameStore())) {
             state.SkipWithError("not loaded as asked");
         }
         state.ResumeTiming();
@@ -211,6 +246,17 @@ void BM_LoadForSeeking(benchmark::State& state) {
     state.counters["trace_MiB"] = static_cast<double>(trace.bytes) / (1 << 20);
     state.counters["calls"] = static_cast<double>(trace.calls);
 }
+
+/// What the state of each frame adds to a load, in time and memory. The memory is the process's,
+/// with the trace loaded.
+void BM_LoadForSeeking(benchmark::State& state) {
+    const SBenchTrace& trace = SeekTrace();
+    Load(state, trace, [&](const CFrameStore& store) {
+        CEs2State es2;
+        return store.CallCount() == trace.calls && store.FrameCount() == kFrames &&
+               store.GetEs2StateOfFrame(kSought, es2) == (state.range(0) != 0);
+    });
+}
 BENCHMARK(BM_LoadForSeeking)
     ->ArgName("tracked")
     ->Arg(1)
@@ -220,12 +266,28 @@ BENCHMARK(BM_LoadForSeeking)
     ->ReportAggregatesOnly()
     ->Unit(benchmark::kMillisecond);
 
+void BM_LoadParts(benchmark::State& state) {
+    Load(state, PartsTrace(), [&](const CFrameStore& store) {
+        CEs2State es2;
+        return store.FrameCount() == kFramesOfParts &&
+               store.GetEs2StateOfFrame(kFramesOfParts / 2, es2) == (state.range(0) != 0);
+    });
+}
+BENCHMARK(BM_LoadParts)
+    ->ArgName("tracked")
+    ->Arg(1)
+    ->Arg(0)
+    ->Iterations(1)
+    ->Repetitions(3)
+    ->ReportAggregatesOnly()
+    ->Unit(benchmark::kMillisecond);
+
 /// The loaded trace, for all benchmarks that seek in it. The document holds one trace at a time, so
 /// nothing is loaded for others while it lives.
 class CLoaded {
 public:
-    CLoaded() {
-        if (!m_playback.LoadTrace(SeekTrace().path.c_str(), true)) {
+    explicit CLoaded(const SBenchTrace& trace = SeekTrace()) {
+        if (!m_playback.LoadTrace(trace.path.c_str(), true)) {
             throw std::runtime_error("not loaded");
         }
     }
@@ -302,6 +364,20 @@ BENCHMARK(BM_RestoreFromNeighbour)
     ->Arg(10)
     ->Arg(1'000)
     ->Unit(benchmark::kMillisecond);
+
+/// Large contents of which parts were set in every frame before.
+void BM_RestoreParts(benchmark::State& state) {
+    const CSilence silence;
+    CLoaded loaded(PartsTrace());
+    loaded.StartAnew();
+    SRecords current;
+    bool there = false;
+    for ([[maybe_unused]] const auto turn : state) {
+        there = !there;
+        Restore(loaded.Store(), there ? kFramesOfParts / 2 : kFramesOfParts / 2 - 1, current);
+    }
+}
+BENCHMARK(BM_RestoreParts)->Unit(benchmark::kMillisecond);
 
 /// A whole frame, restored from the frame before it, with its own calls.
 void BM_PlayFrameBehindNeighbour(benchmark::State& state) {
