@@ -182,6 +182,8 @@ const SBenchTrace& PartsTrace() {
         constexpr std::uint32_t kContents = 4 << 20, kBytes = 1024;
         CTraceBuilder trace;
         trace.StartUp(2, 300, 300);
+        // A restore wants a record of ES1 too.
+        trace.Add(3093, trace.Gl().Enum(5888));
         AddImage(trace, 1, kSide);
         AddBuffer(trace, 1, kContents);
         for (std::uint32_t frame = 0; frame < kFramesOfParts; ++frame) {

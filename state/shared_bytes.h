@@ -60,7 +60,7 @@ private:
     using Piece = TSharedArray<std::uint8_t>;
     using Pieces = TStateTable<Piece>;
 
-    static constexpr std::size_t kPiece = 4096;
+    static constexpr std::size_t kPiece = 1024;
 
     void PutRow(std::size_t offset, const std::uint8_t* data, std::size_t length);
     std::uint8_t* WritePiece(std::uint32_t number);
