@@ -3,9 +3,9 @@
 
     tidy.py ROOT BUILD [SOURCE...]
 
-BUILD is a Ninja build folder, built to the end, as the headers that a source includes are known from
-there. A source that came out clean is passed over until it, one of those headers, its compile command
-or a list of checks changes. Without sources named, it is all of them.
+BUILD is a Ninja build folder, built to the end, as the headers that a source includes are known
+from there. A source that came out clean is passed over until it, one of those headers, its compile
+command or a list of checks changes. Without sources named, it is all of them.
 """
 
 import hashlib
