@@ -122,7 +122,7 @@ private:
     }
 
     static SBlock* Allocate(std::uint32_t level, std::uint32_t capacity) {
-        const std::size_t each = level == 0 ? sizeof(T) : sizeof(SBlock*);
+        const std::size_t each = level == 0 ? sizeof(T) : sizeof(void*);
         auto* block = new (::operator new(sizeof(SBlock) + capacity * each)) SBlock;
         block->capacity = capacity;
         return block;
@@ -148,6 +148,8 @@ private:
         Release(block, level);
         block = own;
     }
+    // As deep as the tree, which seven levels are enough for.
+    // NOLINTBEGIN(misc-no-recursion)
     static void RemoveLastOf(SBlock*& block, std::uint32_t level) {
         Own(block, level, block->count);
         if (level == 0) {
@@ -172,6 +174,7 @@ private:
         }
         ::operator delete(block);
     }
+    // NOLINTEND(misc-no-recursion)
 
     SBlock* m_root = nullptr;
     std::uint32_t m_size = 0;
