@@ -66,8 +66,9 @@ int main(int count, char** arguments) {
         const std::string name = "v" + std::to_string(version);
         for (const SFamilyRows* rows :
              {&Es1Rows(), &Es2Rows(), &Es3Rows(), &ExtRows(), &MultisampleRows()}) {
-            const std::string family = rows->family + std::to_string(rows->first);
-            WriteFamily(*rows, version, (folder / (name + "-" + family)).string());
+            std::string family = name + "-";
+            family.append(rows->family).append(std::to_string(rows->first));
+            WriteFamily(*rows, version, (folder / family).string());
         }
         WriteFraming(version, (folder / (name + "-framing")).string());
     }

@@ -76,6 +76,7 @@ struct SShaderState {
 
 /// What a uniform or an attribute is set to: floats, or integers where the kind says so. Up to four
 /// stand here; more are referred to where the call keeps them, which outlives every record.
+// NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): of the union, one member is enough.
 class CShaderValues {
 public:
     template <typename T>

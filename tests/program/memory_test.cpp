@@ -42,7 +42,8 @@ Bytes FilledByNames(std::size_t size, std::uint16_t id) {
 
 Bytes FilledByEdits(std::size_t size, bool texts) {
     CTraceBuilder trace = Es2Trace();
-    for (std::uint32_t number = 1; number * (texts ? 8 : 4) < size; ++number) {
+    for (std::uint32_t number = 1; number * (texts ? std::size_t{8} : std::size_t{4}) < size;
+         ++number) {
         texts ? trace.OverrideText(number, "") : trace.Disable(number);
     }
     return trace.Build();
@@ -99,7 +100,7 @@ TEST(Memory, AWholeFileTakesNoMoreThanAMultipleOfItsSize) {
 
 TEST(Memory, AStreamTakesTheSameHoweverLongItIs) {
     if (IsSanitized()) GTEST_SKIP() << "what the sanitizer takes would count as well";
-    constexpr long kMost = 64 * 1024;
+    constexpr long kMost = 64L * 1024;
     const CTraceBuilder old = Es2Trace(8);
     const CRecordBuilder none = old.Plain();
     const CRecordBuilder data =
