@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "state/repeat_mark.h"
+
 namespace kestrail {
 
 class CSharedBytes::CParts {
@@ -45,6 +47,7 @@ bool CSharedBytes::Takes(std::uint64_t size) const {
 }
 
 void CSharedBytes::Put(std::size_t size, const SByteRows& rows) {
+    ++unrepeatableUpdates;
     if (!m_parts) m_parts = std::make_shared<CParts>(size);
     m_size = size;
     for (std::size_t row = 0; row < rows.count; ++row) {

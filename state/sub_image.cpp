@@ -2,6 +2,7 @@
 
 #include "base/output.h"
 #include "calls/pixels/pixel_layout.h"
+#include "state/repeat_mark.h"
 
 namespace kestrail {
 namespace {
@@ -33,6 +34,7 @@ bool Convert(const SImagePart& part, SFittedPart& fitted) {
 
 bool FitPart(const SImageLayout& image, const SImagePart& part, SFittedPart& fitted) {
     if (IsLarger(image, part)) {
+        ++unrepeatableUpdates;
         output::Error("glTexSubImage2D: trying to update a texture out of limits.");
         return false;
     }

@@ -36,11 +36,12 @@ protected:
         ASSERT_NE(m_store, nullptr);
     }
     const CFrameRecord& Frame(std::uint32_t frame) const { return *m_store->GetFrameRecord(frame); }
+    SFrameState State(std::uint32_t frame) const { return m_store->StateOfFrame(frame); }
     /// The clear depths that the frames begin with.
     std::vector<float> Es2Depths() const {
         std::vector<float> depths;
         for (std::uint32_t frame = 1; m_store->GetFrameRecord(frame) != nullptr; ++frame) {
-            depths.push_back(Frame(frame).es2State->clearDepth);
+            depths.push_back(State(frame).es2->clearDepth);
         }
         return depths;
     }
@@ -63,12 +64,12 @@ TEST_F(Snapshots, HoldTheStateBeforeTheFirstCallOfTheirFrame) {
     Depth(trace, 0.0F);
     Open(trace);
     EXPECT_THAT(Es2Depths(), testing::ElementsAre(1.0F, 0.25F, 0.75F, 0.75F));
-    EXPECT_EQ(Frame(1).eglState->currentDisplay, kDefaultDisplay);
-    EXPECT_EQ(Frame(1).eglState->surfaces.Count(), 0U);
-    EXPECT_EQ(Frame(2).eglState->currentDisplay, CTraceBuilder::display);
-    EXPECT_EQ(Frame(2).eglState->currentContext, CTraceBuilder::context);
-    ASSERT_EQ(Frame(2).eglState->surfaces.Count(), 1U);
-    EXPECT_EQ(Frame(2).eglState->surfaces.At(0).handle, CTraceBuilder::surface);
+    EXPECT_EQ(State(1).egl->currentDisplay, kDefaultDisplay);
+    EXPECT_EQ(State(1).egl->surfaces.Count(), 0U);
+    EXPECT_EQ(State(2).egl->currentDisplay, CTraceBuilder::display);
+    EXPECT_EQ(State(2).egl->currentContext, CTraceBuilder::context);
+    ASSERT_EQ(State(2).egl->surfaces.Count(), 1U);
+    EXPECT_EQ(State(2).egl->surfaces.At(0).handle, CTraceBuilder::surface);
 
     CEs2State es2;
     CEglState egl;
@@ -89,7 +90,7 @@ TEST_F(Snapshots, TheFirstCallBehindTheStateBlockIsNotInItsFrame) {
     Depth(trace, 0.25F).Marker(3).EndState();
     Open(trace);
     EXPECT_THAT(Es2Depths(), testing::ElementsAre(1.0F, 0.25F, 0.5F));
-    EXPECT_EQ(Frame(2).eglState->currentContext, CTraceBuilder::context);
+    EXPECT_EQ(State(2).egl->currentContext, CTraceBuilder::context);
     EXPECT_EQ(Frame(2).lastCall, Frame(2).firstCall + 1);
 
     // That call is applied though it is disabled; any other is not.
@@ -118,8 +119,8 @@ TEST_F(Snapshots, DisabledAndFailedCallsLeaveNoEffect) {
     trace.Disable(4);
     Open(trace);
     EXPECT_THAT(Es2Depths(), testing::ElementsAre(1.0F, 0.25F, 0.25F, 0.25F));
-    EXPECT_EQ(Frame(3).eglState->currentDisplay, kDefaultDisplay);
-    EXPECT_EQ(Frame(4).eglState->currentDisplay, CTraceBuilder::display)
+    EXPECT_EQ(State(3).egl->currentDisplay, kDefaultDisplay);
+    EXPECT_EQ(State(4).egl->currentDisplay, CTraceBuilder::display)
         << "a recorded EGL error is no GL error and counts for nothing";
     EXPECT_EQ(m_store->CallCount(), 7U) << "they stay calls";
 
@@ -191,8 +192,8 @@ TEST_F(Snapshots, KnowTheVersionOfTheContext) {
         trace.StartUp(version, 300, 300).SwapBuffers();
         Depth(trace, 0.5F).SwapBuffers();
         Open(trace);
-        EXPECT_EQ(Frame(2).es2State->apiVersion, 2U) << "no call of it has come yet";
-        EXPECT_EQ(Frame(3).es2State->apiVersion, version);
+        EXPECT_EQ(State(2).es2->apiVersion, 2U) << "no call of it has come yet";
+        EXPECT_EQ(State(3).es2->apiVersion, version);
     }
 }
 
@@ -209,23 +210,88 @@ TEST_F(Snapshots, SharedUntilACallChangesThem) {
         bool operator==(const SShares&) const = default;
     };
     const auto shares = [&](std::uint32_t frame) {
-        const CFrameRecord& one = Frame(frame);
-        const CFrameRecord& next = Frame(frame + 1);
-        return SShares{one.eglState.SameAs(next.eglState), one.es1State.SameAs(next.es1State),
-                       one.es2State.SameAs(next.es2State)};
+        const SFrameState one = State(frame);
+        const SFrameState next = State(frame + 1);
+        return SShares{one.egl.SameAs(next.egl), one.es1.SameAs(next.es1),
+                       one.es2.SameAs(next.es2)};
     };
     EXPECT_EQ(shares(1), (SShares{false, false, false}));
     EXPECT_TRUE(shares(2).es1 && shares(2).es2);
     EXPECT_TRUE(shares(3).es1 && !shares(3).es2);
     EXPECT_TRUE(!shares(4).es1 && shares(4).es2);
     // Tables that no call wrote stay one even where the records are two.
-    EXPECT_TRUE(Frame(3).es2State->programs.SameAs(Frame(4).es2State->programs));
-    EXPECT_TRUE(Frame(3).es1State->textures.SameAs(Frame(5).es1State->textures));
+    EXPECT_TRUE(State(3).es2->programs.SameAs(State(4).es2->programs));
+    EXPECT_TRUE(State(3).es1->textures.SameAs(State(5).es1->textures));
     // A write to what a caller got leaves the frame as it is.
     CEs2State copy;
     ASSERT_TRUE(m_store->GetEs2StateOfFrame(3, copy));
     copy.WriteImage(7, 0, 0).width = 99;
-    EXPECT_EQ(Frame(3).es2State->FindImage(7, 0, 0), nullptr);
+    EXPECT_EQ(State(3).es2->FindImage(7, 0, 0), nullptr);
+}
+
+/// More calls than lie between two kept states, frames asked for in any order.
+TEST_F(Snapshots, AreTheSameInWhateverOrderTheyAreAskedFor) {
+    constexpr std::uint32_t kFrames = 60;
+    constexpr std::uint32_t kCalls = 70;
+    CTraceBuilder trace;
+    trace.StartUp(2, 300, 300);
+    std::vector<float> depths = {1.0F};
+    for (std::uint32_t frame = 1; frame <= kFrames; ++frame) {
+        for (std::uint32_t i = 0; i < kCalls; ++i) trace.Add(kFlush, trace.Gl());
+        depths.push_back(depths.back());
+        if (frame % 3 != 0) depths.back() = 1.0F / static_cast<float>(frame);
+        // Every third one is left out, by turns as disabled and as failed.
+        if (frame % 6 == 3) trace.Disable(trace.CallCount() + 1);
+        Depth(trace, 1.0F / static_cast<float>(frame), frame % 6 == 0 ? 1280 : 0).SwapBuffers();
+    }
+    Open(trace);
+    for (std::uint32_t i = 0; i <= kFrames; ++i) {
+        const std::uint32_t place = i * 37 % (kFrames + 1);
+        EXPECT_EQ(State(place + 1).es2->clearDepth, depths[place]) << place;
+    }
+}
+
+TEST_F(Snapshots, OfPartsKeepTheirContentsAndPrintNothing) {
+    constexpr std::uint16_t kTexImage = 2106;
+    constexpr std::uint16_t kTexSubImage = 2111;
+    CTraceBuilder trace;
+    trace.StartUp(2, 300, 300).Add(kBindTexture, trace.Gl().Enum(3553).Uint(7));
+    trace.Add(kTexImage, trace.Gl()
+                             .Enum(3553)
+                             .Int(0)
+                             .Int(6408)
+                             .Sizei(2)
+                             .Sizei(1)
+                             .Int(0)
+                             .Enum(6408)
+                             .Enum(5121)
+                             .Data(1, Bytes(8, 3))
+                             .Int(4));
+    trace.SwapBuffers();
+    for (const std::uint32_t width : {1U, 3U}) {
+        trace.Add(kTexSubImage, trace.Gl()
+                                    .Enum(3553)
+                                    .Int(0)
+                                    .Int(0)
+                                    .Int(0)
+                                    .Sizei(width)
+                                    .Sizei(1)
+                                    .Enum(6408)
+                                    .Enum(5121)
+                                    .Data(1, Bytes(12, 5)));
+        trace.SwapBuffers();
+    }
+    trace.SwapBuffers();
+    Open(trace);
+    const auto identity = [&](std::uint32_t frame) {
+        return State(frame).es2->FindImage(7, 0, 0)->data.Identity();
+    };
+    const std::string printed = Printed([&] {
+        for (const std::uint32_t frame : {5U, 3U, 2U, 4U, 3U}) {
+            EXPECT_EQ(identity(frame) == identity(3), frame != 2) << frame;
+        }
+    });
+    EXPECT_EQ(printed, "");
 }
 
 TEST_F(Snapshots, NoneWithoutTracking) {
@@ -235,9 +301,9 @@ TEST_F(Snapshots, NoneWithoutTracking) {
     const auto expectNone = [&](std::uint32_t frame) {
         CEs2State es2;
         EXPECT_FALSE(m_store->GetEs2StateOfFrame(frame, es2));
-        EXPECT_TRUE(Frame(frame).es2State.SameAs(Frame(1).es2State));
-        EXPECT_TRUE(Frame(frame).eglState.SameAs(Frame(1).eglState));
-        EXPECT_EQ(Frame(frame).eglState->currentDisplay, kDefaultDisplay);
+        EXPECT_TRUE(State(frame).es2.SameAs(State(1).es2));
+        EXPECT_TRUE(State(frame).egl.SameAs(State(1).egl));
+        EXPECT_EQ(State(frame).egl->currentDisplay, kDefaultDisplay);
     };
     Open(trace, false);
     int calls = 0;

@@ -4,6 +4,7 @@
 #include <iterator>
 #include <utility>
 
+#include "state/repeat_mark.h"
 #include "tracefile/document/trace_document.h"
 
 namespace kestrail {
@@ -34,9 +35,12 @@ void CFrameStore::BeginFrame() {
     m_lastFound = 0;
     m_secondFlag = false;
     m_hasStateBlock = false;
-    m_eglState = {};
-    m_es1State = {};
-    m_es2State = {};
+    m_state = {};
+    m_keptStates.clear();
+    m_asked = {};
+    m_firstBehindState = 0;
+    m_tracked = false;
+    KeepState(0);
     m_es1Used = false;
     m_es2Used = false;
 }
@@ -62,11 +66,19 @@ void CFrameStore::OpenFrame(std::uint32_t firstCall) {
     CFrameRecord frame;
     frame.number = static_cast<std::uint32_t>(m_frames.size()) + m_droppedFrames + 1;
     frame.firstCall = firstCall;
-    frame.eglState = m_eglState;
-    frame.es1State = m_es1State;
-    frame.es2State = m_es2State;
     m_frames.push_back(frame);
     m_currentFrame = m_frames.size() - 1;
+    // Few enough to be applied again in less time than a restore takes.
+    constexpr std::uint32_t kCallsApart = 1000;
+    if (m_callsSinceKept >= kCallsApart || m_unrepeatableBefore != unrepeatableUpdates) {
+        KeepState(m_currentFrame);
+    }
+}
+
+void CFrameStore::KeepState(std::size_t frame) {
+    m_keptStates.push_back({frame, m_state});
+    m_callsSinceKept = 0;
+    m_unrepeatableBefore = unrepeatableUpdates;
 }
 
 void CFrameStore::AppendCall(std::unique_ptr<CApiCall> call, std::uint64_t offset,
@@ -75,10 +87,11 @@ void CFrameStore::AppendCall(std::unique_ptr<CApiCall> call, std::uint64_t offse
     const std::uint16_t id = call->m_id;
     ++m_callCount;
     m_hasStateBlock = m_hasStateBlock || inStateBlock;
+    m_tracked = m_tracked || trackState;
     const bool firstBehindState = m_frames.size() == 1 && !inStateBlock && m_hasStateBlock;
     CApiCall& appended = *call;
     if (trackState && !firstBehindState && !m_edits.IsCallDisabled(m_callCount)) {
-        UpdateStateForCall(appended);
+        Track(appended);
     }
     m_calls.emplace_back().call = std::move(call);
     CFrameRecord& current = m_frames[m_currentFrame];
@@ -91,41 +104,44 @@ void CFrameStore::AppendCall(std::unique_ptr<CApiCall> call, std::uint64_t offse
         OpenFrame(m_callCount - 1);
         m_frames.back().lastCall = m_callCount - 1;
         // After the frame is open, whose state does not hold the call's own effect.
-        if (trackState) UpdateStateForCall(appended);
+        m_firstBehindState = m_callCount;
+        if (trackState) Track(appended);
     } else if (id == kEglSwapBuffers) {
         OpenFrame(m_callCount);
     }
 }
 
-void CFrameStore::UpdateStateForCall(CApiCall& call) {
+void CFrameStore::Track(CApiCall& call) {
+    m_state.Apply(call);
+    ++m_callsSinceKept;
+    if (call.m_error.GetValue() != 0) return;
+    m_es1Used = m_es1Used || call.m_group == kGroupEs1 || call.m_group == kGroupExtEs1;
+    m_es2Used = m_es2Used || call.m_group == kGroupEs2 || call.m_group == kGroupExtEs2;
+}
+
+void SFrameState::Apply(CApiCall& call) {
     constexpr std::uint32_t kEs3 = 3;
     // A call that failed when it was recorded changed no state.
     if (call.m_error.GetValue() != 0) return;
     const bool updates = call.m_updatesState;
     switch (call.m_group) {
         case kGroupEgl:
-            if (updates) static_cast<CEglCall&>(call).UpdateState(m_eglState.Write());
+            if (updates) static_cast<CEglCall&>(call).UpdateState(egl.Write());
             break;
         case kGroupEs1:
-            if (updates) static_cast<CEs1Call&>(call).UpdateState(m_es1State.Write());
-            m_es1Used = true;
+            if (updates) static_cast<CEs1Call&>(call).UpdateState(es1.Write());
             break;
         case kGroupExtEs1:
-            if (updates) static_cast<CExtCall&>(call).UpdateState(m_es1State.Write());
-            m_es1Used = true;
+            if (updates) static_cast<CExtCall&>(call).UpdateState(es1.Write());
             break;
         case kGroupEs2:
-            if (updates) ApplyEs2Call(call, m_es2State.Write());
-            if (m_eglState->contextClientVersion == kEs3 && m_es2State->apiVersion != kEs3) {
-                m_es2State.Write().apiVersion = kEs3;
+            if (updates) ApplyEs2Call(call, es2.Write());
+            if (egl->contextClientVersion == kEs3 && es2->apiVersion != kEs3) {
+                es2.Write().apiVersion = kEs3;
             }
-            m_es2Used = true;
-            break;
-        case kGroupExtEs2:
-            // Extension calls on ES2 leave no trace in its record.
-            m_es2Used = true;
             break;
         default:
+            // Extension calls on ES2 leave no trace in its record.
             break;
     }
 }
@@ -136,24 +152,41 @@ bool ApplyEs2Call(CApiCall& call, CEs2State& state) {
     return static_cast<CEs2Call&>(call).UpdateState(state);
 }
 
+const SFrameState& CFrameStore::StateOfFrame(std::uint32_t frame) const {
+    static const SFrameState s_none;
+    const std::size_t place = IndexOf(frame);
+    if (place == m_frames.size() || !m_tracked) return s_none;
+    const auto behind = std::upper_bound(
+        m_keptStates.begin(), m_keptStates.end(), place,
+        [](std::size_t wanted, const SKeptState& kept) { return wanted < kept.frame; });
+    const SKeptState& kept = *std::prev(behind);
+    if (m_asked.frame > place || m_asked.frame <= kept.frame) m_asked = kept;
+    for (std::uint32_t call = m_frames[m_asked.frame].firstCall; call < m_frames[place].firstCall;
+         ++call) {
+        const std::uint32_t number = call + 1;
+        if (number == m_firstBehindState || !m_edits.IsCallDisabled(number)) {
+            m_asked.state.Apply(*m_calls[call].call);
+        }
+    }
+    m_asked.frame = place;
+    return m_asked.state;
+}
+
 bool CFrameStore::GetEglStateOfFrame(std::uint32_t frame, CEglState& out) const {
-    const CFrameRecord* record = GetFrameRecord(frame);
-    if (record == nullptr) return false;
-    out = *record->eglState;
+    if (GetFrameRecord(frame) == nullptr) return false;
+    out = *StateOfFrame(frame).egl;
     return true;
 }
 
 bool CFrameStore::GetEs1StateOfFrame(std::uint32_t frame, CEs1State& out) const {
-    const CFrameRecord* record = GetFrameRecord(frame);
-    if (!m_es1Used || record == nullptr) return false;
-    out = *record->es1State;
+    if (!m_es1Used || GetFrameRecord(frame) == nullptr) return false;
+    out = *StateOfFrame(frame).es1;
     return true;
 }
 
 bool CFrameStore::GetEs2StateOfFrame(std::uint32_t frame, CEs2State& out) const {
-    const CFrameRecord* record = GetFrameRecord(frame);
-    if (!m_es2Used || record == nullptr) return false;
-    out = *record->es2State;
+    if (!m_es2Used || GetFrameRecord(frame) == nullptr) return false;
+    out = *StateOfFrame(frame).es2;
     return true;
 }
 

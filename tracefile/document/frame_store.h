@@ -20,6 +20,16 @@ namespace kestrail {
 
 class CTraceDocument;
 
+/// What the application had set at some point of the trace. Copies share what none of them changed.
+struct SFrameState {
+    TShared<CEglState> egl;
+    TShared<CEs1State> es1;
+    TShared<CEs2State> es2;
+
+    /// Applies a call, unless it had failed when it was recorded.
+    void Apply(CApiCall& call);
+};
+
 struct CFrameRecord {
     /// `lastCall` of a frame without calls.
     static constexpr std::uint32_t kNoCall = 0xFFFFFFFFu;
@@ -28,10 +38,6 @@ struct CFrameRecord {
     std::uint64_t startOffset = 0;  ///< in the file, of the first call's record
     std::uint32_t firstCall = 0;
     std::uint32_t lastCall = kNoCall;
-    /// What the application had set when the frame begins. Frames share what none of them changed.
-    TShared<CEglState> eglState;
-    TShared<CEs1State> es1State;
-    TShared<CEs2State> es2State;
 
     bool Holds(std::uint32_t index) const {
         return lastCall != kNoCall && firstCall <= index && index <= lastCall;
@@ -104,6 +110,11 @@ public:
     /// 1-based number, so that a frame's last call shows as the next frame's.
     std::uint32_t FrameOfCall(std::uint32_t index) const;
 
+    /// What the application had set when a frame began; defaults for a trace whose state was not
+    /// tracked, and out of range. Some states are kept, at most some thousand calls apart; the
+    /// others are made from those calls when they are asked for, best one after the other. Valid
+    /// until another one is asked for.
+    const SFrameState& StateOfFrame(std::uint32_t frame) const;
     /// Copies the state that a frame begins with. False out of range; for ES1 and ES2 also for a
     /// trace that never called that API.
     bool GetEglStateOfFrame(std::uint32_t frame, CEglState& out) const;
@@ -119,7 +130,9 @@ public:
 private:
     void OpenFrame(std::uint32_t firstCall);
     CCallEntry* NextStreamedCall();
-    void UpdateStateForCall(CApiCall& call);
+    void Track(CApiCall& call);
+    /// Keeps the running state for the frame of that place.
+    void KeepState(std::size_t frame);
     /// Where the frame stands in `m_frames`, or their number when it is not there.
     std::size_t IndexOf(std::uint32_t frame) const;
 
@@ -127,10 +140,22 @@ private:
     std::vector<CFrameRecord> m_frames;
     std::vector<CCallEntry> m_calls;
     CEditList m_edits;
+    /// The state that a frame begins with, by the frame's place in `m_frames`.
+    struct SKeptState {
+        std::size_t frame = 0;
+        SFrameState state;
+    };
     /// What all calls so far have set.
-    TShared<CEglState> m_eglState;
-    TShared<CEs1State> m_es1State;
-    TShared<CEs2State> m_es2State;
+    SFrameState m_state;
+    std::vector<SKeptState> m_keptStates;
+    /// The state that was asked for last.
+    mutable SKeptState m_asked;
+    /// Calls applied since a state was kept, and how many of all updates were not to be repeated.
+    std::uint32_t m_callsSinceKept = 0;
+    std::uint64_t m_unrepeatableBefore = 0;
+    /// The first call behind the state block, which counts even when it is disabled.
+    std::uint32_t m_firstBehindState = 0;
+    bool m_tracked = false;
     bool m_es1Used = false;
     bool m_es2Used = false;
     std::size_t m_currentFrame = 0;
