@@ -79,6 +79,7 @@ struct SShaderState {
 // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): of the union, one member is enough.
 class CShaderValues {
 public:
+    /// At least one value.
     template <typename T>
     void Set(const T* values, std::uint32_t count) {
         static_assert(sizeof(T) == kWidth);

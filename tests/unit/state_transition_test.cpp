@@ -245,7 +245,9 @@ void SetUniform(CEs2State& state, std::int32_t location, const char* name, std::
     SUniformState& uniform = uniforms.values.GetOrCreate(key);
     uniform.kind = kind;
     uniform.components = components;
-    uniform.values.Set(values.data(), static_cast<std::uint32_t>(values.size()));
+    if (!values.empty()) {
+        uniform.values.Set(values.data(), static_cast<std::uint32_t>(values.size()));
+    }
 }
 
 /// Program 20 of shaders 1 (vertex) and 2 (fragment), which are live as 10 and 11.
