@@ -2,6 +2,8 @@
 
 namespace kestrail {
 
+constinit CObjectArena CApiCall::s_arena;
+
 void CGenCallInfo::Clear() {
     m_returnValue = nullptr;
     m_errorValue = nullptr;

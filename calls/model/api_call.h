@@ -2,8 +2,10 @@
 // and the line of the call is printed from it.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
+#include "base/object_arena.h"
 #include "calls/model/api_type.h"
 #include "calls/model/call_info.h"
 
@@ -29,6 +31,9 @@ public:
     CApiCall(const CApiCall&) = delete;
     CApiCall& operator=(const CApiCall&) = delete;
 
+    static void* operator new(std::size_t size) { return s_arena.Take(size); }
+    static void operator delete(void* call, std::size_t size) { s_arena.GiveBack(call, size); }
+
     /// Lists the call's values in `info`; the hidden ones only with `withPlayback`.
     virtual void FillCallInfo(CCallInfo& info, bool withPlayback);
     /// The entry point's name, of static lifetime.
@@ -49,6 +54,9 @@ public:
 
 protected:
     explicit CApiCall(std::uint8_t group) : m_group(group) {}
+
+private:
+    static CObjectArena s_arena;
 };
 
 class CEglCall : public CApiCall {
