@@ -1,5 +1,6 @@
 #include "calls/model/egl_values.h"
 
+#include <algorithm>
 #include <cstring>
 #include <utility>
 
@@ -110,9 +111,9 @@ void SEglNativeWindowDesc::Read(CTrace& trace) {
 void SEglNativePixmapDesc::Read(CTrace& trace) {
     trace >> handle;
     static const std::uint32_t length = ReadUInt32(trace.Stream(), 0, true);
-    CheckRecordedSize(trace, length);
-    data.resize(length);
-    trace.Stream().Read(data.data(), length, true);
+    const std::uint32_t held = std::min(length, trace.RecordRemaining());
+    data.resize(held);
+    trace.Stream().Read(data.data(), held, true);
 }
 
 }  // namespace kestrail

@@ -498,15 +498,10 @@ TEST(EglValues, OnlyTheFirstPixmapHasALength) {
         stream.Trace() >> first >> second;
         const bool sound = first.data == "abc" && second.data == "def" &&
                            second.handle.value == 78 && ShortText(second) == "78";
-        // A record that is shorter than the length it inherits.
-        CRecordStream shorter(Bytes(2));
-        bool refused = false;
-        try {
-            shorter.Trace() >> first;
-        } catch (const std::logic_error&) {
-            refused = true;
-        }
-        std::exit(sound && refused ? 0 : 1);
+        // A record that is shorter than the length it inherits ends what is read of it.
+        CRecordStream shorter(Record().Value(tag::EglNativePixmap, 79).Raw("i", 1));
+        shorter.Trace() >> first;
+        std::exit(sound && first.data == "i" ? 0 : 1);
     };
     EXPECT_EXIT(readTwo(), testing::ExitedWithCode(0), "");
 }

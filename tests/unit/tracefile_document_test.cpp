@@ -250,6 +250,10 @@ TEST_F(TraceDocument, TheFooter) {
         EXPECT_EQ(Open(beyond.SetStateOffset(offset)), 5U) << offset;
         EXPECT_THAT(m_errors, HasSubstr("An exception occurred\n"));
     }
+    // A file that ends within its header, behind which the records should begin.
+    Bytes cut = TwoFrames().Build();
+    cut.resize(30);
+    EXPECT_EQ(Open(cut), 5U);
 }
 
 TEST_F(TraceDocument, TheStateSectionComesFirst) {
@@ -403,6 +407,13 @@ TEST_F(TraceDocument, StreamingGivesTheSameCalls) {
     Add(old, kFlush);
     old.Add(kClear, old.Gl().Bitfield(0x4000));
     ASSERT_EQ(Open(old, false), 0U);
+    EXPECT_NE(m_store->NextCall(), nullptr);
+    EXPECT_THROW(m_store->NextCall(), MemoryManagerException);
+    // So it does behind a record that ends where a footer would begin.
+    CTraceBuilder marked(11);
+    Add(marked, kFlush).Thread();
+    Add(marked, kFinish);
+    ASSERT_EQ(Open(marked, false), 0U);
     EXPECT_NE(m_store->NextCall(), nullptr);
     EXPECT_THROW(m_store->NextCall(), MemoryManagerException);
     // A record without a class ends the stream, where loading passes over it.

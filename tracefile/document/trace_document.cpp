@@ -153,7 +153,8 @@ unsigned CTraceDocument::LoadRecords() {
             if (id == kThreadRecord) TakeThread(loop);
             if (id != kThreadRecord) loop.inStateBlock = !loop.inStateBlock;
             // A section may end with such a record: the stream goes on as it would behind a call.
-            const bool atFooter = loop.offset + kFooterSize == loop.size;
+            const bool atFooter =
+                m_stateOffset != kNoFooter && loop.offset + kFooterSize == loop.size;
             if (m_noMemory && atFooter && !ChooseStart(loop)) return kOpened;
             continue;
         }

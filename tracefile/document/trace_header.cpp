@@ -105,7 +105,7 @@ void CTraceDocument::ReadFooter() {
     constexpr std::int8_t kSecondMark = 16;
     const auto backToRecords = [this] {
         // A header alone has no records to go back to.
-        if (m_firstRecordOffset >= m_stream.GetSize()) return;
+        if (m_firstRecordOffset == m_stream.GetSize()) return;
         m_stream.Seek(static_cast<std::int32_t>(m_firstRecordOffset), SEEK_SET);
     };
     m_stream.Seek(kFooterSize, SEEK_END);
