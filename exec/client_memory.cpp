@@ -2,6 +2,9 @@
 
 #include <sys/mman.h>
 
+#include <algorithm>
+#include <cstring>
+#include <limits>
 #include <utility>
 
 namespace kestrail {
@@ -11,6 +14,8 @@ namespace {
 constexpr std::uintptr_t kRecordedEnd = std::uintptr_t{1} << 32;
 // Below this only a privileged process can map anything.
 constexpr std::uintptr_t kLowEnd = std::uintptr_t{1} << 16;
+// As far as an index of 32 bits reaches behind the last address, by four components.
+constexpr std::uintptr_t kZerosEnd = kRecordedEnd + (std::uintptr_t{1} << 36);
 
 bool MapZeros(std::uintptr_t start, std::uintptr_t end) {
 #ifdef MAP_FIXED_NOREPLACE
@@ -31,46 +36,93 @@ struct SRecordedZeros {
     SRecordedZeros() : low(MapZeros(0, kLowEnd)) {
         constexpr std::uintptr_t kPiece = std::uintptr_t{1} << 28;
         for (std::uintptr_t start = kLowEnd; start < kRecordedEnd;) {
-            const std::uintptr_t end = (start / kPiece + 1) * kPiece;
-            high = MapZeros(start, end) && high;
-            start = end;
+            const std::uintptr_t pieceEnd = (start / kPiece + 1) * kPiece;
+            high = MapZeros(start, pieceEnd) && high;
+            start = pieceEnd;
         }
+        if (MapZeros(kRecordedEnd, kZerosEnd)) end = kZerosEnd;
     }
     bool low;
     bool high = true;
+    std::uintptr_t end = kRecordedEnd;
 };
 
 }  // namespace
 
-void CClientMemory::Point(std::uint32_t index, std::unique_ptr<SDataPtr>& array,
-                          std::int64_t vertexBytes, bool keep) {
-    if (index >= m_arrays.size()) m_arrays.resize(std::size_t{index} + 1);
-    SHeld& held = m_arrays[index];
-    held.data = array->GetData();
-    held.size = array->GetSize();
-    held.vertexBytes = vertexBytes;
-    held.kept = keep ? std::move(array) : nullptr;
+std::int64_t SArrayReach::Bytes() const {
+    if (vertices <= 0) return 0;
+    constexpr std::int64_t kBeyond = std::numeric_limits<std::int64_t>::max() / 2;
+    const std::int64_t step = stride != 0 ? stride : vertexBytes;
+    if (step < 0 || (step != 0 && vertices > kBeyond / step)) return kBeyond;
+    return (vertices - 1) * step + vertexBytes;
 }
 
-bool CClientMemory::Reaches(std::uint32_t index, const void* pointer, std::int64_t vertexBytes,
-                            std::int64_t vertices) const {
-    const std::int64_t bytes = vertexBytes * vertices;
+CZeroTailed::CZeroTailed(CZeroTailed&& other) noexcept
+    : m_start(std::exchange(other.m_start, nullptr)),
+      m_size(std::exchange(other.m_size, 0)),
+      m_written(other.m_written) {}
+
+CZeroTailed& CZeroTailed::operator=(CZeroTailed&& other) noexcept {
+    std::swap(m_start, other.m_start);
+    std::swap(m_size, other.m_size);
+    std::swap(m_written, other.m_written);
+    return *this;
+}
+
+CZeroTailed::~CZeroTailed() {
+    if (m_start != nullptr) ::munmap(m_start, m_size);
+}
+
+const std::uint8_t* CZeroTailed::Put(const SDataPtr& array, std::int64_t reach) {
+    const std::size_t length = array.GetSize();
+    const std::size_t size = std::max(length, static_cast<std::size_t>(reach));
+    if (size > m_size) {
+        void* const mapped = ::mmap(nullptr, size, PROT_READ | PROT_WRITE,
+                                    MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+        if (mapped == MAP_FAILED) return nullptr;
+        if (m_start != nullptr) ::munmap(m_start, m_size);
+        m_start = static_cast<std::uint8_t*>(mapped);
+        m_size = size;
+        m_written = 0;
+    }
+    if (length > 0) std::memcpy(m_start, array.GetData(), length);
+    if (m_written > length) std::memset(m_start + length, 0, m_written - length);
+    m_written = length;
+    return m_start;
+}
+
+CClientMemory::STaken CClientMemory::Take(std::uint32_t index, std::unique_ptr<SDataPtr>& array,
+                                          const SArrayReach& reach, bool known, bool keep) {
+    if (index >= m_arrays.size()) m_arrays.resize(std::size_t{index} + 1);
+    SHeld& held = m_arrays[index];
+    const bool reaches = reach.Bytes() <= array->GetSize();
+    if (!reaches && !known) {
+        const std::uint8_t* const tailed = held.tailed.Put(*array, reach.Bytes());
+        if (tailed != nullptr) {
+            held.data = tailed;
+            held.size = held.tailed.Reach();
+            held.kept = nullptr;
+            return {tailed, true};
+        }
+    }
+    held.data = array->GetData();
+    held.size = array->GetSize();
+    held.kept = keep ? std::move(array) : nullptr;
+    return {held.data, reaches};
+}
+
+bool CClientMemory::Reaches(std::uint32_t index, const void* pointer,
+                            const SArrayReach& reach) const {
+    const std::int64_t bytes = reach.Bytes();
     if (index < m_arrays.size() && m_arrays[index].data == pointer) {
         return bytes <= m_arrays[index].size;
     }
     const auto address = reinterpret_cast<std::uintptr_t>(pointer);
     if (address >= kRecordedEnd) return false;
     static const SRecordedZeros zeros;
-    if (address < kLowEnd) return zeros.low;
+    if (address < kLowEnd && !zeros.low) return false;
     // A process without room for them takes the host's word for it.
-    return !zeros.high || bytes <= static_cast<std::int64_t>(kRecordedEnd - address);
-}
-
-bool CClientMemory::ReachFrom(std::uint32_t index, std::int64_t vertices) const {
-    for (std::size_t i = index; i < m_arrays.size(); ++i) {
-        if (m_arrays[i].vertexBytes * vertices > m_arrays[i].size) return false;
-    }
-    return true;
+    return !zeros.high || bytes <= static_cast<std::int64_t>(zeros.end - address);
 }
 
 }  // namespace kestrail

@@ -3,6 +3,7 @@
 // is gone.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -11,26 +12,58 @@
 
 namespace kestrail {
 
+/// How far a draw reads into a client array.
+struct SArrayReach {
+    std::int64_t vertexBytes = 0;
+    /// From one vertex to the next; 0 where they are tightly packed.
+    std::int64_t stride = 0;
+    std::int64_t vertices = 0;
+
+    /// Up to the end of the last vertex.
+    std::int64_t Bytes() const;
+};
+
+/// Bytes with zeros behind them, which take memory only as far as they are written.
+class CZeroTailed {
+public:
+    CZeroTailed() = default;
+    CZeroTailed(CZeroTailed&& other) noexcept;
+    CZeroTailed& operator=(CZeroTailed&& other) noexcept;
+    ~CZeroTailed();
+
+    /// The array's bytes, readable as far as `reach`; null where the process has no room for it.
+    const std::uint8_t* Put(const SDataPtr& array, std::int64_t reach);
+    std::int64_t Reach() const { return static_cast<std::int64_t>(m_size); }
+
+private:
+    std::uint8_t* m_start = nullptr;
+    std::size_t m_size = 0;
+    std::size_t m_written = 0;
+};
+
 class CClientMemory {
 public:
-    /// The host now reads array `index` from `array`, `vertexBytes` a vertex. With `keep` the call
-    /// that holds it will be gone after the draw, and the array is taken over.
-    void Point(std::uint32_t index, std::unique_ptr<SDataPtr>& array, std::int64_t vertexBytes,
-               bool keep);
-    /// Whether the host can read that many vertices through `pointer`, which it has for `index`:
-    /// the bytes of an earlier draw, or an address of the recording, behind which zeros are put.
-    bool Reaches(std::uint32_t index, const void* pointer, std::int64_t vertexBytes,
-                 std::int64_t vertices) const;
-    /// The same for all arrays from `index` on, by what they were pointed at last.
-    bool ReachFrom(std::uint32_t index, std::int64_t vertices) const;
+    struct STaken {
+        const void* pointer;  ///< what the host is to read the array from
+        bool sound;           ///< it can be read as far as the draw does
+    };
+    /// Holds the captured bytes of array `index` for the host. Where it is not known how far the
+    /// draw really reads, `known` false, zeros are put behind bytes that are fewer. With `keep` the
+    /// call that holds the bytes will be gone after the draw, and the array is taken over.
+    STaken Take(std::uint32_t index, std::unique_ptr<SDataPtr>& array, const SArrayReach& reach,
+                bool known, bool keep);
+    /// Whether the host can read as far as that through `pointer`, which it has for `index`: the
+    /// bytes of an earlier draw, or an address of the recording, behind which zeros are put.
+    bool Reaches(std::uint32_t index, const void* pointer, const SArrayReach& reach) const;
 
 private:
     struct SHeld {
         const std::uint8_t* data = nullptr;
         std::int64_t size = 0;
-        std::int64_t vertexBytes = 0;
         std::unique_ptr<SDataPtr> kept;
+        CZeroTailed tailed;
     };
+
     std::vector<SHeld> m_arrays;
 };
 

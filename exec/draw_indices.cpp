@@ -2,13 +2,29 @@
 
 #include <GLES3/gl3.h>
 
-#include <algorithm>
-
 namespace kestrail {
 
-std::int64_t VerticesOf(const void* indices, std::int32_t count, std::uint32_t type) {
-    const auto highest = [count](const auto* values) {
-        return count > 0 ? std::int64_t{*std::max_element(values, values + count)} + 1 : 0;
+std::int64_t IndexLimit(std::uint32_t type) {
+    switch (type) {
+        case GL_UNSIGNED_BYTE:
+            return std::int64_t{1} << 8;
+        case GL_UNSIGNED_SHORT:
+            return std::int64_t{1} << 16;
+        case GL_UNSIGNED_INT:
+            return std::int64_t{1} << 32;
+        default:
+            return 0;
+    }
+}
+
+std::int64_t VerticesOf(const void* indices, std::int32_t count, std::uint32_t type, bool restart) {
+    const auto highest = [count, restart, limit = IndexLimit(type)](const auto* values) {
+        std::int64_t vertices = 0;
+        for (std::int32_t i = 0; i < count; ++i) {
+            const std::int64_t needed = std::int64_t{values[i]} + 1;
+            if (needed > vertices && !(restart && needed == limit)) vertices = needed;
+        }
+        return vertices;
     };
     switch (type) {
         case GL_UNSIGNED_BYTE:
@@ -24,10 +40,12 @@ std::int64_t VerticesOf(const void* indices, std::int32_t count, std::uint32_t t
 
 SDrawIndices DrawIndices(bool elementBuffer, const SDataPtr& captured, std::uint32_t offset,
                          std::int32_t count, std::uint32_t type) {
-    if (elementBuffer) return {AsPointer(offset), true, 0};
+    if (elementBuffer) {
+        return {AsPointer(offset), true, {count > 0 ? IndexLimit(type) : 0, false}};
+    }
     const SHostData data = HostData(captured, ComponentBytes(type) * count, false, false);
-    if (!data.sound) return {nullptr, false, 0};
-    return {data.pointer, true, VerticesOf(data.pointer, count, type)};
+    if (!data.sound) return {nullptr, false, {}};
+    return {data.pointer, true, {VerticesOf(data.pointer, count, type, false), true}};
 }
 
 }  // namespace kestrail

@@ -7,14 +7,26 @@
 
 namespace kestrail {
 
-/// One more than the highest of `count` indices of that type; 0 for another type.
-std::int64_t VerticesOf(const void* indices, std::int32_t count, std::uint32_t type);
+/// How many vertices a draw reads, from the first on.
+struct SVertices {
+    std::int64_t count = 0;
+    /// False when no more than the type of the indices limits them: they stand in the host's
+    /// memory.
+    bool known = true;
+};
 
 struct SDrawIndices {
     const void* pointer;
-    bool sound;             ///< the captured indices are as many as the draw reads
-    std::int64_t vertices;  ///< 0 when the indices stand in a buffer of the host
+    bool sound;  ///< the captured indices are as many as the draw reads
+    SVertices vertices;
 };
+
+/// As many vertices as indices of that type can tell apart; 0 for another type, which no host
+/// draws.
+std::int64_t IndexLimit(std::uint32_t type);
+/// One more than the highest of `count` indices of that type. With `restart` the highest number of
+/// the type is no vertex.
+std::int64_t VerticesOf(const void* indices, std::int32_t count, std::uint32_t type, bool restart);
 
 /// The indices of a draw: `offset` into the bound element buffer, or the captured ones when there
 /// is none bound.

@@ -13,6 +13,8 @@ using SEglPlay = TPlayContext<SEglHost, CEglNames>;
 
 /// Plays the call by its identifier; fails for one without a case.
 EPlayed PlayEglCase(SEglPlay& c);
+/// Whether the call is one that is never played, for which the host's library need not be there.
+bool LeavesOutEglCall(std::uint16_t id);
 
 // Displays and contexts.
 EPlayed PlayEglBindAPI(SEglPlay& c);

@@ -14,15 +14,19 @@ bool CheckEglError(SPlayerState& player) {
 }
 
 bool PlayEglCall(SPlayerState& player, CCallEntry& entry) {
+    constexpr std::uint16_t kThread = 1;
     constexpr std::uint16_t kFirst = 1001;
     constexpr std::uint16_t kLast = 1034;
     const auto& call = static_cast<const CEglCall&>(*entry.call);
+    // A change of threads, as traces of several hold it.
+    if (call.m_id == kThread) return true;
     // A call that failed when it was recorded changed nothing that later calls rely on.
     if (call.m_eglError.GetValue() != EGL_SUCCESS) return true;
     if (call.m_id < kFirst || call.m_id > kLast) {
         output::Message("EGL Unknown call");
         return false;
     }
+    if (LeavesOutEglCall(call.m_id)) return true;
     SEglPlay c{player, entry, *entry.GetInfo(), call.m_id, *GetEglHost(), player.eglNames};
     const EPlayed played = PlayEglCase(c);
     if (played != EPlayed::kPlayed) return played == EPlayed::kLeftOut;

@@ -6,6 +6,7 @@
 #include <EGL/egl.h>
 
 #include <cstdint>
+#include <map>
 
 #include "base/name_table.h"
 #include "exec/client_memory.h"
@@ -18,6 +19,8 @@ struct SContextState {
     SPixelStore pixelStore;
     CClientMemory es1Arrays;
     CClientMemory es2Arrays;
+    /// The trace has enabled the index that restarts primitives.
+    bool restartAsked = false;
 };
 
 class CEglNames {
@@ -63,6 +66,11 @@ public:
     SPixelStore& PixelStore() { return s_state.context->pixelStore; }
     void UseContext(EGLContext context);
 
+    /// By their start, the pieces of buffers that glMapBufferRange gave, and how many bytes of each
+    /// may be written.
+    using MappedRanges = std::map<const void*, std::int64_t>;
+    MappedRanges& Mapped() { return s_state.mapped; }
+
 private:
     template <typename Live>
     using PerDisplay = TNameTable<std::uint64_t, TNameTable<std::uint64_t, Live>>;
@@ -76,6 +84,7 @@ private:
         PerDisplay<EGLConfig> configs;
         TNameTable<std::uint64_t, SContextState> contextStates;
         SContextState* context;
+        MappedRanges mapped;
         bool contextValid = false;
         std::int32_t liveWidth = 0;
         std::int32_t liveHeight = 0;

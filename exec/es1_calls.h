@@ -16,6 +16,8 @@ using SEs1Play = TPlayContext<SEs1Host, CEs1Names>;
 
 /// Plays the call by its identifier; fails for one without a case.
 EPlayed PlayEs1Case(SEs1Play& c);
+/// Whether the call is one that is never played, for which the host's library need not be there.
+bool LeavesOutEs1Call(std::uint16_t id);
 
 EPlayed PlayGlDeleteBuffers(SEs1Play& c);
 EPlayed PlayGlPixelStorei(SEs1Play& c);

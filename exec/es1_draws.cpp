@@ -23,6 +23,7 @@ struct SArrayKind {
     GLenum enable;
     GLenum size;
     GLenum type;
+    GLenum stride;
     GLenum buffer;
     GLenum pointer;
 };
@@ -39,13 +40,13 @@ enum EKind : int {
 };
 
 constexpr SArrayKind kArrayKinds[] = {
-    {32886, 32897, 32898, 34968, 32912},  // colour
-    {32885, 0, 32894, 34967, 32911},      // normal
-    {32884, 32890, 32891, 34966, 32910},  // vertex
-    {35740, 0, 35210, 35743, 35212},      // point size
-    {34884, 34886, 34887, 35742, 34889},  // matrix index
-    {34477, 34475, 34473, 34974, 34476},  // weight
-    {32888, 32904, 32905, 34970, 32914},  // texture coordinates of a unit
+    {32886, 32897, 32898, 32899, 34968, 32912},  // colour
+    {32885, 0, 32894, 32895, 34967, 32911},      // normal
+    {32884, 32890, 32891, 32892, 34966, 32910},  // vertex
+    {35740, 0, 35210, 35211, 35743, 35212},      // point size
+    {34884, 34886, 34887, 34888, 35742, 34889},  // matrix index
+    {34477, 34475, 34473, 34474, 34974, 34476},  // weight
+    {32888, 32904, 32905, 32906, 34970, 32914},  // texture coordinates of a unit
 };
 
 /// What the host says of a client array.
@@ -64,10 +65,9 @@ GLint Integer(SEs1Host& host, GLenum name) {
 
 class CEs1ClientArrays {
 public:
-    /// `vertices`: how many vertices the draw reads; 0 when that stands in a buffer of the host.
     /// `missing`: what is said of an array without captured bytes; null for nothing.
     CEs1ClientArrays(SEs1Play& c, CapturedArrays& arrays, const CapturedIndices& indices,
-                     std::int64_t vertices, const char* missing)
+                     SVertices vertices, const char* missing)
         : m_c(c),
           m_arrays(arrays),
           m_indices(indices),
@@ -141,13 +141,17 @@ private:
         const std::int64_t vertexBytes = VertexBytes(type, size);
         std::unique_ptr<SDataPtr>* array = ArrayOf(kind);
         if (array == nullptr) {
-            m_sound = m_sound && memory.Reaches(index, state.pointer, vertexBytes, m_vertices);
+            const GLenum stride = kArrayKinds[std::min<int>(kind, kFirstTexture)].stride;
+            const SArrayReach reach{vertexBytes, Integer(m_c.host, stride), m_vertices.count};
+            m_sound = m_sound && memory.Reaches(index, state.pointer, reach);
             if (!m_byPosition && m_missing != nullptr) output::Message("%s", m_missing);
             return;
         }
-        if ((*array)->GetSize() < vertexBytes * m_vertices) m_sound = false;
-        Set(kind, size, type, (*array)->GetData());
-        memory.Point(index, *array, vertexBytes, m_c.player.store->Streams());
+        const CClientMemory::STaken taken =
+            memory.Take(index, *array, {vertexBytes, 0, m_vertices.count}, m_vertices.known,
+                        m_c.player.store->Streams());
+        m_sound = m_sound && taken.sound;
+        Set(kind, size, type, taken.pointer);
         if (m_byPosition) ++m_next;
     }
 
@@ -176,7 +180,7 @@ private:
     CapturedArrays& m_arrays;
     const CapturedIndices& m_indices;
     bool m_byPosition;
-    std::int64_t m_vertices;
+    SVertices m_vertices;
     const char* m_missing;
     std::size_t m_next = 0;
     bool m_sound = true;
@@ -200,7 +204,7 @@ EPlayed PlayGlDrawArrays(SEs1Play& c) {
     const GLint first = c.Value<TintType<17>>(1);
     const GLsizei count = c.Value<TintType<18>>(2);
     CEs1ClientArrays arrays(c, c.At<CapturedArrays>(3), c.At<CapturedIndices>(4),
-                            std::max<std::int64_t>(std::int64_t{first} + count, 0),
+                            {std::max<std::int64_t>(std::int64_t{first} + count, 0)},
                             "glDrawArrays: No enought Data. No Pointer replaced with real memory. "
                             "glDrawArrays would crash.");
     if (!PointArrays(c, arrays)) return EPlayed::kFailed;

@@ -14,6 +14,7 @@ bool CheckEs1Error(SPlayerState& player) {
 bool PlayEs1Call(SPlayerState& player, CCallEntry& entry) {
     const CApiCall& call = *entry.call;
     if (call.m_error.GetValue() != GL_NO_ERROR) return true;
+    if (LeavesOutEs1Call(call.m_id)) return true;
     SEs1Play c{player, entry, *entry.GetInfo(), call.m_id, *GetEs1Host(), player.es1Names};
     const EPlayed played = PlayEs1Case(c);
     if (played != EPlayed::kPlayed) return played == EPlayed::kLeftOut;
@@ -54,9 +55,7 @@ EPlayed PlayGlReadPixels(SEs1Play& c) {
     const GLenum format = c.Value<TGLenum>(4);
     const GLenum type = c.Value<TGLenum>(5);
     auto& pixels = c.At<SDataPtr>(6);
-    SPixelStore pack;
-    pack.unpackAlignment = c.Pixels().packAlignment;
-    if (pixels.GetSize() < ImageBytes(format, type, width, height, pack)) {
+    if (pixels.GetSize() < ImageBytes(format, type, width, height, c.Pixels().Packing())) {
         return EPlayed::kFailed;
     }
     c.host.glReadPixels(c.Value<TintType<17>>(0), c.Value<TintType<17>>(1), width, height, format,

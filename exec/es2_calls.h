@@ -17,10 +17,11 @@ using SEs2Play = TPlayContext<SEs2Host, CEs2Names>;
 /// Plays the call by its identifier; fails for one without a case.
 EPlayed PlayEs2Case(SEs2Play& c);
 
-// Buffers, framebuffers and textures.
+// Buffers, framebuffers, textures, and what later calls are measured by.
 EPlayed PlayGlBindBuffer(SEs2Play& c);
 EPlayed PlayGlBindFramebuffer(SEs2Play& c);
 EPlayed PlayGlDeleteBuffers(SEs2Play& c);
+EPlayed PlayGlEnable(SEs2Play& c);
 EPlayed PlayGlPixelStorei(SEs2Play& c);
 EPlayed PlayGlTexImage2D(SEs2Play& c);
 EPlayed PlayGlViewport(SEs2Play& c);

@@ -6,6 +6,8 @@
 #include <GLES2/gl2.h>
 
 #include <cstdint>
+#include <memory>
+#include <optional>
 
 #include "base/output.h"
 #include "calls/model/client_arrays.h"
@@ -33,34 +35,50 @@ GLuint BoundBuffer(Host& host, GLenum binding) {
 template <typename Context>
 class TClientArrays {
 public:
-    /// `vertices`: how many vertices the draw reads; 0 when that stands in a buffer of the host.
     TClientArrays(Context& c, CapturedArrays& arrays, const CapturedIndices& indices,
-                  std::int64_t vertices)
+                  SVertices vertices)
         : m_c(c),
           m_arrays(arrays),
           m_indices(indices),
           m_byPosition(!indices.items.empty() && indices.items.front() == -1),
           m_vertices(vertices) {}
 
+    /// An instanced draw: an attribute with a divisor goes on by that many instances a value.
+    void SetInstances(std::int32_t instances) { m_instances = instances; }
+
     /// Points the enabled client arrays at their bytes. False when the bytes end before the
     /// vertices do.
     bool Point(const char* draw) {
+        // The attributes behind one that has no bytes keep what earlier draws gave them.
+        bool pointing = true;
+        ForEachClientArray([&](GLuint index, const void* pointer) {
+            if (pointing) {
+                pointing = PointOne(index, pointer, draw);
+            } else {
+                Measure(index, pointer);
+            }
+        });
+        return m_sound;
+    }
+
+    /// Leaves the enabled client arrays as they are. False when one ends before the vertices do.
+    bool Measure() {
+        ForEachClientArray([&](GLuint index, const void* pointer) { Measure(index, pointer); });
+        return m_sound;
+    }
+
+private:
+    template <typename Visit>
+    void ForEachClientArray(Visit visit) const {
         GLint attributes = 0;
         m_c.host.glGetIntegerv(GL_MAX_VERTEX_ATTRIBS, &attributes);
         for (GLint a = 0; a < attributes; ++a) {
             const GLuint index = AttributeIndex(m_c.names, static_cast<std::uint32_t>(a));
             const void* pointer = ClientPointer(index);
-            if (pointer == nullptr) continue;
-            if (!PointOne(index, pointer, draw)) {
-                // The attributes behind this one keep what earlier draws gave them.
-                m_sound = m_sound && Memory().ReachFrom(index, m_vertices);
-                break;
-            }
+            if (pointer != nullptr) visit(index, pointer);
         }
-        return m_sound;
     }
 
-private:
     GLint Query(GLuint index, GLenum name) const {
         GLint value = 0;
         m_c.host.glGetVertexAttribiv(index, name, &value);
@@ -88,15 +106,34 @@ private:
 
     CClientMemory& Memory() const { return m_c.player.eglNames.Context().es2Arrays; }
 
+    /// How many values the draw takes of an attribute.
+    std::int64_t ValuesOf(GLuint index) const {
+        constexpr GLenum kDivisor = 0x88FE;
+        if (!m_instances) return m_vertices.count;
+        const std::int64_t divisor = Query(index, kDivisor);
+        return divisor != 0 ? (*m_instances + divisor - 1) / divisor : m_vertices.count;
+    }
+
+    void Measure(GLuint index, const void* pointer) {
+        if (!m_sound) return;
+        const GLint size = Query(index, GL_VERTEX_ATTRIB_ARRAY_SIZE);
+        const auto type = static_cast<GLenum>(Query(index, GL_VERTEX_ATTRIB_ARRAY_TYPE));
+        MeasureAs(index, pointer, VertexBytes(type, size));
+    }
+
+    void MeasureAs(GLuint index, const void* pointer, std::int64_t vertexBytes) {
+        const SArrayReach reach{vertexBytes, Query(index, GL_VERTEX_ATTRIB_ARRAY_STRIDE),
+                                ValuesOf(index)};
+        m_sound = m_sound && Memory().Reaches(index, pointer, reach);
+    }
+
     bool PointOne(GLuint index, const void* pointer, const char* draw) {
         const GLint size = Query(index, GL_VERTEX_ATTRIB_ARRAY_SIZE);
         const auto type = static_cast<GLenum>(Query(index, GL_VERTEX_ATTRIB_ARRAY_TYPE));
         const GLint normalized = Query(index, GL_VERTEX_ATTRIB_ARRAY_NORMALIZED);
         const std::int64_t vertexBytes = VertexBytes(type, size);
         const std::size_t array = ArrayOf(index);
-        if (array >= m_arrays.items.size()) {
-            m_sound = m_sound && Memory().Reaches(index, pointer, vertexBytes, m_vertices);
-        }
+        if (array >= m_arrays.items.size()) MeasureAs(index, pointer, vertexBytes);
         if (array == ~std::size_t{0}) {
             output::Message(
                 "%s: No enought Data. No Pointer replaced with real memory. %s would crash.", draw,
@@ -106,12 +143,13 @@ private:
         if (array >= m_arrays.items.size()) return true;
         // Two recorded attributes may stand for one of the host, which has its bytes already.
         if (m_arrays.items[array] == nullptr) return true;
-        const SDataPtr& bytes = *m_arrays.items[array];
-        if (bytes.GetSize() < vertexBytes * m_vertices) m_sound = false;
+        const CClientMemory::STaken taken =
+            Memory().Take(index, m_arrays.items[array], {vertexBytes, 0, ValuesOf(index)},
+                          m_vertices.known, m_c.player.store->Streams());
+        m_sound = m_sound && taken.sound;
         // The captured bytes are tightly packed, whatever stride the application used.
         m_c.host.glVertexAttribPointer(index, size, type, static_cast<GLboolean>(normalized), 0,
-                                       bytes.GetData());
-        Memory().Point(index, m_arrays.items[array], vertexBytes, m_c.player.store->Streams());
+                                       taken.pointer);
         if (m_byPosition) ++m_next;
         return true;
     }
@@ -120,7 +158,8 @@ private:
     CapturedArrays& m_arrays;
     const CapturedIndices& m_indices;
     bool m_byPosition;
-    std::int64_t m_vertices;
+    SVertices m_vertices;
+    std::optional<std::int32_t> m_instances;
     std::size_t m_next = 0;
     bool m_sound = true;
 };
@@ -133,7 +172,16 @@ struct SIndexedDraw {
     std::uint32_t type;
     CapturedArrays& arrays;
     const CapturedIndices& indices;
+    std::optional<std::int32_t> instances;
 };
+
+/// Whether the highest index of a type begins a new primitive instead of being a vertex.
+template <typename Context>
+bool RestartsPrimitives(Context& c) {
+    constexpr GLenum kPrimitiveRestartFixedIndex = 0x8D69;
+    return c.player.eglNames.Context().restartAsked &&
+           c.host.glIsEnabled(kPrimitiveRestartFixedIndex) != GL_FALSE;
+}
 
 /// Does for an indexed draw all that stands around the host's own call, `draw(pointer)`.
 template <typename Context, typename Draw>
@@ -141,10 +189,15 @@ EPlayed DrawIndexed(Context& c, const SIndexedDraw& indexed, Draw draw) {
     CorrectViewport(c.player, c.names.ViewportDirty(), c.host);
     const GLuint elementBuffer = BoundBuffer(c.host, GL_ELEMENT_ARRAY_BUFFER_BINDING);
     const GLuint arrayBuffer = BoundBuffer(c.host, GL_ARRAY_BUFFER_BINDING);
-    const SDrawIndices indices = DrawIndices(elementBuffer != 0, indexed.captured, indexed.offset,
-                                             indexed.count, indexed.type);
+    SDrawIndices indices = DrawIndices(elementBuffer != 0, indexed.captured, indexed.offset,
+                                       indexed.count, indexed.type);
+    if (indices.vertices.known && indices.vertices.count == IndexLimit(indexed.type) &&
+        RestartsPrimitives(c)) {
+        indices.vertices.count = VerticesOf(indices.pointer, indexed.count, indexed.type, true);
+    }
     c.host.glBindBuffer(GL_ARRAY_BUFFER, 0);
     TClientArrays<Context> arrays(c, indexed.arrays, indexed.indices, indices.vertices);
+    if (indexed.instances) arrays.SetInstances(*indexed.instances);
     const bool sound = arrays.Point("glDrawElements");
     c.host.glBindBuffer(GL_ARRAY_BUFFER, arrayBuffer);
     if (!sound || !indices.sound) return EPlayed::kFailed;

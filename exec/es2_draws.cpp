@@ -13,7 +13,7 @@ EPlayed PlayGlDrawArrays(SEs2Play& c) {
     c.host.glGetError();
     c.host.glBindBuffer(GL_ARRAY_BUFFER, 0);
     TClientArrays<SEs2Play> arrays(c, c.At<CapturedArrays>(3), c.At<CapturedIndices>(4),
-                                   std::max<std::int64_t>(std::int64_t{first} + count, 0));
+                                   {std::max<std::int64_t>(std::int64_t{first} + count, 0)});
     const bool sound = arrays.Point("glDrawArrays");
     c.host.glBindBuffer(GL_ARRAY_BUFFER, arrayBuffer);
     if (!sound) return EPlayed::kFailed;
@@ -22,9 +22,13 @@ EPlayed PlayGlDrawArrays(SEs2Play& c) {
 }
 
 EPlayed PlayGlDrawElements(SEs2Play& c) {
-    const SIndexedDraw indexed{c.At<SDataPtr>(3),        c.Value<TPointer>(4),
-                               c.Value<TintType<18>>(1), c.Value<TGLenum>(2),
-                               c.At<CapturedArrays>(5),  c.At<CapturedIndices>(6)};
+    const SIndexedDraw indexed{c.At<SDataPtr>(3),
+                               c.Value<TPointer>(4),
+                               c.Value<TintType<18>>(1),
+                               c.Value<TGLenum>(2),
+                               c.At<CapturedArrays>(5),
+                               c.At<CapturedIndices>(6),
+                               {}};
     return DrawIndexed(c, indexed, [&](const void* indices) {
         c.host.glDrawElements(c.Value<TGLBeginMode>(0), indexed.count, indexed.type, indices);
     });

@@ -40,6 +40,14 @@ EPlayed PlayGlBindFramebuffer(SEs2Play& c) {
     return EPlayed::kPlayed;
 }
 
+EPlayed PlayGlEnable(SEs2Play& c) {
+    constexpr GLenum kPrimitiveRestartFixedIndex = 0x8D69;
+    const GLenum capability = c.Value<TGLenum>(0);
+    c.host.glEnable(capability);
+    if (capability == kPrimitiveRestartFixedIndex) c.player.eglNames.Context().restartAsked = true;
+    return EPlayed::kPlayed;
+}
+
 EPlayed PlayGlPixelStorei(SEs2Play& c) {
     return PlayPixelStorei(c);
 }

@@ -156,7 +156,8 @@ EPlayed PlayGlShaderSource(SEs2Play& c) {
         if (edits.GetTextOverride(c.player.currentCallNumber, replacement, replacementLength,
                                   fromFile) &&
             fromFile) {
-            text = reinterpret_cast<const GLchar*>(replacement);
+            // A host takes no null pointer for a text, be it as short as it may.
+            text = replacementLength > 0 ? reinterpret_cast<const GLchar*>(replacement) : "";
             length = static_cast<GLint>(replacementLength);
         }
     }

@@ -18,7 +18,9 @@ using SEs3Play = TPlayContext<SEs3Host, CEs2Names>;
 EPlayed PlayEs3Case(SEs3Play& c);
 
 EPlayed PlayGlDrawRangeElements(SEs3Play& c);
+EPlayed PlayGlDrawArraysInstanced(SEs3Play& c);
 EPlayed PlayGlDrawElementsInstanced(SEs3Play& c);
+EPlayed PlayGlMapBufferRange(SEs3Play& c);
 
 // Sync objects.
 EPlayed PlayGlFenceSync(SEs3Play& c);

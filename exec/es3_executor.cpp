@@ -1,5 +1,7 @@
 #include "exec/es3_executor.h"
 
+#include <algorithm>
+
 #include "base/output.h"
 #include "exec/es2_client_arrays.h"
 #include "exec/es2_executor.h"
@@ -50,20 +52,47 @@ EPlayed PlayGlDrawRangeElements(SEs3Play& c) {
                                c.Value<TintType<18>>(3),
                                c.Value<TGLenum>(4),
                                g_noArrays,
-                               kNoIndices};
+                               kNoIndices,
+                               {}};
     return DrawIndexed(c, indexed, [&](const void* pointer) {
         c.host.glDrawRangeElements(c.Value<TGLBeginMode>(0), c.Value<TuintType<21>>(1),
                                    c.Value<TuintType<21>>(2), indexed.count, indexed.type, pointer);
     });
 }
 
+EPlayed PlayGlDrawArraysInstanced(SEs3Play& c) {
+    const GLint first = c.Value<TintType<17>>(1);
+    const GLsizei count = c.Value<TintType<18>>(2);
+    const GLsizei instances = c.Value<TintType<18>>(3);
+    // The arrays stay as they are; only, the host must not follow one further than it reaches.
+    TClientArrays<SEs3Play> arrays(c, g_noArrays, kNoIndices,
+                                   {std::max<std::int64_t>(std::int64_t{first} + count, 0)});
+    arrays.SetInstances(instances);
+    if (!arrays.Measure()) return EPlayed::kFailed;
+    c.host.glDrawArraysInstanced(c.Value<TGLBeginMode>(0), first, count, instances);
+    return EPlayed::kPlayed;
+}
+
 EPlayed PlayGlDrawElementsInstanced(SEs3Play& c) {
-    const SIndexedDraw indexed{c.At<SDataPtr>(4),   c.Value<TPointer>(5), c.Value<TintType<18>>(1),
-                               c.Value<TGLenum>(2), g_noArrays,           kNoIndices};
+    const SIndexedDraw indexed{
+        c.At<SDataPtr>(4), c.Value<TPointer>(5), c.Value<TintType<18>>(1), c.Value<TGLenum>(2),
+        g_noArrays,        kNoIndices,           c.Value<TintType<18>>(3)};
     return DrawIndexed(c, indexed, [&](const void* pointer) {
         c.host.glDrawElementsInstanced(c.Value<TGLBeginMode>(0), indexed.count, indexed.type,
                                        pointer, c.Value<TintType<18>>(3));
     });
+}
+
+EPlayed PlayGlMapBufferRange(SEs3Play& c) {
+    const GLsizeiptr length = c.Value<TintType<26>>(2);
+    const GLbitfield access = c.Value<TGLbitfield>(3);
+    const void* const mapped =
+        c.host.glMapBufferRange(c.Value<TGLenum>(0), c.Value<TintType<25>>(1), length, access);
+    if (mapped != nullptr) {
+        const bool written = (access & GL_MAP_WRITE_BIT) != 0;
+        c.player.eglNames.Mapped()[mapped] = written ? length : 0;
+    }
+    return EPlayed::kPlayed;
 }
 
 EPlayed PlayGlFenceSync(SEs3Play& c) {

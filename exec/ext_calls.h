@@ -40,10 +40,14 @@ EPlayed PlayGlUnmapBufferOES(Context& c) {
     void* pointer = nullptr;
     c.host.glGetBufferPointervOES(target, kBufferMapPointer, &pointer);
     if (data.GetData() != nullptr && pointer != nullptr) {
-        if (std::int64_t{data.GetSize()} > size) return EPlayed::kFailed;
+        const auto& ranges = c.player.eglNames.Mapped();
+        const auto range = ranges.find(pointer);
+        const std::int64_t room = range != ranges.end() ? range->second : size;
+        if (std::int64_t{data.GetSize()} > room) return EPlayed::kFailed;
         std::memcpy(pointer, data.GetData(), data.GetSize());
     }
     c.host.glUnmapBufferOES(target);
+    c.player.eglNames.Mapped().erase(pointer);
     return EPlayed::kPlayed;
 }
 

@@ -108,8 +108,11 @@ bool PlayExtCall(SPlayerState& player, CCallEntry& entry) {
     if (call.m_extError.GetValue() != 0) return true;
     if (call.m_id < kFirst || call.m_id > kLast) return false;
     const std::uint32_t api = call.m_api.GetValue();
+    const char* const before = player.currentCallName;
     player.currentCallName = call.GetName();
     const EPlayed played = Play(player, entry, api);
+    // What this executor has no case for is not the call that a later error is told of.
+    if (played == EPlayed::kFailed) player.currentCallName = before;
     if (played == EPlayed::kMissing) {
         output::Warning("The extension function '%s' is not available on this platform\n",
                         player.currentCallName);

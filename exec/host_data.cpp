@@ -46,14 +46,17 @@ std::int64_t FormatComponents(std::uint32_t format) {
         case GL_RED_INTEGER:
         case GL_DEPTH_COMPONENT:
         case 0x1901:  // GL_STENCIL_INDEX
+        case 0x8C46:  // GL_SLUMINANCE_NV
             return 1;
         case GL_LUMINANCE_ALPHA:
         case GL_RG:
         case GL_RG_INTEGER:
         case GL_DEPTH_STENCIL:
+        case 0x8C44:  // GL_SLUMINANCE_ALPHA_NV
             return 2;
         case GL_RGB:
         case GL_RGB_INTEGER:
+        case 0x8C40:  // GL_SRGB_EXT
             return 3;
         case kBgraExt:
         default:
@@ -85,6 +88,15 @@ void SPixelStore::Set(std::uint32_t name, std::int32_t value) {
             break;
         case GL_UNPACK_SKIP_IMAGES:
             unpackSkipImages = value;
+            break;
+        case GL_PACK_ROW_LENGTH:
+            packRowLength = value;
+            break;
+        case GL_PACK_SKIP_PIXELS:
+            packSkipPixels = value;
+            break;
+        case GL_PACK_SKIP_ROWS:
+            packSkipRows = value;
             break;
         default:
             break;

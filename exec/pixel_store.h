@@ -16,6 +16,19 @@ struct SPixelStore {
     /// Live name of the buffer bound to GL_PIXEL_UNPACK_BUFFER. While there is one, the pointer of
     /// an image is an offset into it.
     std::uint32_t unpackBuffer = 0;
+    std::int32_t packRowLength = 0;
+    std::int32_t packSkipPixels = 0;
+    std::int32_t packSkipRows = 0;
+
+    /// What an image is written by, as if it were read that way.
+    SPixelStore Packing() const {
+        SPixelStore packing;
+        packing.unpackAlignment = packAlignment;
+        packing.unpackRowLength = packRowLength;
+        packing.unpackSkipPixels = packSkipPixels;
+        packing.unpackSkipRows = packSkipRows;
+        return packing;
+    }
 
     /// Follows a glPixelStorei; values that the host refuses change nothing.
     void Set(std::uint32_t name, std::int32_t value);

@@ -68,6 +68,10 @@ void Run(int argumentCount, const char* const* arguments) {
 }  // namespace
 }  // namespace kestrail
 
+/// What `use` of QNX finds in the program's file and shows.
+[[gnu::used, gnu::section("QNX_usage")]] static const char g_usageRecord[] =
+    "%C - Play back a Kestrail recording\n";
+
 int main(int argumentCount, char** arguments) {
     kestrail::output::FlushOnAnyExit();
     kestrail::Run(argumentCount, arguments);

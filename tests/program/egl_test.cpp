@@ -267,12 +267,17 @@ TEST(Egl, AFailureIsReportedUnderTheLastGlCall) {
     CTraceBuilder trace = ListedTrace();
     trace.StartUp(2, 300, 300);
     trace.Add(2016, trace.Gl().Bitfield(1));
+    // No executor has a case for it, and what has none is never the last call.
+    trace.Add(4042, trace.Ext().Enum(1).Fixed(2));
     trace.Add(1024, trace.Egl().EglBoolean(true));
     SRunOptions options;
     options.script = "eglGetError 14 0x300E\n";
     const SRunResult run = RunTrace(trace, {}, options);
     EXPECT_TRUE(run.Ok()) << run.Ending();
-    const Lines expected = {message + "EGL Error Code: 0x300e, Call= glClear", "",
+    const Lines expected = {message + "Error call:glAlphaFuncxOES 4042",
+                            error + "PlayCall Error: Unrecognized/Error call",
+                            message + "EGL Error Code: 0x300e, Call= glClear",
+                            "",
                             message + "Error call:eglWaitGL 1024",
                             error + "PlayCall Error: Unrecognized/Error call"};
     EXPECT_EQ(run.Messages(), expected);

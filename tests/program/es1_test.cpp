@@ -147,10 +147,22 @@ TEST_F(CEs1, ThePointSizePointerResolvesTheExtensionsOnce) {
     EXPECT_LT(fetched, at(pointed));
 }
 
-TEST_F(CEs1, ReadPixelsIsPlayed) {
-    trace.Add(3114, trace.Gl().Int(1).Int(2).Sizei(3).Sizei(4).Enum(6408).Enum(5121).Data(
-                        0x10, Bytes(48)));
-    EXPECT_EQ(Run().GlCalls(), Lines{Host("es1.glReadPixels", 1, 2, 3, 4, 6408, 5121, "ptr")});
+TEST_F(CEs1, ReadPixelsIsPlayedWhereTheRecordHasRoom) {
+    const auto read = [&] {
+        trace.Add(3114, trace.Gl().Int(1).Int(2).Sizei(3).Sizei(4).Enum(6408).Enum(5121).Data(
+                            0x10, Bytes(48)));
+    };
+    read();
+    // A context of ES3 takes what the host writes between rows and ahead of them, too.
+    for (const std::uint32_t name : {0x0D02U, 0x0D03U, 0x0D04U}) {
+        trace.Add(3103, trace.Gl().Enum(name).Int(4));
+        read();
+        trace.Add(3103, trace.Gl().Enum(name).Int(0));
+    }
+    const SRunResult run = Run();
+    EXPECT_EQ(run.CallsOf({"es1.glReadPixels"}),
+              Lines{Host("es1.glReadPixels", 1, 2, 3, 4, 6408, 5121, "ptr")});
+    EXPECT_EQ(run.Messages().size(), 6U) << run.out;
 }
 
 TEST_F(CEs1, CallsThatFailedWhenRecordedAreLeftOutInSilence) {

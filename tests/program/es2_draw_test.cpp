@@ -99,6 +99,35 @@ TEST_F(CDraw, AMissingArrayIsReportedAndTheDrawGoesOn) {
     EXPECT_EQ(run.CallsOf({"glVertexAttribPointer"}).size(), 2U) << "the recorded ones only";
 }
 
+TEST_F(CDraw, OnlyArraysThatTheHostReadsHaveToReach) {
+    const auto draw = [&](std::int64_t count) { return trace.Gl().Enum(4).Int(0).Sizei(count); };
+    const auto both = [](CRecordBuilder record, const Bytes& bytes) {
+        return record.ClientArray(0, 0x10, bytes).ClientArray(1, 0x10, bytes);
+    };
+    trace.Add(2041, both(draw(2), Bytes(8, 0x11)));
+    // Attribute 0 goes back to its recorded address, of which nothing was captured; the one behind
+    // it still has the two vertices of the draw before.
+    Point(0, 0xAB00);
+    trace.Add(2041, draw(2));
+    trace.Add(2041, draw(3));
+    trace.Add(2040, trace.Gl().Uint(1));
+    trace.Add(2041, draw(3));
+    Point(0, 0xFFFFFFF0);
+    trace.Add(2041, draw(3));
+    SRunOptions options;
+    options.memoryLimit = 0;
+    const SRunResult run = RunTrace(trace, {}, options);
+    EXPECT_TRUE(run.Ok()) << run.Ending();
+    const std::string arrays = message + "glDrawArrays" + noData + "glDrawArrays would crash.";
+    const Lines refused = {message + "Error call:glDrawArrays 2041",
+                           error + "PlayCall Error: Unrecognized/Error call"};
+    EXPECT_EQ(run.Messages(), (Lines{arrays, arrays, refused[0], refused[1], arrays, arrays}));
+    Lines drawn = run.CallsOf({"glDrawArrays"});
+    for (std::string& line : drawn) line = line.substr(0, line.find(" ["));
+    EXPECT_EQ(drawn, (Lines{Host("glDrawArrays", 4, 0, 2), Host("glDrawArrays", 4, 0, 2),
+                            Host("glDrawArrays", 4, 0, 3), Host("glDrawArrays", 4, 0, 3)}));
+}
+
 TEST_F(CDraw, ArraysInBuffersAndNullPointersAreLeftAlone) {
     BindBuffer(34962, 7);
     Point(0, 16);
@@ -150,6 +179,7 @@ TEST_F(CDraw, IndicesComeFromTheRecordOrTheBoundBuffer) {
     EXPECT_EQ(run.CallsOf({"glDrawElements"}),
               (Lines{Host("glDrawElements", 4, 2, 5121, "<0200:2>") + bytes,
                      Host("glDrawElements", 4, 2, 5121, 6) + " [0 <:0>] [1 <:0>]"}));
+    EXPECT_TRUE(run.Messages().empty()) << run.out;
     EXPECT_EQ(run.CallsOf({"glGetIntegerv"})[1], Host("glGetIntegerv", 34965, "ptr"));
 }
 

@@ -21,18 +21,22 @@ TEST(Es2, ShaderSourcesAreJoinedAndOverridden) {
     trace.Add(2099, Source(trace, {"void main", "() {}\n"}));
     trace.Add(2099, Source(trace, {"replaced"}));
     trace.Add(2099, Source(trace, {"left out"}));
+    trace.Add(2099, Source(trace, {"emptied"}));
     trace.OverrideText(8, "longer than the recorded one").Disable(9).OverrideText(77, "nowhere");
+    trace.OverrideText(10, "");
     const std::string joined = Host("glShaderSource", 101, 1, "{\"void main() {}\\n\"}", "{15}");
     const SRunResult whole = RunTrace(trace);
     EXPECT_TRUE(whole.Ok()) << whole.Ending();
-    EXPECT_EQ(whole.CallsOf({"glShaderSource"}),
-              (Lines{joined, Host("glShaderSource", 101, 1, "{\"longer than the recorded one\"}",
-                                  "{28}")}));
+    EXPECT_EQ(
+        whole.CallsOf({"glShaderSource"}),
+        (Lines{joined, Host("glShaderSource", 101, 1, "{\"longer than the recorded one\"}", "{28}"),
+               Host("glShaderSource", 101, 1, "{\"\"}", "{0}")}));
     // While streaming no call is marked as edited.
     const SRunResult streamed = RunTrace(trace, {"--noMemory"});
     EXPECT_EQ(streamed.CallsOf({"glShaderSource"}),
               (Lines{joined, Host("glShaderSource", 101, 1, "{\"replaced\"}", "{8}"),
-                     Host("glShaderSource", 101, 1, "{\"left out\"}", "{8}")}));
+                     Host("glShaderSource", 101, 1, "{\"left out\"}", "{8}"),
+                     Host("glShaderSource", 101, 1, "{\"emptied\"}", "{7}")}));
 }
 
 TEST(Es2, AFailedLinkIsReportedOnly) {

@@ -38,6 +38,22 @@ TEST(HostLibraries, AreNamedWhenTheirFamilyIsFirstPlayed) {
               (Lines{"glClear(1)", "es1.glClear(2)", "glReadBuffer(1029)"}));
 }
 
+TEST(HostLibraries, ACallThatIsNeverPlayedLoadsNone) {
+    CTraceBuilder trace;
+    trace.Add(1032, trace.Egl().Enum(0x30A0));
+    trace.GetDisplay();
+    trace.Add(3073, trace.Gl().Boolean(true).Enum(2929));
+    trace.Add(3009, trace.Gl().Bitfield(2));
+    const SRunResult run = RunTrace(trace);
+    EXPECT_TRUE(run.Ok()) << run.Ending();
+    const auto place = [&](const std::string& text) {
+        EXPECT_TRUE(run.Printed(text)) << text << run.out;
+        return run.out.find(text);
+    };
+    EXPECT_LT(place("eglGetDisplay"), place("Host Library Loaded: libEGL.so"));
+    EXPECT_LT(place("glClear"), place("Host Library Loaded: libGLES_CM.so"));
+}
+
 TEST(HostLibraries, AMissingEs1EntryIsIgnoredWithAText) {
     CTraceBuilder trace = Es2Trace();
     trace.Add(3009, trace.Gl(1).Bitfield(2));

@@ -3,10 +3,12 @@
 
 #include <algorithm>
 #include <limits>
+#include <memory>
 #include <random>
 #include <string>
 #include <vector>
 
+#include "exec/client_memory.h"
 #include "exec/draw_indices.h"
 #include "exec/extension_resolver.h"
 #include "exec/host_data.h"
@@ -39,6 +41,8 @@ constexpr SPixel kPixels[] = {
     {GL_RGBA, 0x8D61, 8},  // GL_HALF_FLOAT_OES
     {GL_RGBA_INTEGER, GL_UNSIGNED_INT, 16},
     {0x80E1, GL_UNSIGNED_BYTE, 4},  // GL_BGRA_EXT
+    {0x8C40, GL_UNSIGNED_BYTE, 3},  // GL_SRGB_EXT
+    {0x8C44, GL_UNSIGNED_BYTE, 2},  // GL_SLUMINANCE_ALPHA_NV
     {GL_RGB, GL_UNSIGNED_INT_10F_11F_11F_REV, 4},
     {GL_RGB, GL_UNSIGNED_INT_5_9_9_9_REV, 4},
     {GL_RGBA, GL_UNSIGNED_INT_2_10_10_10_REV, 4},
@@ -95,7 +99,7 @@ TEST(ImageBytes, ReachToTheLastPixelThatTheHostReads) {
 TEST(ImageBytes, ImmenseSizesStayImmense) {
     // No captured block has 4 GiB.
     constexpr std::int64_t kLargestBlock = 0xFFFFFFFF;
-    SPixelStore all{8, kMax, kMax, kMax, kMax, kMax, 4, 0};
+    SPixelStore all{8, kMax, kMax, kMax, kMax, kMax, 4, 0, 0, 0, 0};
     SPixelStore rows, images, skips;
     rows.unpackRowLength = kMax;
     images.unpackImageHeight = kMax;
@@ -190,16 +194,72 @@ TEST(DrawIndices, AsManyAsTheDrawReads) {
     for (const auto& c : cases) {
         const SDrawIndices indices = DrawIndices(false, shorts, 0x77, c.count, c.type);
         EXPECT_EQ(indices.sound, c.sound) << c.type << ' ' << c.count;
-        EXPECT_EQ(indices.vertices, c.vertices) << c.type << ' ' << c.count;
+        EXPECT_EQ(indices.vertices.count, c.vertices) << c.type << ' ' << c.count;
         EXPECT_EQ(indices.pointer, c.sound ? shorts.GetData() : nullptr);
     }
     // With a buffer bound only the offset counts.
     const SDrawIndices offset = DrawIndices(true, shorts, 0x77, kMax, GL_UNSIGNED_INT);
     EXPECT_TRUE(offset.sound);
     EXPECT_EQ(offset.pointer, AsPointer(0x77));
-    EXPECT_EQ(offset.vertices, 0);
+    EXPECT_EQ(offset.vertices.count, std::int64_t{1} << 32);
+    EXPECT_FALSE(offset.vertices.known);
+    EXPECT_EQ(DrawIndices(true, shorts, 0, 0, GL_UNSIGNED_INT).vertices.count, 0);
+    // The highest number of a type begins a new primitive, where that is asked for.
+    const GLushort strip[] = {4, 0xFFFF, 7, 0xFFFE};
+    EXPECT_EQ(VerticesOf(strip, 3, GL_UNSIGNED_SHORT, false), 65536);
+    EXPECT_EQ(VerticesOf(strip, 3, GL_UNSIGNED_SHORT, true), 8);
+    EXPECT_EQ(VerticesOf(strip, 4, GL_UNSIGNED_SHORT, true), 65535);
     const SDataPtr none;
     EXPECT_FALSE(DrawIndices(false, none, 0x77, 1, GL_UNSIGNED_BYTE).sound);
+}
+
+TEST(ClientMemory, ArraysAreMeasuredToTheLastVertex) {
+    CClientMemory memory;
+    const auto block = [](std::size_t size) {
+        return std::make_unique<SDataPtr>(ReadFrom<SDataPtr>(Record().Data(1, Bytes(size, 9))));
+    };
+    std::unique_ptr<SDataPtr> array = block(20);
+    const CClientMemory::STaken taken = memory.Take(2, array, {4, 0, 5}, true, false);
+    EXPECT_TRUE(taken.sound);
+    EXPECT_EQ(taken.pointer, array->GetData());
+    const struct {
+        SArrayReach reach;
+        bool reaches;
+    } cases[] = {
+        {{4, 0, 5}, true},    {{4, 0, 6}, false},   {{4, 8, 3}, true},
+        {{4, 9, 3}, false},   {{4, kMax, 1}, true}, {{4, kMax, 2}, false},
+        {{4, kMax, 0}, true}, {{4, 0, -1}, true},   {{0, 0, kMax}, true},
+        {{21, 0, 1}, false},  {{4, -4, 2}, false},  {{16, kMax, std::int64_t{1} << 62}, false}};
+    for (const auto& c : cases) {
+        EXPECT_EQ(memory.Reaches(2, taken.pointer, c.reach), c.reaches) << &c - cases;
+    }
+    // Nothing is known of memory that was not handed out for this array.
+    EXPECT_FALSE(memory.Reaches(1, taken.pointer, {4, 0, 1}));
+    EXPECT_FALSE(memory.Take(2, array, {4, 0, 6}, true, false).sound);
+    EXPECT_FALSE(memory.Take(2, array, {4, 0, 6}, true, true).sound);
+    EXPECT_EQ(array, nullptr) << "kept for later draws";
+}
+
+TEST(ClientMemory, ZerosStandBehindAnArrayOfUnknownReach) {
+    CClientMemory memory;
+    constexpr std::int64_t kVertices = 65536;
+    const auto bytesAt = [&](std::size_t size, std::uint8_t value) {
+        auto array =
+            std::make_unique<SDataPtr>(ReadFrom<SDataPtr>(Record().Data(1, Bytes(size, value))));
+        const CClientMemory::STaken taken = memory.Take(0, array, {4, 0, kVertices}, false, true);
+        EXPECT_TRUE(taken.sound);
+        EXPECT_TRUE(memory.Reaches(0, taken.pointer, {4, 0, kVertices}));
+        EXPECT_FALSE(memory.Reaches(0, taken.pointer, {4, 0, kVertices + 1}));
+        return std::string(static_cast<const char*>(taken.pointer), 4 * kVertices);
+    };
+    const auto expected = [](std::size_t size, char value) {
+        std::string bytes(4 * kVertices, 0);
+        std::fill_n(bytes.begin(), size, value);
+        return bytes;
+    };
+    EXPECT_EQ(bytesAt(12, 1), expected(12, 1));
+    EXPECT_EQ(bytesAt(30, 2), expected(30, 2));
+    EXPECT_EQ(bytesAt(8, 3), expected(8, 3)) << "nothing stays of a longer one";
 }
 
 TEST(Viewport, SizeScalesWithTheWindowAndPositionAgainstIt) {

@@ -15,6 +15,10 @@ from table import load
 RECORDS = {"program": "GetProgramRecord", "shader": "GetShaderRecord"}
 CASTS = {"TGLboolean": "GLboolean", "TuintType<19>": "GLubyte"}
 
+# Families whose calls are looked at before the host's table is made. An ES2 or ES3 call asks the
+# host for its framebuffer before all else.
+ASKED_FIRST = ("egl", "es1")
+
 
 def by_hand(row):
     return f"Play{row.entry[0].upper()}{row.entry[1:]}"
@@ -128,6 +132,14 @@ def function(name, context, cases, note, optional):
     return out + ["        default:", f"            return EPlayed::{note};", "    }", "}", ""]
 
 
+def left_out(name, cases):
+    """Whether a call is left out, for a family whose host library is loaded by the first other."""
+    out = [f"bool LeavesOut{name}Call(std::uint16_t id) {{", "    switch (id) {"]
+    out += [f"        case {row.id}:  // {row.entry}" for row in cases]
+    return out + ["            return true;", "        default:", "            return false;",
+                  "    }", "}", ""]
+
+
 def elsewhere(cases):
     """What becomes of an extension call whose API has no table, or one without the entry."""
     out = ["EPlayed PlayExtElsewhere(std::uint16_t id) {", "    switch (id) {"]
@@ -153,6 +165,9 @@ def main():
         out += elsewhere(cases)
     else:
         name = family.capitalize()
+        if family in ASKED_FIRST:
+            out += left_out(name, [row for row in cases if row.play == "skip"])
+            cases = [row for row in cases if row.play != "skip"]
         out += function(f"Play{name}Case", f"S{name}Play", cases, "kFailed", False)
     out += ["}  // namespace kestrail", ""]
     Path(sys.argv[2]).write_text("\n".join(out))
