@@ -2,17 +2,18 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "state/repeat_mark.h"
 
 namespace kestrail {
 
-class CSharedBytes::CParts {
+class CSharedBytes::CTaking {
 public:
-    explicit CParts(std::uint64_t size) : m_size(size) { s_all += size; }
-    CParts(const CParts&) = delete;
-    CParts& operator=(const CParts&) = delete;
-    ~CParts() { s_all -= m_size; }
+    explicit CTaking(std::uint64_t size) : m_size(size) { s_all += size; }
+    CTaking(const CTaking&) = delete;
+    CTaking& operator=(const CTaking&) = delete;
+    ~CTaking() { s_all -= m_size; }
 
     static std::uint64_t All() { return s_all; }
 
@@ -29,59 +30,47 @@ CSharedBytes CSharedBytes::Borrow(const std::uint8_t* data, std::size_t size) {
 }
 
 const std::uint8_t* CSharedBytes::Get(std::vector<std::uint8_t>& room) const {
-    if (!m_parts) return m_data;
+    if (!IsChanged()) return m_data;
     room.assign(m_size, 0);
-    if (m_data != nullptr) std::memcpy(room.data(), m_data, std::min(m_dataSize, m_size));
-    for (std::int32_t i = 0; i < m_pieces->Count(); ++i) {
-        const Piece& piece = *m_pieces->ValueAt(i);
-        const std::size_t start = std::size_t{m_pieces->KeyAt(i)} * kPiece;
-        if (start >= m_size) continue;
-        std::memcpy(room.data() + start, piece.begin(),
-                    std::min<std::size_t>(piece.Size(), m_size - start));
+    const SChanged& changed = *m_changed;
+    if (changed.start) {
+        std::copy_n(changed.start->begin(), std::min(changed.start->size(), m_size), room.begin());
+    } else if (m_data != nullptr) {
+        std::memcpy(room.data(), m_data, std::min(m_dataSize, m_size));
+    }
+    for (std::uint32_t i = 0; i < changed.parts.Size(); ++i) {
+        const SByteRows& rows = changed.parts[i].rows;
+        for (std::size_t row = 0; row < rows.count; ++row) {
+            const std::size_t at = rows.offset + row * rows.stride;
+            if (at >= m_size) break;
+            std::memcpy(room.data() + at, rows.data + row * rows.dataStride,
+                        std::min(rows.length, m_size - at));
+        }
     }
     return room.data();
 }
 
 bool CSharedBytes::Takes(std::uint64_t size) const {
-    return size <= kLargest && (m_parts || CParts::All() + size <= kLargestOfAll);
+    return size <= kLargest && (IsChanged() || CTaking::All() + size <= kLargestOfAll);
 }
 
-void CSharedBytes::Put(std::size_t size, const SByteRows& rows) {
+void CSharedBytes::Put(std::size_t size, const SByteRows& rows, Made made) {
     ++unrepeatableUpdates;
-    if (!m_parts) m_parts = std::make_shared<CParts>(size);
     m_size = size;
-    for (std::size_t row = 0; row < rows.count; ++row) {
-        PutRow(rows.offset + row * rows.stride, rows.data + row * rows.dataStride, rows.length);
-    }
-}
-
-void CSharedBytes::PutRow(std::size_t offset, const std::uint8_t* data, std::size_t length) {
-    while (length > 0) {
-        const std::size_t within = offset % kPiece;
-        const std::size_t count = std::min(length, kPiece - within);
-        std::memcpy(WritePiece(static_cast<std::uint32_t>(offset / kPiece)) + within, data, count);
-        offset += count;
-        data += count;
-        length -= count;
-    }
-}
-
-std::uint8_t* CSharedBytes::WritePiece(std::uint32_t number) {
-    Pieces& pieces = m_pieces.Write();
-    const std::size_t start = std::size_t{number} * kPiece;
-    const std::size_t size = std::min(kPiece, m_size - start);
-    Piece* piece = pieces.Find(number);
-    if (piece == nullptr || piece->Size() < size) {
-        Piece whole(static_cast<std::uint32_t>(size));
-        if (piece != nullptr) {
-            std::copy(piece->begin(), piece->end(), whole.WriteAll());
-        } else if (start < m_dataSize) {
-            std::memcpy(whole.WriteAll(), m_data + start, std::min(size, m_dataSize - start));
-        }
-        piece = &pieces.GetOrCreate(number);
-        *piece = std::move(whole);
-    }
-    return piece->WriteAll();
+    const bool first = !IsChanged();
+    SChanged& changed = m_changed.Write();
+    if (first) changed.taking = std::make_shared<CTaking>(size);
+    changed.parts.Append() = {rows, std::move(made)};
+    changed.partBytes += rows.length * rows.count;
+    // Once they are a few times as long as the whole, putting them together costs less memory than
+    // they took in the trace, and bounds what each look at the contents costs.
+    constexpr std::uint64_t kTimes = 4;
+    if (changed.partBytes < kTimes * m_size) return;
+    auto whole = std::make_shared<std::vector<std::uint8_t>>();
+    Get(*whole);
+    changed.start = std::move(whole);
+    changed.parts = {};
+    changed.partBytes = 0;
 }
 
 }  // namespace kestrail

@@ -1,5 +1,5 @@
-// The contents of an object in a record, of which there is one for every frame: bytes that a copy
-// shares with the original, but for the pieces in which one of them was changed. For one thread.
+// The contents of an object in a record, of which there is one for every frame: the bytes of
+// recorded calls, which outlive every record, and which of them stand where. For one thread.
 #pragma once
 
 #include <cstddef>
@@ -8,8 +8,7 @@
 #include <vector>
 
 #include "base/shared.h"
-#include "base/shared_array.h"
-#include "state/state_table.h"
+#include "base/shared_vector.h"
 
 namespace kestrail {
 
@@ -23,10 +22,12 @@ struct SByteRows {
     std::size_t dataStride = 0;
 };
 
-/// A run of bytes: those of a recorded call, which outlive every record, and pieces of its own in
-/// front of them.
+/// A run of bytes, and parts that were put into it since. Copies share both.
 class CSharedBytes {
 public:
+    /// Bytes that are in no call.
+    using Made = std::shared_ptr<const std::vector<std::uint8_t>>;
+
     /// The largest contents, in bytes, that take parts, and what all that do may come to. A call
     /// can claim any size with a few bytes of trace, and a seek puts the bytes of each together.
     static constexpr std::uint64_t kLargest = std::uint64_t{1} << 28;
@@ -39,11 +40,11 @@ public:
 
     std::size_t Size() const { return m_size; }
     bool Empty() const { return m_size == 0; }
-    /// Without a piece of its own.
-    bool Borrowed() const { return m_size != 0 && m_parts == nullptr; }
+    /// All as they came with one call.
+    bool Borrowed() const { return m_size != 0 && !IsChanged(); }
     /// Different for contents that may differ.
     std::uintptr_t Identity() const {
-        return reinterpret_cast<std::uintptr_t>(m_parts ? m_pieces.Identity() : m_data);
+        return reinterpret_cast<std::uintptr_t>(IsChanged() ? m_changed.Identity() : m_data);
     }
     /// All bytes in a row: where they stand, or in `room`. Null when there are none.
     const std::uint8_t* Get(std::vector<std::uint8_t>& room) const;
@@ -51,25 +52,29 @@ public:
     /// Whether rows can be put into these contents, as `size` bytes.
     bool Takes(std::uint64_t size) const;
     /// Sets rows within the first `size` bytes, which is how many the contents have from then on,
-    /// zeros where there were fewer. The rows are copied.
-    void Put(std::size_t size, const SByteRows& rows);
+    /// zeros where there were fewer. The rows stay where they are: in `made`, or with their call.
+    void Put(std::size_t size, const SByteRows& rows, Made made = nullptr);
 
 private:
-    /// Counts contents with pieces for as long as any record has them.
-    class CParts;
-    using Piece = TSharedArray<std::uint8_t>;
-    using Pieces = TStateTable<Piece>;
+    /// Counts contents with parts for as long as any record has them.
+    class CTaking;
+    struct SPart {
+        SByteRows rows;
+        Made made;
+    };
+    struct SChanged {
+        std::shared_ptr<CTaking> taking;
+        Made start;  ///< in place of the borrowed bytes, when parts were put together
+        TSharedVector<SPart, 3> parts;
+        std::uint64_t partBytes = 0;
+    };
 
-    static constexpr std::size_t kPiece = 1024;
-
-    void PutRow(std::size_t offset, const std::uint8_t* data, std::size_t length);
-    std::uint8_t* WritePiece(std::uint32_t number);
+    bool IsChanged() const { return m_changed.Identity() != nullptr; }
 
     const std::uint8_t* m_data = nullptr;
     std::size_t m_dataSize = 0;
     std::size_t m_size = 0;
-    TShared<Pieces> m_pieces;
-    std::shared_ptr<CParts> m_parts;
+    TShared<SChanged> m_changed;
 };
 
 }  // namespace kestrail

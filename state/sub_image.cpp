@@ -1,5 +1,8 @@
 #include "state/sub_image.h"
 
+#include <memory>
+#include <utility>
+
 #include "base/output.h"
 #include "calls/pixels/pixel_layout.h"
 #include "state/repeat_mark.h"
@@ -20,13 +23,14 @@ bool IsInside(const SImageLayout& image, const SImagePart& part) {
 /// Converts the part's rows to the format of the image. False when that can't be done.
 bool Convert(const SImagePart& part, SFittedPart& fitted) {
     SByteRows& rows = fitted.rows;
-    fitted.converted.resize(rows.length * rows.count);
+    auto converted = std::make_shared<std::vector<std::uint8_t>>(rows.length * rows.count);
     if (!ConvertImage(part.width, part.height, 0, part.type, part.format, part.alignment, part.data,
-                      fitted.type, fitted.format, 0, fitted.converted.data())) {
+                      fitted.type, fitted.format, 0, converted->data())) {
         return false;
     }
-    rows.data = fitted.converted.data();
+    rows.data = converted->data();
     rows.dataStride = rows.length;
+    fitted.converted = std::move(converted);
     return true;
 }
 
@@ -65,7 +69,9 @@ bool FitPart(const SImageLayout& image, const SImagePart& part, SFittedPart& fit
     fitted.imageSize = total;
     fitted.rows = {above * row + left * pixel, row, columns * pixel, count, part.data, partRow};
     if (part.format != fitted.format || part.type != fitted.type) return Convert(part, fitted);
-    fitted.whole = partRow == row && row * count == total && part.size >= total;
+    // Of an image in layers too, a part as wide and as high is all of it, if it has the bytes.
+    fitted.whole = part.width == image.width && part.height == image.height && image.border == 0 &&
+                   partRow == row && part.size >= total;
     return true;
 }
 

@@ -40,8 +40,8 @@ struct SFittedPart {
     std::uint32_t type = 0;
     std::size_t imageSize = 0;
     SByteRows rows;
-    bool whole = false;                   ///< the rows are all of the image, as it is laid out
-    std::vector<std::uint8_t> converted;  ///< where the rows stand, unless in the call
+    bool whole = false;            ///< the rows are all of the image, as it is laid out
+    CSharedBytes::Made converted;  ///< where the rows stand, unless in the call
 };
 
 /// Makes a part ready for an image. False for a rectangle that reaches out of it (larger than the
@@ -69,7 +69,7 @@ bool ApplySubImage(const Image* image, const SImagePart& part, Write write) {
     if (fitted.whole) {
         changed.data = CSharedBytes::Borrow(part.data, fitted.imageSize);
     } else {
-        changed.data.Put(fitted.imageSize, fitted.rows);
+        changed.data.Put(fitted.imageSize, fitted.rows, fitted.converted);
     }
     return true;
 }

@@ -242,6 +242,9 @@ TEST(Es2Textures, PartsAreCopiedIntoPlace) {
     EXPECT_TRUE((SSubCall{0, 0, 4, 2}.Apply(model, Text("stuvwxyz"))));
     EXPECT_EQ(PixelsOf(s, 3), "stuvwxyz");
     EXPECT_TRUE(s.FindImage(3, 0, 0)->data.Borrowed());
+    // Narrower rows may take as much room as whole ones.
+    EXPECT_TRUE((SSubCall{1, 0, 2, 2}.Apply(model, Text("AB--CD--"))));
+    EXPECT_EQ(PixelsOf(s, 3), "sABvwCDz");
     // All of a face, at a level of its own, whose rows are laid out otherwise.
     BindTexture(model, kCube, 4);
     SImageCall face;
@@ -419,7 +422,8 @@ TEST(Es3Textures, ImagesOfThreeDimensions) {
                                   .Enum(kBytes)
                                   .Data(pixels.empty() ? 0 : 1, pixels));
     };
-    const auto part = [&](std::uint32_t target, std::int64_t level, std::int64_t width) {
+    const auto part = [&](std::uint32_t target, std::int64_t level, std::int64_t width,
+                          const char* pixels = "XY") {
         return model.Do(5146, Gl().Enum(target)
                                   .Int(level)
                                   .Int(0)
@@ -430,7 +434,7 @@ TEST(Es3Textures, ImagesOfThreeDimensions) {
                                   .Sizei(1)
                                   .Enum(kLuminance)
                                   .Enum(kBytes)
-                                  .Data(1, Text("XY")));
+                                  .Data(1, Text(pixels)));
     };
     model.Do(2091, Gl().Enum(3317).Int(2));
     BindTexture(model, kArray, 6);
@@ -451,6 +455,8 @@ TEST(Es3Textures, ImagesOfThreeDimensions) {
     // A part leaves the other layers alone, and the depth has no say.
     EXPECT_TRUE(part(kArray, 0, 2));
     EXPECT_EQ(PixelsOf(s, 6), "XYcdef");
+    EXPECT_TRUE(part(kArray, 0, 2, "uvwxyz"));
+    EXPECT_EQ(PixelsOf(s, 6), "uvwxyz");
     EXPECT_FALSE(part(kArray, -1, 1));
     EXPECT_FALSE(part(kArray, 1, 1));
     EXPECT_FALSE(part(k2D, 0, 1));

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <deque>
 #include <random>
 #include <utility>
 #include <vector>
@@ -26,6 +27,7 @@ TEST(SharedBytes, PartsGoIntoOneCopyOnly) {
     model.resize(kSize);
     std::vector<std::pair<CSharedBytes, Content>> copies = {{bytes, borrowed}};
     std::mt19937 random(11);
+    std::deque<Content> parts;
     for (std::uint8_t turn = 1; turn < 100; ++turn) {
         SByteRows rows;
         rows.length = 1 + random() % 600;
@@ -33,8 +35,8 @@ TEST(SharedBytes, PartsGoIntoOneCopyOnly) {
         rows.count = 1 + random() % 12;
         const std::size_t span = rows.stride * (rows.count - 1) + rows.length;
         rows.offset = random() % (kSize - span + 1);
-        const Content data(rows.length * rows.count, turn);
-        rows.data = data.data();
+        parts.emplace_back(rows.length * rows.count, turn);
+        rows.data = parts.back().data();
         rows.dataStride = rows.length;
         ASSERT_TRUE(bytes.Takes(kSize));
         bytes.Put(kSize, rows);
