@@ -107,7 +107,6 @@ void TransitionBuffers(const CEs2State& target, const CEs2State& current) {
 
 void TransitionVertexArrays(const CEs2State& target) {
     const auto& arrays = *target.vertexArrays;
-    if (arrays.Count() == 0) return;
     SEs2Host& host = *GetEs2Host();
     CEs2Names names;
     CVertexArrayCalls calls(target.apiVersion == 3);

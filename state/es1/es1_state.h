@@ -231,6 +231,8 @@ public:
     /// The client arrays in use; default ones while no call has set any.
     const SClientArraysState& CurrentVertexArray() const;
     SClientArraysState& WriteCurrentVertexArray();
+    /// Whether any call has set it, if only to what it is by default: a restore then sets it, too.
+    bool HasCurrentVertexArray() const { return vertexArrays->Find(currentVertexArray) != nullptr; }
     /// The active texture unit; -1 when the enumerant names none that the record holds.
     std::int32_t ActiveUnit() const { return UnitOf(activeTexture); }
     static std::int32_t UnitOf(std::uint32_t texture);

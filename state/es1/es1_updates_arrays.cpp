@@ -16,7 +16,7 @@ constexpr std::uint32_t kElementArrayBuffer = 34963;
 /// Sets one value of the current vertex array. `field` picks its place.
 template <typename Field, typename Value>
 bool SetArrayValue(CEs1State& state, Field field, const Value& value) {
-    if (!(field(state.CurrentVertexArray()) == value)) {
+    if (!state.HasCurrentVertexArray() || !(field(state.CurrentVertexArray()) == value)) {
         field(state.WriteCurrentVertexArray()) = value;
     }
     return true;

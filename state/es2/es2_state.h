@@ -160,7 +160,7 @@ struct SAttribPointerState {
 
 struct SVertexArrayState {
     /// No context has more vertex attributes; an index beyond is left out of the record.
-    static constexpr std::uint32_t kMaxAttributes = 256;
+    static constexpr std::uint32_t kMaxAttributes = 32;
 
     std::uint32_t name = 0;
     std::uint32_t arrayBuffer = 0;
@@ -314,6 +314,8 @@ public:
     /// The vertex array in use; an empty one when no call has written it yet.
     const SVertexArrayState& CurrentVertexArray() const;
     SVertexArrayState& WriteCurrentVertexArray();
+    /// Whether any call has set it, if only to what it is by default: a restore then sets it, too.
+    bool HasCurrentVertexArray() const { return vertexArrays->Find(currentVertexArray) != nullptr; }
 };
 
 }  // namespace kestrail

@@ -62,7 +62,8 @@ SAttribPointerState& WriteAttribPointer(CEs2State& state, std::uint32_t index) {
 
 bool SetAttribEnabled(CEs2State& state, std::uint32_t index, std::uint8_t enabled) {
     if (index >= SVertexArrayState::kMaxAttributes) return false;
-    if (AttribPointer(state, index).enabled != enabled) {
+    const auto& known = state.CurrentVertexArray().attributes;
+    if (index >= known.size() || known[index].enabled != enabled) {
         WriteAttribPointer(state, index).enabled = enabled;
     }
     return true;
@@ -94,7 +95,7 @@ bool CEs2_glBindBuffer_v1::UpdateState(CEs2State& state) {
     const std::uint32_t name = buffer.GetValue();
     std::uint32_t bound = 0;
     if (!BoundBuffer(state, target.GetValue(), bound)) return false;
-    if (bound == name) return true;
+    if (bound == name && state.HasCurrentVertexArray()) return true;
     SVertexArrayState& array = state.WriteCurrentVertexArray();
     (target.GetValue() == GL_ARRAY_BUFFER ? array.arrayBuffer : array.elementBuffer) = name;
     return true;

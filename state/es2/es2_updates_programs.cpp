@@ -23,10 +23,12 @@ void ReleaseShader(CEs2State& state, std::uint32_t name) {
 void RemoveProgram(CEs2State& state, std::uint32_t name) {
     const SProgramState* program = state.programs->Find(name);
     if (program == nullptr) return;
-    const std::uint32_t vertexShader = program->vertexShader;
-    const std::uint32_t fragmentShader = program->fragmentShader;
-    ReleaseShader(state, vertexShader);
-    ReleaseShader(state, fragmentShader);
+    // In the order of the table, in which the last record takes the place of an erased one.
+    std::uint32_t first = program->vertexShader;
+    std::uint32_t second = program->fragmentShader;
+    if (state.shaders->IndexOf(second) < state.shaders->IndexOf(first)) std::swap(first, second);
+    ReleaseShader(state, first);
+    ReleaseShader(state, second);
     state.programs.Write().Erase(name);
     if (state.attributeValues->Find(name) != nullptr) state.attributeValues.Write().Erase(name);
 }

@@ -331,12 +331,12 @@ TEST(Es2VertexArrays, EachHoldsItsOwnBindings) {
     EXPECT_TRUE(model.Uint(5171, 7));
     EXPECT_EQ(s.currentVertexArray, 7U);
     EXPECT_EQ(s.CurrentVertexArray().name, 7U);
-    EXPECT_TRUE(model.Uint(2044, 255));
-    EXPECT_FALSE(model.Uint(2044, 256));
+    EXPECT_TRUE(model.Uint(2044, 31));
+    EXPECT_FALSE(model.Uint(2044, 32));
     EXPECT_FALSE(model.Uint(2040, 0x80000000U));
     EXPECT_FALSE(pointer(0xFFFFFFFF, 0));
-    EXPECT_EQ(s.CurrentVertexArray().attributes.size(), 256U);
-    EXPECT_EQ(s.CurrentVertexArray().attributes[255].enabled, 1);
+    EXPECT_EQ(s.CurrentVertexArray().attributes.size(), 32U);
+    EXPECT_EQ(s.CurrentVertexArray().attributes[31].enabled, 1);
     EXPECT_EQ(s.CurrentVertexArray().arrayBuffer, 0U);
 
     model.Uint(5171, 0);
@@ -351,6 +351,15 @@ TEST(Es2VertexArrays, EachHoldsItsOwnBindings) {
     EXPECT_EQ(before.CurrentVertexArray().attributes[2].stride, 12);
     EXPECT_TRUE(model.Uint(2040, 2));
     EXPECT_EQ(s.CurrentVertexArray().attributes[2].enabled, 0);
+    // What is set to its default counts as set.
+    CModel defaults;
+    const auto attributes = [&] { return defaults.state.CurrentVertexArray().attributes.size(); };
+    EXPECT_FALSE(defaults.state.HasCurrentVertexArray());
+    EXPECT_TRUE(defaults.Bind(2004, 34962, 0));
+    EXPECT_TRUE(defaults.state.HasCurrentVertexArray());
+    EXPECT_EQ(attributes(), 0U);
+    EXPECT_TRUE(defaults.Uint(2040, 3));
+    EXPECT_EQ(attributes(), 4U);
     // The default one can't be deleted.
     EXPECT_TRUE(model.Names(5172, {7, 0}));
     EXPECT_EQ(s.vertexArrays->Find(7), nullptr);
@@ -401,6 +410,22 @@ TEST(Es2Programs, ShadersLiveAsLongAsTheyAreAttached) {
     EXPECT_EQ(s.shaders->Count(), 0);
     EXPECT_TRUE(model.Uint(2032, 0));
     EXPECT_NE(s.programs->Find(0), nullptr);
+}
+
+TEST(Es2Programs, ShadersGoInTheOrderOfTheirTable) {
+    CModel model;
+    for (const std::uint32_t shader : {1U, 2U, 3U, 4U}) {
+        model.CreateShader(shader, shader == 2 ? 35633 : 35632);
+    }
+    model.Uint(2026, 5);
+    for (const std::uint32_t shader : {1U, 2U}) {
+        model.Pair(2002, 5, shader);
+        model.Uint(2034, shader);
+    }
+    EXPECT_TRUE(model.Uint(2032, 5));
+    ASSERT_EQ(model.state.shaders->Count(), 2);
+    EXPECT_EQ(model.state.shaders->KeyAt(0), 4U);
+    EXPECT_EQ(model.state.shaders->KeyAt(1), 3U);
 }
 
 TEST(Es2Programs, TheOneInUseGoesWhenAnotherIsUsed) {

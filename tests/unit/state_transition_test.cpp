@@ -47,10 +47,14 @@ const Calls kDefaultScalars = {
 TEST_F(StateTransition, DefaultRecordsSetBindingsAndScalarState) {
     CEs2State target;
     TransitionEs2State(target, CEs2State());
-    Calls expected = {"glUseProgram(0)",           "glUseProgram(0)",
-                      "glActiveTexture(33984)",    "glBindTexture(3553,0)",
-                      "glBindTexture(34067,0)",    "glActiveTexture(33984)",
-                      "glBindFramebuffer(36160,0)"};
+    Calls expected = {"glUseProgram(0)",
+                      "glUseProgram(0)",
+                      "glActiveTexture(33984)",
+                      "glBindTexture(3553,0)",
+                      "glBindTexture(34067,0)",
+                      "glActiveTexture(33984)",
+                      "glBindFramebuffer(36160,0)",
+                      "glBindVertexArrayOES(0)"};
     expected.insert(expected.end(), kDefaultScalars.begin(), kDefaultScalars.end());
     EXPECT_THAT(Take(), ElementsAreArray(expected));
 }
