@@ -21,9 +21,6 @@ public:
     void RequestStop();
     void Reset() override;
 
-protected:
-    bool SeeksFrames() const override { return true; }
-
 private:
     std::unique_ptr<CAnalysisPlayback> m_analysisPlayer;
 };

@@ -15,7 +15,6 @@ bool PlaybackInterface::LoadTrace(const char* path, bool wholeFile) {
     m_wholeFile = wholeFile;
     try {
         CTraceDocument* document = CTraceDocument::Instance();
-        document->SetTrackState(SeeksFrames());
         if (document->OpenTrace(CKSTLString(path), wholeFile) == kRefused) {
             output::Message("*** Error loading file ***");
             return false;

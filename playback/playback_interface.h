@@ -44,8 +44,6 @@ public:
     virtual void SetOption(std::uint32_t selector, std::int32_t value);
 
 protected:
-    /// Whether frames will be sought, which needs the state that each begins with.
-    virtual bool SeeksFrames() const { return false; }
     CSequentialPlayer& Player();
 
     CFrameStore* m_trace = nullptr;

@@ -39,6 +39,29 @@ TEST(Es2, ShaderSourcesAreJoinedAndOverridden) {
                      Host("glShaderSource", 101, 1, "{\"emptied\"}", "{7}")}));
 }
 
+TEST(Es2, PartsThatNoImageHasRoomForAreToldOfWhileLoading) {
+    CTraceBuilder trace = Es2Trace();
+    trace.Add(2007, trace.Gl().Enum(3553).Uint(7));
+    const auto sized = [&](CRecordBuilder record, std::int64_t width) {
+        return record.Sizei(width).Sizei(1);
+    };
+    trace.Add(2106, sized(trace.Gl().Enum(3553).Int(0).Int(6409), 2)
+                        .Int(0)
+                        .Enum(6409)
+                        .Enum(5121)
+                        .Data(1, Bytes(2))
+                        .Int(1));
+    trace.Add(2111, sized(trace.Gl().Enum(3553).Int(0).Int(0).Int(0), 3)
+                        .Enum(6409)
+                        .Enum(5121)
+                        .Data(1, Bytes(4)));
+    const std::string told = message + "Processing File....\n" + error +
+                             "glTexSubImage2D: trying to update a texture out of limits.\n" +
+                             message + "Processing File... Done\n";
+    EXPECT_TRUE(RunTrace(trace).Printed(told));
+    EXPECT_FALSE(RunTrace(trace, {"--noMemory"}).Printed("out of limits"));
+}
+
 TEST(Es2, AFailedLinkIsReportedOnly) {
     CTraceBuilder trace = Es2Trace();
     trace.Add(2026, trace.Gl().Uint(9));

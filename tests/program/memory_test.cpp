@@ -31,12 +31,15 @@ Bytes Filled(std::size_t size, const std::vector<std::pair<std::uint16_t, CRecor
     return trace.Build();
 }
 
-/// Every name is another one.
-Bytes FilledByNames(std::size_t size, std::uint16_t id) {
-    CTraceBuilder trace = Es2Trace();
-    constexpr std::size_t kRecord = 14;
-    for (std::uint32_t name = 1; name * kRecord < size; ++name)
-        trace.Add(id, trace.Gl().Uint(name));
+/// Calls that `add` makes, each time with another name, until the file has that size.
+template <typename Add>
+Bytes FilledByNames(std::size_t size, Add add, CTraceBuilder trace = Es2Trace()) {
+    constexpr std::uint32_t kAtOnce = 200;
+    const std::size_t before = trace.Build().size();
+    std::uint32_t name = 0;
+    for (; name < kAtOnce; ++name) add(trace, name + 1);
+    const std::size_t turns = size * kAtOnce / (trace.Build().size() - before);
+    for (; name < turns; ++name) add(trace, name + 1);
     return trace.Build();
 }
 
@@ -62,15 +65,117 @@ Bytes FilledByClaims(std::size_t size) {
                          {2130, claiming(t.Gl().Int(1).Sizei(1).Boolean(false))}});
 }
 
+/// Calls of a few bytes that set as much as they can in the models of the state.
+std::vector<SHostileFile> FilesOfState() {
+    using Trace = CTraceBuilder;
+    const auto texture = [](Trace& t, std::uint32_t name) {
+        t.Add(2007, t.Gl().Enum(3553).Uint(name));
+    };
+    const auto buffer = [](Trace& t, std::uint32_t name) {
+        t.Add(2004, t.Gl().Enum(34962).Uint(name));
+    };
+    const auto putByte = [](Trace& t, std::int64_t offset) {
+        t.Add(2014, t.Gl().Enum(34962).Intptr(offset).Sizeiptr(1).Data(1, Bytes(1)));
+    };
+    Trace bufferBound = Es2Trace();
+    buffer(bufferBound, 1);
+    bufferBound.Add(2013,
+                    bufferBound.Gl().Enum(34962).Sizeiptr(64 * kMiB).Data(0, Bytes()).Enum(35044));
+    Trace imageBound = Es2Trace();
+    texture(imageBound, 1);
+    imageBound.Add(2106, imageBound.Gl()
+                             .Enum(3553)
+                             .Int(0)
+                             .Int(6409)
+                             .Sizei(4096)
+                             .Sizei(16384)
+                             .Int(0)
+                             .Enum(6409)
+                             .Enum(5121)
+                             .Data(0)
+                             .Int(1));
+    Trace programUsed = Es2Trace();
+    programUsed.Add(2026, programUsed.Gl().Uint(1)).Add(2131, programUsed.Gl().Uint(1));
+
+    std::vector<SHostileFile> files;
+    const auto add = [&](const char* name, auto fill, const Trace& start = Es2Trace()) {
+        files.push_back({name, FilledByNames(kMiB, fill, start)});
+    };
+    add("programs", [](Trace& t, std::uint32_t n) { t.Add(2026, t.Gl().Uint(n)); });
+    add("shaders", [](Trace& t, std::uint32_t n) { t.Add(2027, t.Gl().Uint(n).Enum(35633)); });
+    add("textures", [&](Trace& t, std::uint32_t n) {
+        texture(t, n);
+        t.Add(2109, t.Gl().Enum(3553).Enum(10240).Int(9728));
+    });
+    add("buffers", [&](Trace& t, std::uint32_t n) {
+        buffer(t, n);
+        t.Add(2013, t.Gl().Enum(34962).Sizeiptr(4).Data(0, Bytes()).Enum(35044));
+    });
+    add("framebuffers", [](Trace& t, std::uint32_t n) {
+        t.Add(2005, t.Gl().Enum(36160).Uint(n));
+        t.Add(2048, t.Gl().Enum(36160).Enum(36079).Enum(3553).Uint(1).Int(0));
+    });
+    add("vertex arrays",
+        [](Trace& t, std::uint32_t n) { t.Add(5171, t.Gl().Uint(n)).Add(2044, t.Gl().Uint(31)); });
+    add("vertex arrays of ES1", [](Trace& t, std::uint32_t n) {
+        t.Add(4007, t.Ext(0, 1).Uint(n)).Add(3039, t.Gl().Enum(32884));
+    });
+    add(
+        "uniforms",
+        [](Trace& t, std::uint32_t n) {
+            t.Add(2077, t.Gl().Int(static_cast<std::int32_t>(n)).Uint(1).String(1, "u"));
+        },
+        programUsed);
+    add("uniforms of a program each", [](Trace& t, std::uint32_t n) {
+        t.Add(2026, t.Gl().Uint(n)).Add(2077, t.Gl().Int(1).Uint(n).String(1, "u"));
+    });
+    add(
+        "attributes", [](Trace& t, std::uint32_t n) { t.Add(2133, t.Gl().Uint(n).Float(1)); },
+        programUsed);
+    add("bound attributes",
+        [](Trace& t, std::uint32_t n) { t.Add(2003, t.Gl().Uint(n).Uint(1).String(1, "a")); });
+    add("contexts", [](Trace& t, std::uint32_t n) { t.CreateContext(2, n); });
+    add("surfaces", [](Trace& t, std::uint32_t n) { t.CreateWindowSurface(30, 30, n); });
+    add("matrices", [](Trace& t, std::uint32_t n) {
+        t.Add(3001, t.Gl().Enum(33984 + n % 32)).Add(3093, t.Gl().Enum(5890));
+        t.Add(3113, t.Gl());
+    });
+    add(
+        "bytes of a buffer", [&](Trace& t, std::uint32_t n) { putByte(t, n * std::int64_t{1500}); },
+        bufferBound);
+    add(
+        "bytes of a buffer, in a frame each",
+        [&](Trace& t, std::uint32_t n) {
+            putByte(t, n * std::int64_t{1500});
+            t.Add(3084, t.Gl().Fixed(n)).SwapBuffers();
+        },
+        bufferBound);
+    add(
+        "columns of an image",
+        [](Trace& t, std::uint32_t n) {
+            t.Add(2111, t.Gl()
+                            .Enum(3553)
+                            .Int(0)
+                            .Int(n % 4096)
+                            .Int(0)
+                            .Sizei(1)
+                            .Sizei(16384)
+                            .Enum(6409)
+                            .Enum(5121)
+                            .Data(1, Bytes(65536)));
+        },
+        imageBound);
+    return files;
+}
+
 std::vector<SHostileFile> HostileFiles() {
     // Versions before 9 have records that are read without a look at their size.
     const CTraceBuilder old = Es2Trace(8);
     const CRecordBuilder none = old.Plain();
-    std::vector<SHostileFile> files;
+    std::vector<SHostileFile> files = FilesOfState();
     files.push_back({"large calls", Filled(4 * kMiB, {{5149, none}}, old)});
     files.push_back({"usual calls", Filled(4 * kMiB, {{2043, none}})});
     files.push_back({"frames", Filled(4 * kMiB, {{1022, none}}, old)});
-    files.push_back({"programs", FilledByNames(kMiB, 2026)});
     files.push_back({"calls left out", FilledByEdits(4 * kMiB, false)});
     files.push_back({"texts", FilledByEdits(4 * kMiB, true)});
     files.push_back({"claims", FilledByClaims(4 * kMiB), 8});

@@ -38,8 +38,9 @@ public:
     /// Opens a trace. `useMemory`: all records are read now; otherwise the header alone, and the
     /// store streams. An open trace is closed first.
     unsigned OpenTrace(const CKSTLString& name, bool useMemory);
-    /// Whether traces that are opened from now on keep the state that each frame begins with, which
-    /// only seeking needs. They do unless told otherwise; streamed ones never do.
+    /// Whether traces that are opened from now on have their calls applied to the state models,
+    /// which seeking needs and which report images that are updated out of their limits. They do
+    /// unless told otherwise; streamed ones never do.
     void SetTrackState(bool on) { m_trackState = on; }
     /// Reads all records, or while streaming the next one. 0, or what `OpenTrace` gives for a
     /// record that overruns the file. Throws what reading a record throws.
