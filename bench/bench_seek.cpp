@@ -38,17 +38,8 @@ std::vector<std::int64_t> NamesTo(std::uint32_t count) {
 void AddImage(CTraceBuilder& trace, std::uint32_t name, std::uint32_t side = 2) {
     trace.Add(2007, trace.Gl().Enum(3553).Uint(name));
     trace.Add(2106,
-              trace.Gl()
-                  .Enum(3553)
-                  .Int(0)
-                  .Int(6408)
-                  .Sizei(side)
-                  .Sizei(side)
-                  .Int(0)
-                  .Enum(6408)
-                  .Enum(5121)
-                  .Data(0x10, Bytes(std::size_t{side} * side * 4, static_cast<std::uint8_t>(name)))
-                  .Int(4));
+              trace.Image(side, side, 6408,
+                          Bytes(std::size_t{side} * side * 4, static_cast<std::uint8_t>(name))));
 }
 
 void AddBuffer(CTraceBuilder& trace, std::uint32_t name, std::uint32_t size = 48) {
@@ -189,16 +180,9 @@ const SBenchTrace& PartsTrace() {
         AddBuffer(trace, 1, kContents);
         for (std::uint32_t frame = 0; frame < kFramesOfParts; ++frame) {
             const auto value = static_cast<std::uint8_t>(frame);
-            trace.Add(2111, trace.Gl()
-                                .Enum(3553)
-                                .Int(0)
-                                .Int(frame * kPart % kSide)
-                                .Int(frame * kPart / kSide * kPart % kSide)
-                                .Sizei(kPart)
-                                .Sizei(kPart)
-                                .Enum(6408)
-                                .Enum(5121)
-                                .Data(0x10, Bytes(std::size_t{kPart} * kPart * 4, value)));
+            trace.Add(2111, trace.ImagePart(frame * kPart % kSide,
+                                            frame * kPart / kSide * kPart % kSide, kPart, kPart,
+                                            6408, Bytes(std::size_t{kPart} * kPart * 4, value)));
             trace.Add(2014, trace.Gl()
                                 .Enum(34962)
                                 .Intptr(frame * kBytes % kContents)

@@ -101,18 +101,7 @@ std::vector<SBadCase> BadRecords() {
         t.Egl().Surface(9).Display(0x100).Config(77).Attributes({0x3024, 8, 0x3025}));
     add("a record without a payload", 2106, t.Plain());
     add("a draw without a payload", 2041, t.Plain());
-    add("a texture whose pixels are short", 2106,
-        t.Gl()
-            .Enum(3553)
-            .Int(0)
-            .Int(6408)
-            .Sizei(4096)
-            .Sizei(4096)
-            .Int(0)
-            .Enum(6408)
-            .Enum(5121)
-            .Data(0x10, Bytes(4))
-            .Int(4));
+    add("a texture whose pixels are short", 2106, t.Image(4096, 4096, 6408, Bytes(4)));
     return cases;
 }
 

@@ -243,18 +243,7 @@ TEST(CallLine, HiddenParametersPrintToo) {
         {2042, t.Gl().Enum(0).Sizei(3).Enum(5123).Data(0x10, Bytes(6)).Pointer(0x10),
          "glDrawElements  (GL_POINTS , 3 , GL_UNSIGNED_SHORT , ~Data(6 bytes)~ , 0x10 ,  ,  , )" +
              ok},
-        {2106,
-         t.Gl()
-             .Enum(3553)
-             .Int(0)
-             .Int(6408)
-             .Sizei(1)
-             .Sizei(1)
-             .Int(0)
-             .Enum(6408)
-             .Enum(5121)
-             .Data(0x10, Bytes(4))
-             .Int(4),
+        {2106, t.Image(1, 1, 6408, Bytes(4)),
          "glTexImage2D  (GL_TEXTURE_2D , 0 , 6408 , 1 , 1 , 0 , GL_RGBA , GL_UNSIGNED_BYTE , "
          "~Image(4 bytes)~ , 4 , )" +
              ok},

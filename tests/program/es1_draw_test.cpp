@@ -38,14 +38,11 @@ std::string BoundArrayBuffer(unsigned name) {
     return Host("es1.glBindBuffer", 34962, name);
 }
 
-class CEs1Draw : public ::testing::Test {
+class CEs1Draw : public CTraceTest {
 protected:
-    explicit CEs1Draw(std::uint32_t version = 14) : trace(version) { trace.StartUp(1, 300, 300); }
+    explicit CEs1Draw(std::uint32_t version = 14) : CTraceTest(TraceOf(1, version)) {}
 
     void Enable(std::uint32_t array) { trace.Add(3039, trace.Gl().Enum(array)); }
-    void BindBuffer(std::uint32_t target, std::uint32_t name) {
-        trace.Add(3004, trace.Gl().Enum(target).Uint(name));
-    }
     void ColorPointer(std::uint64_t pointer) {
         trace.Add(3022, trace.Gl().Int(4).Enum(bytes).Sizei(40).Pointer(pointer));
     }
@@ -69,10 +66,7 @@ protected:
     /// The host's calls of the first draw, from its first question on, without the search for
     /// extensions.
     Lines DrawCalls(const std::string& from, const std::string& script = {}) {
-        SRunOptions options;
-        options.script = script;
-        const SRunResult run = RunTrace(trace, {}, options);
-        EXPECT_TRUE(run.Ok()) << run.Ending();
+        const SRunResult run = RunScripted(script);
         messages = run.Messages();
         Lines calls;
         for (auto call = std::find(run.calls.begin(), run.calls.end(), from);
@@ -83,13 +77,11 @@ protected:
     }
 
     SRunResult Run() {
-        SRunResult run = RunTrace(trace);
-        EXPECT_TRUE(run.Ok()) << run.Ending();
+        SRunResult run = CTraceTest::Run();
         messages = run.Messages();
         return run;
     }
 
-    CTraceBuilder trace;
     Lines messages;
 };
 
@@ -220,9 +212,9 @@ TEST_F(CEs1Draw, AllFourteenKindsArePointedAtTheirBytesInOrder) {
 TEST_F(COldEs1Draw, ArraysWithoutIndicesGoByPosition) {
     for (std::uint32_t array : {colorArray, normalArray, vertexArray, textureArray}) Enable(array);
     ColorPointer(0x10);
-    BindBuffer(34962, 7);
+    Bind(3004, 34962, 7);
     NormalPointer(0x20);
-    BindBuffer(34962, 0);
+    Bind(3004, 34962, 0);
     VertexPointer(0x30);
     TexCoordPointer(0, 0x40);
     // The normals stand in a buffer and take no array; the texture coordinates find none left.
@@ -272,13 +264,13 @@ TEST_F(CEs1Draw, ADrawWithoutAnyArrayIsToldOfForEachKind) {
 
 TEST_F(CEs1Draw, ArraysInBuffersOfNullOrDisabledAreLeftAlone) {
     for (std::uint32_t array : {colorArray, normalArray}) Enable(array);
-    BindBuffer(34962, 7);
+    Bind(3004, 34962, 7);
     ColorPointer(16);
-    BindBuffer(34962, 0);
+    Bind(3004, 34962, 0);
     NormalPointer(0);
     VertexPointer(0x30);
     TexCoordPointer(0, 0x40);
-    BindBuffer(34962, 7);
+    Bind(3004, 34962, 7);
     trace.Add(3036, Arrays().ClientArray(0, 0x10, Bytes(4)).ClientArray(6, 0x10, Bytes(4)));
     const Lines setters = Run().CallsOf({"es1.glColorPointer", "es1.glNormalPointer",
                                          "es1.glVertexPointer", "es1.glTexCoordPointer"});
@@ -296,7 +288,7 @@ TEST_F(CEs1Draw, IndicesComeFromTheRecordOrTheBoundBuffer) {
     Enable(vertexArray);
     VertexPointer(0x30);
     trace.Add(3037, Elements({0, 1}, 0x70).ClientArray(2, 0x10, Bytes(24, 0x22)));
-    BindBuffer(34963, 5);
+    Bind(3004, 34963, 5);
     trace.Add(3037, Elements({}, 6).ClientArray(2, 0x10, Bytes(24, 0x22)));
     const SRunResult run = Run();
     EXPECT_EQ(run.CallsOf({"es1.glDrawElements"}),

@@ -9,30 +9,13 @@ constexpr unsigned arrayBuffer = 34962;
 constexpr unsigned texture2D = 3553;
 constexpr unsigned floats = 5126;
 
-class CEs1 : public ::testing::Test {
+class CEs1 : public CTraceTest {
 protected:
-    CEs1() { trace.StartUp(1, 300, 300); }
+    CEs1() : CTraceTest(TraceOf(1)) {}
 
-    void Bind(std::uint16_t id, std::uint32_t target, std::uint32_t name) {
-        trace.Add(id, trace.Gl().Enum(target).Uint(name));
-    }
-    void List(std::uint16_t id, const std::vector<std::int64_t>& names) {
-        trace.Add(id, trace.Gl()
-                          .Sizei(static_cast<std::int64_t>(names.size()))
-                          .Array(tag::Uint, 0x10, names));
-    }
     void Clear() { trace.Add(3009, trace.Gl().Bitfield(1)); }
     void VertexPointer() { trace.Add(3143, trace.Gl().Int(3).Enum(floats).Sizei(12).Pointer(64)); }
     void PointSizePointer() { trace.Add(3145, trace.Gl().Enum(floats).Sizei(4).Pointer(16)); }
-    SRunResult Run(const std::string& script = {}) const {
-        SRunOptions options;
-        options.script = script;
-        SRunResult run = RunTrace(trace, {}, options);
-        EXPECT_TRUE(run.Ok()) << run.Ending();
-        return run;
-    }
-
-    CTraceBuilder trace;
 };
 
 const std::string unchecked = "es1.glGetError() = 0";
@@ -97,7 +80,7 @@ TEST_F(CEs1, ADriversErrorHasNoWordsOfItsOwn) {
     trace.Add(3058, trace.Gl().Enum(3379).Array(tag::Int, 0x10, {1}));
     Clear();
     Clear();
-    const SRunResult run = Run("glGetError 1 0x502\n");
+    const SRunResult run = RunScripted("glGetError 1 0x502\n");
     EXPECT_EQ(run.Messages(), (Lines{message + "Error call:glClear 3009",
                                      error + "PlayCall Error: Unrecognized/Error call"}));
     EXPECT_EQ(run.CallsOf({"es1.glGetIntegerv", "es1.glClear", "es1.glGetError"}),
@@ -108,18 +91,10 @@ TEST_F(CEs1, ADriversErrorHasNoWordsOfItsOwn) {
 TEST_F(CEs1, SomeCallsDrainTheErrorsBeforeThem) {
     VertexPointer();
     trace.Add(3022, trace.Gl().Int(4).Enum(5121).Sizei(4).Pointer(8));
-    trace.Add(3140, trace.Gl()
-                        .Enum(texture2D)
-                        .Int(0)
-                        .Int(1)
-                        .Int(2)
-                        .Sizei(1)
-                        .Sizei(1)
-                        .Enum(6408)
-                        .Enum(5121)
-                        .Data(0x10, Bytes{1, 2, 3, 4}));
+    trace.Add(3140, trace.ImagePart(1, 2, 1, 1, 6408, Bytes{1, 2, 3, 4}));
     // Of both looks around glVertexPointer, and of the one before glTexSubImage2D, nothing comes.
-    const SRunResult run = Run("glGetError 1 0x500\nglGetError 2 0x501\nglGetError 5 0x505\n");
+    const SRunResult run =
+        RunScripted("glGetError 1 0x500\nglGetError 2 0x501\nglGetError 5 0x505\n");
     EXPECT_TRUE(run.Messages().empty()) << run.out;
     EXPECT_EQ(
         run.CallsOf(

@@ -8,16 +8,16 @@ namespace {
 constexpr std::uint32_t floats = 5126;
 
 /// A trace with attributes 0 and 1 as enabled client arrays of one float each.
-class CDraw : public ::testing::Test {
+class CDraw : public CTraceTest {
 protected:
-    explicit CDraw(std::uint32_t version = 14) : trace(Es2Trace(version)) {
+    explicit CDraw(std::uint32_t version = 14) : CTraceTest(Es2Trace(version)) {
         for (std::uint32_t index : {0U, 1U}) {
             Enable(index);
             Point(index, 0xAB00 + index);
         }
     }
 
-    void Enable(std::uint32_t index) { trace.Add(2044, trace.Gl().Uint(index)); }
+    void Enable(std::uint32_t index) { One(2044, index); }
     void Point(std::uint32_t index, std::uint64_t pointer) {
         trace.Add(2141, trace.Gl().Uint(index).Int(1).Enum(floats).Boolean(true).Sizei(40).Pointer(
                             pointer));
@@ -26,16 +26,6 @@ protected:
     CRecordBuilder Elements(const Bytes& indices, std::uint64_t offset) const {
         return trace.Gl().Enum(4).Sizei(2).Enum(5121).Data(offset, indices).Pointer(offset);
     }
-    void BindBuffer(std::uint32_t target, std::uint32_t name) {
-        trace.Add(2004, trace.Gl().Enum(target).Uint(name));
-    }
-    SRunResult Run() const {
-        SRunResult run = RunTrace(trace);
-        EXPECT_TRUE(run.Ok()) << run.Ending();
-        return run;
-    }
-
-    CTraceBuilder trace;
 };
 
 class COldDraw : public CDraw {
@@ -129,11 +119,11 @@ TEST_F(CDraw, OnlyArraysThatTheHostReadsHaveToReach) {
 }
 
 TEST_F(CDraw, ArraysInBuffersAndNullPointersAreLeftAlone) {
-    BindBuffer(34962, 7);
+    Bind(2004, 34962, 7);
     Point(0, 16);
-    BindBuffer(34962, 0);
+    Bind(2004, 34962, 0);
     Point(1, 0);
-    BindBuffer(34962, 7);
+    Bind(2004, 34962, 7);
     trace.Add(2041, Arrays());
     const SRunResult run = Run();
     EXPECT_TRUE(run.Messages().empty()) << run.out;
@@ -171,7 +161,7 @@ TEST_F(CDraw, IndicesComeFromTheRecordOrTheBoundBuffer) {
         return record.ClientArray(0, 0x10, Bytes(12, 0x11)).ClientArray(1, 0x10, Bytes(12, 0x22));
     };
     trace.Add(2042, arrays(Elements({2, 0}, 0x70)));
-    BindBuffer(34963, 5);
+    Bind(2004, 34963, 5);
     trace.Add(2042, arrays(Elements({}, 6)));
     const SRunResult run = Run();
     const std::string bytes =

@@ -8,34 +8,20 @@ constexpr unsigned texture2D = 3553;
 constexpr unsigned vertexShader = 35633;
 constexpr unsigned fragmentShader = 35632;
 
-class CNames : public ::testing::Test {
+class CNames : public CTraceTest {
 protected:
-    CNames() : trace(Es2Trace()) {}
+    CNames() : CTraceTest(Es2Trace()) {}
 
-    void One(std::uint16_t id, std::uint32_t name) { trace.Add(id, trace.Gl().Uint(name)); }
-    void Two(std::uint16_t id, std::uint32_t first, std::uint32_t second) {
-        trace.Add(id, trace.Gl().Uint(first).Uint(second));
-    }
-    void Bind(std::uint16_t id, std::uint32_t target, std::uint32_t name) {
-        trace.Add(id, trace.Gl().Enum(target).Uint(name));
-    }
-    void List(std::uint16_t id, const std::vector<std::int64_t>& names) {
-        trace.Add(id, trace.Gl()
-                          .Sizei(static_cast<std::int64_t>(names.size()))
-                          .Array(tag::Uint, 0x10, names));
-    }
     void CreateShader(std::uint32_t name, std::uint32_t type) {
         trace.Add(2027, trace.Gl().Uint(name).Enum(type));
     }
     void CreateProgram(std::uint32_t name) { trace.Add(2026, trace.Gl().Uint(name)); }
     void Expect(const Lines& expected) {
-        const SRunResult run = RunTrace(trace);
-        EXPECT_TRUE(run.Ok()) << run.Ending();
+        const SRunResult run = Run();
         EXPECT_EQ(run.GlCalls(), expected) << run.out;
         messages = run.Messages();
     }
 
-    CTraceBuilder trace;
     Lines messages;
 };
 

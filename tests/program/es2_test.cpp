@@ -128,17 +128,7 @@ TEST(Es2, BuffersAndImagesKeepNullAndOffsets) {
 TEST(Es2, TheRecordedAlignmentIsAppliedBeforeAnImage) {
     CTraceBuilder trace = Es2Trace();
     const auto image = [&](std::int64_t alignment) {
-        trace.Add(2106, trace.Gl()
-                            .Enum(3553)
-                            .Int(0)
-                            .Int(6407)
-                            .Sizei(1)
-                            .Sizei(2)
-                            .Int(0)
-                            .Enum(6407)
-                            .Enum(5121)
-                            .Data(0x10, Bytes(8, 1))
-                            .Int(alignment));
+        trace.Add(2106, trace.Image(1, 2, 6407, Bytes(8, 1), alignment));
     };
     trace.Add(2091, trace.Gl().Enum(3317).Int(2));
     image(2);

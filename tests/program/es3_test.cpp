@@ -14,22 +14,10 @@ constexpr unsigned floats = 5126;
 const std::string unchecked = "glGetError() = 0";
 const std::string failed = error + "PlayCall Error: Unrecognized/Error call";
 
-class CEs3 : public ::testing::Test {
+class CEs3 : public CTraceTest {
 protected:
-    CEs3() { trace.StartUp(3, 300, 300); }
+    CEs3() : CTraceTest(TraceOf(3)) {}
 
-    void One(std::uint16_t id, std::uint32_t name) { trace.Add(id, trace.Gl().Uint(name)); }
-    void Two(std::uint16_t id, std::uint32_t first, std::uint32_t second) {
-        trace.Add(id, trace.Gl().Uint(first).Uint(second));
-    }
-    void List(std::uint16_t id, const std::vector<std::int64_t>& names) {
-        trace.Add(id, trace.Gl()
-                          .Sizei(static_cast<std::int64_t>(names.size()))
-                          .Array(tag::Uint, 0x10, names));
-    }
-    void Bind(std::uint32_t target, std::uint32_t name) {
-        trace.Add(2004, trace.Gl().Enum(target).Uint(name));
-    }
     void Fence(std::uint32_t recorded) {
         trace.Add(5213, trace.Gl().Pointer(recorded).Enum(fence).Bitfield(0));
     }
@@ -57,15 +45,6 @@ protected:
         trace.Add(2141, trace.Gl().Uint(index).Int(1).Enum(floats).Boolean(false).Sizei(8).Pointer(
                             0xAB00));
     }
-    SRunResult Run(const Lines& arguments = {}, const std::string& script = {}) const {
-        SRunOptions options;
-        options.script = script;
-        SRunResult run = RunTrace(trace, arguments, options);
-        EXPECT_TRUE(run.Ok()) << run.Ending();
-        return run;
-    }
-
-    CTraceBuilder trace;
 };
 
 TEST_F(CEs3, ARecordedErrorFailsBeforeTheContextIsLookedAt) {
@@ -97,7 +76,7 @@ TEST_F(CEs3, TheDefaultFramebufferIsReadWithoutAWord) {
 TEST_F(CEs3, ADriversErrorIsToldInTheWordsOfEs2) {
     ReadBuffer();
     trace.Add(5153, trace.Gl().Enum(35887).Uint(4));
-    const SRunResult run = Run({}, "glGetError * 0x502\n");
+    const SRunResult run = RunScripted("glGetError * 0x502\n");
     EXPECT_EQ(run.Messages(), (Lines{message + "OGLES2 Error Code: 0x502, Call= glReadBuffer",
                                      message + "Error call:glReadBuffer 5143", failed,
                                      message + "OGLES2 Error Code: 0x502, Call= glBeginQuery",
@@ -209,7 +188,7 @@ TEST_F(CEs3, IndexedDrawsTakeTheirRecordedIndices) {
 }
 
 TEST_F(CEs3, IndexedDrawsTakeTheOffsetIntoABoundBuffer) {
-    Bind(elementBuffer, 5);
+    Bind(2004, elementBuffer, 5);
     RangeElements({}, 6);
     InstancedElements({}, 0, 10);
     const SRunResult run = Run();
@@ -222,7 +201,7 @@ TEST_F(CEs3, IndexedDrawsTakeTheOffsetIntoABoundBuffer) {
 TEST_F(CEs3, IndexedDrawsLookForClientArraysAsEs2Does) {
     ClientArray(0);
     ClientArray(1);
-    Bind(arrayBuffer, 7);
+    Bind(2004, arrayBuffer, 7);
     RangeElements({3, 1}, 0x70);
     InstancedElements({2, 1}, 0x70, 0x70);
     const SRunResult run = Run();
@@ -281,13 +260,13 @@ TEST_F(CEs3, TheRestartIndexIsNoVertex) {
     draw();
     trace.Add(2043, trace.Gl().Enum(0x8D69));
     draw();
-    const SRunResult run = Run({}, "glIsEnabled * 1\n");
+    const SRunResult run = RunScripted("glIsEnabled * 1\n");
     EXPECT_EQ(run.CallsOf({"glDrawElements", "glIsEnabled"}).size(), 2U);
     EXPECT_EQ(run.Messages(), (Lines{message + "Error call:glDrawElements 2042", failed}));
 }
 
 TEST_F(CEs3, NothingIsWrittenBehindAMappedRange) {
-    Bind(arrayBuffer, 7);
+    Bind(2004, arrayBuffer, 7);
     trace.Add(2013, trace.Gl().Enum(arrayBuffer).Sizeiptr(64).Data(0, Bytes()).Enum(35044));
     const auto mapAndUnmap = [&](std::uint32_t access, const Bytes& written) {
         trace.Add(
@@ -312,7 +291,7 @@ TEST_F(CEs3, IndexedDrawsCorrectTheViewport) {
     RangeElements({0, 0}, 0x70);
     InstancedElements({0, 0}, 0x70, 0x70);
     const SRunResult run =
-        Run({}, "eglQuerySurface:EGL_WIDTH * 400\neglQuerySurface:EGL_HEIGHT * 400\n");
+        RunScripted("eglQuerySurface:EGL_WIDTH * 400\neglQuerySurface:EGL_HEIGHT * 400\n");
     EXPECT_EQ(run.CallsOf({"glViewport", "glDrawArraysInstanced", "glDrawRangeElements",
                            "glDrawElementsInstanced"}),
               (Lines{Host("glViewport", 10, 10, 100, 100),

@@ -17,9 +17,9 @@ Lines Missing(const std::string& entry) {
             ""};
 }
 
-class CExt : public ::testing::Test {
+class CExt : public CTraceTest {
 protected:
-    CExt() : trace(Es2Trace()) {}
+    CExt() : CTraceTest(Es2Trace()) {}
 
     void One(std::uint16_t id, std::uint8_t api, std::uint32_t value) {
         trace.Add(id, trace.Ext(0, api).Uint(value));
@@ -52,15 +52,6 @@ protected:
     void Unmap(std::uint8_t api, const Bytes& written, std::uint64_t pointer = 0x99) {
         trace.Add(4005, trace.Ext(0, api).Boolean(true).Enum(arrayBuffer).Data(pointer, written));
     }
-    SRunResult Run(const std::string& script = {}) const {
-        SRunOptions options;
-        options.script = script;
-        SRunResult run = RunTrace(trace, {}, options);
-        EXPECT_TRUE(run.Ok()) << run.Ending();
-        return run;
-    }
-
-    CTraceBuilder trace;
 };
 
 Lines Fetched(const std::string& asked, const Lines& entries) {
@@ -133,7 +124,7 @@ TEST_F(CExt, ExtensionsAreFoundAsWholeWords) {
     };
     const std::string played = Host("glGenerateMipmapOES", 3553);
     for (const auto& one : cases) {
-        const SRunResult run = Run("glGetString * " + one.list + "\n");
+        const SRunResult run = RunScripted("glGetString * " + one.list + "\n");
         EXPECT_EQ(run.CallsOf({"glGenerateMipmapOES"}), one.found ? Lines{played} : Lines{})
             << one.list;
         EXPECT_EQ(run.Messages(), one.found ? Lines{} : Missing("glGenerateMipmapOES")) << one.list;
@@ -144,7 +135,7 @@ TEST_F(CExt, WithoutAListTheNextCallAsksAgain) {
     GenerateMipmap();
     GenerateMipmap();
     GenerateMipmap();
-    const SRunResult run = Run("glGetString 1 null\n");
+    const SRunResult run = RunScripted("glGetString 1 null\n");
     EXPECT_EQ(run.CallsOf({"es1.glGetString", "glGenerateMipmapOES"}),
               (Lines{Host("es1.glGetString", 7939), Host("es1.glGetString", 7939),
                      Host("glGenerateMipmapOES", 3553), Host("glGenerateMipmapOES", 3553)}));
@@ -223,7 +214,7 @@ TEST_F(CExt, TheRecordedApiChoosesTheTableAndTheCheck) {
 TEST_F(CExt, ADriversErrorHasNoWordsOfItsOwn) {
     One(4007, 1, 0);
     One(4007, 2, 0);
-    EXPECT_EQ(Run("glGetError 1 0x502\n").Messages(),
+    EXPECT_EQ(RunScripted("glGetError 1 0x502\n").Messages(),
               (Lines{message + "Error call:glBindVertexArrayOES 4007", failed}));
 }
 

@@ -83,17 +83,7 @@ std::vector<SHostileFile> FilesOfState() {
                     bufferBound.Gl().Enum(34962).Sizeiptr(64 * kMiB).Data(0, Bytes()).Enum(35044));
     Trace imageBound = Es2Trace();
     texture(imageBound, 1);
-    imageBound.Add(2106, imageBound.Gl()
-                             .Enum(3553)
-                             .Int(0)
-                             .Int(6409)
-                             .Sizei(4096)
-                             .Sizei(16384)
-                             .Int(0)
-                             .Enum(6409)
-                             .Enum(5121)
-                             .Data(0)
-                             .Int(1));
+    imageBound.Add(2106, imageBound.Image(4096, 16384, 6409, {}, 1));
     Trace programUsed = Es2Trace();
     programUsed.Add(2026, programUsed.Gl().Uint(1)).Add(2131, programUsed.Gl().Uint(1));
 
@@ -153,16 +143,7 @@ std::vector<SHostileFile> FilesOfState() {
     add(
         "columns of an image",
         [](Trace& t, std::uint32_t n) {
-            t.Add(2111, t.Gl()
-                            .Enum(3553)
-                            .Int(0)
-                            .Int(n % 4096)
-                            .Int(0)
-                            .Sizei(1)
-                            .Sizei(16384)
-                            .Enum(6409)
-                            .Enum(5121)
-                            .Data(1, Bytes(65536)));
+            t.Add(2111, t.ImagePart(n % 4096, 0, 1, 16384, 6409, Bytes(65536)));
         },
         imageBound);
     return files;

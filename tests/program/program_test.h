@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <string>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "tests/support/program_run.h"
@@ -36,13 +37,46 @@ std::string Host(const std::string& entry, const Values&... values) {
     return line + ")";
 }
 
-/// A trace that has an ES 2 context current on a window of the size that the stand-in reports, so
+/// A trace that has a context current on a window of the size that the stand-in reports, so
 /// that no viewport is corrected.
-inline CTraceBuilder Es2Trace(std::uint32_t version = 14) {
+inline CTraceBuilder TraceOf(int clientVersion, std::uint32_t version = 14) {
     CTraceBuilder trace(version);
-    trace.StartUp(2, 300, 300);
+    trace.StartUp(clientVersion, 300, 300);
     return trace;
 }
+inline CTraceBuilder Es2Trace(std::uint32_t version = 14) {
+    return TraceOf(2, version);
+}
+
+/// A trace in the making, with short forms of the records that many calls have.
+class CTraceTest : public ::testing::Test {
+protected:
+    explicit CTraceTest(CTraceBuilder begun) : trace(std::move(begun)) {}
+
+    void One(std::uint16_t id, std::uint32_t name) { trace.Add(id, trace.Gl().Uint(name)); }
+    void Two(std::uint16_t id, std::uint32_t first, std::uint32_t second) {
+        trace.Add(id, trace.Gl().Uint(first).Uint(second));
+    }
+    void Bind(std::uint16_t id, std::uint32_t target, std::uint32_t name) {
+        trace.Add(id, trace.Gl().Enum(target).Uint(name));
+    }
+    void List(std::uint16_t id, const std::vector<std::int64_t>& names) {
+        const auto count = static_cast<std::int64_t>(names.size());
+        trace.Add(id, trace.Gl().Sizei(count).Array(tag::Uint, 0x10, names));
+    }
+    SRunResult Run(const Lines& arguments = {}, const SRunOptions& options = {}) const {
+        SRunResult run = RunTrace(trace, arguments, options);
+        EXPECT_TRUE(run.Ok()) << run.Ending();
+        return run;
+    }
+    SRunResult RunScripted(const std::string& script) const {
+        SRunOptions options;
+        options.script = script;
+        return Run({}, options);
+    }
+
+    CTraceBuilder trace;
+};
 
 inline const std::string message = "KESTRAIL(M) ";
 inline const std::string error = "KESTRAIL(W) ERROR: ";

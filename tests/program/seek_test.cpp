@@ -25,8 +25,10 @@ std::string EntryOf(const std::string& line) {
 }
 
 /// A trace whose frames draw with a mark of their own, so that the log tells them apart.
-class CSeek : public ::testing::Test {
+class CSeek : public CTraceTest {
 protected:
+    CSeek() : CTraceTest(Es2Trace()) {}
+
     void Draw(unsigned mark) { trace.Add(2041, trace.Gl().Enum(4).Int(mark).Sizei(3)); }
     void Frame(unsigned mark) {
         Draw(mark);
@@ -36,31 +38,13 @@ protected:
     void FramesTo(unsigned last) {
         for (; m_next <= last; ++m_next) Frame(m_next);
     }
-    void Names(std::uint16_t id, const std::vector<std::int64_t>& names) {
-        trace.Add(id, trace.Gl()
-                          .Sizei(static_cast<std::int64_t>(names.size()))
-                          .Array(tag::Uint, 0x10, names));
-    }
-    void Bind(std::uint16_t id, std::uint32_t target, std::uint32_t name) {
-        trace.Add(id, trace.Gl().Enum(target).Uint(name));
-    }
     void Texture(std::uint32_t name) {
-        Names(2054, {name});
+        List(2054, {name});
         Bind(2007, texture2D, name);
-        trace.Add(2106, trace.Gl()
-                            .Enum(texture2D)
-                            .Int(0)
-                            .Int(6408)
-                            .Sizei(1)
-                            .Sizei(1)
-                            .Int(0)
-                            .Enum(6408)
-                            .Enum(5121)
-                            .Data(0x10, Bytes(4, static_cast<std::uint8_t>(name)))
-                            .Int(4));
+        trace.Add(2106, trace.Image(1, 1, 6408, Bytes(4, static_cast<std::uint8_t>(name))));
     }
     void Buffer(std::uint32_t name) {
-        Names(2050, {name});
+        List(2050, {name});
         Bind(2004, arrayBuffer, name);
         trace.Add(2013, trace.Gl()
                             .Enum(arrayBuffer)
@@ -88,18 +72,11 @@ protected:
         trace.Add(2131, trace.Gl().Uint(name));
     }
     void Framebuffer(std::uint32_t name, std::uint32_t texture) {
-        Names(2052, {name});
+        List(2052, {name});
         Bind(2005, 36160, name);
         trace.Add(2048, trace.Gl().Enum(36160).Enum(36064).Enum(texture2D).Uint(texture).Int(0));
         Bind(2005, 36160, 0);
     }
-    SRunResult Run(const Lines& arguments, const SRunOptions& options = {}) const {
-        SRunResult run = RunTrace(trace, arguments, options);
-        EXPECT_TRUE(run.Ok()) << run.Ending();
-        return run;
-    }
-
-    CTraceBuilder trace = Es2Trace();
     unsigned m_next = 1;
 };
 
@@ -441,7 +418,7 @@ TEST_F(CSeek, ObjectsThatTheFrameLacksGo) {
     Program(43);
     Framebuffer(70, 51);
     Framebuffer(71, 52);
-    Names(2053, {80});
+    List(2053, {80});
     Bind(2006, 36161, 80);
     trace.Add(2095, trace.Gl().Enum(36161).Enum(33189).Sizei(4).Sizei(4));
     FramesTo(5);
@@ -484,20 +461,10 @@ TEST_F(CSeek, GoingBackBringsDeletedObjectsAndOldContentsBack) {
     FramesTo(2);
     // Frame 3 gives both new contents, frame 4 deletes them.
     Bind(2007, texture2D, 50);
-    trace.Add(2106, trace.Gl()
-                        .Enum(texture2D)
-                        .Int(0)
-                        .Int(6408)
-                        .Sizei(1)
-                        .Sizei(1)
-                        .Int(0)
-                        .Enum(6408)
-                        .Enum(5121)
-                        .Data(0x10, Bytes(4, 0xEE))
-                        .Int(4));
+    trace.Add(2106, trace.Image(1, 1, 6408, Bytes(4, 0xEE)));
     FramesTo(3);
-    Names(2031, {50});
-    Names(2029, {60});
+    List(2031, {50});
+    List(2029, {60});
     FramesTo(5);
     ASSERT_EQ(RandomFrames(5, 2), (std::vector<unsigned>{4, 2}));
     const SRunResult run = Run({"--random", "--iterations=3"});

@@ -226,6 +226,19 @@ CRecordBuilder CTraceBuilder::Ext(std::uint32_t error, std::uint8_t api) const {
     return Plain().Enum(error).Ubyte(api);
 }
 
+CRecordBuilder CTraceBuilder::Image(std::int64_t width, std::int64_t height, std::uint32_t format,
+                                    const Bytes& pixels, std::int64_t alignment) const {
+    CRecordBuilder record = Gl().Enum(3553).Int(0).Int(format).Sizei(width).Sizei(height).Int(0);
+    return record.Enum(format).Enum(5121).Data(pixels.empty() ? 0 : 0x10, pixels).Int(alignment);
+}
+
+CRecordBuilder CTraceBuilder::ImagePart(std::int64_t x, std::int64_t y, std::int64_t width,
+                                        std::int64_t height, std::uint32_t format,
+                                        const Bytes& pixels) const {
+    CRecordBuilder record = Gl().Enum(3553).Int(0).Int(x).Int(y).Sizei(width).Sizei(height);
+    return record.Enum(format).Enum(5121).Data(pixels.empty() ? 0 : 0x10, pixels);
+}
+
 CTraceBuilder& CTraceBuilder::Add(std::uint16_t id, const CRecordBuilder& record) {
     return AddSized(Low32(record.Content().size()), id, record.Content());
 }

@@ -163,6 +163,13 @@ public:
     CRecordBuilder Ext(std::uint32_t error = 0, std::uint8_t api = 2) const;
     CRecordBuilder Plain() const;
 
+    /// The values of a glTexImage2D or glTexSubImage2D of bytes, at level 0 of GL_TEXTURE_2D; the
+    /// pointer is null without any.
+    CRecordBuilder Image(std::int64_t width, std::int64_t height, std::uint32_t format,
+                         const Bytes& pixels, std::int64_t alignment = 4) const;
+    CRecordBuilder ImagePart(std::int64_t x, std::int64_t y, std::int64_t width,
+                             std::int64_t height, std::uint32_t format, const Bytes& pixels) const;
+
     CTraceBuilder& Add(std::uint16_t id, const CRecordBuilder& record);
     /// A record whose size field may lie.
     CTraceBuilder& AddSized(std::uint32_t size, std::uint16_t id, const Bytes& payload);

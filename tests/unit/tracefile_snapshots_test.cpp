@@ -256,29 +256,10 @@ TEST_F(Snapshots, OfPartsKeepTheirContentsAndPrintNothing) {
     constexpr std::uint16_t kTexSubImage = 2111;
     CTraceBuilder trace;
     trace.StartUp(2, 300, 300).Add(kBindTexture, trace.Gl().Enum(3553).Uint(7));
-    trace.Add(kTexImage, trace.Gl()
-                             .Enum(3553)
-                             .Int(0)
-                             .Int(6408)
-                             .Sizei(2)
-                             .Sizei(1)
-                             .Int(0)
-                             .Enum(6408)
-                             .Enum(5121)
-                             .Data(1, Bytes(8, 3))
-                             .Int(4));
+    trace.Add(kTexImage, trace.Image(2, 1, 6408, Bytes(8, 3)));
     trace.SwapBuffers();
     for (const std::uint32_t width : {1U, 3U}) {
-        trace.Add(kTexSubImage, trace.Gl()
-                                    .Enum(3553)
-                                    .Int(0)
-                                    .Int(0)
-                                    .Int(0)
-                                    .Sizei(width)
-                                    .Sizei(1)
-                                    .Enum(6408)
-                                    .Enum(5121)
-                                    .Data(1, Bytes(12, 5)));
+        trace.Add(kTexSubImage, trace.ImagePart(0, 0, width, 1, 6408, Bytes(12, 5)));
         trace.SwapBuffers();
     }
     trace.SwapBuffers();
