@@ -44,6 +44,19 @@ struct SFittedPart {
     CSharedBytes::Made converted;  ///< where the rows stand, unless in the call
 };
 
+/// What a glTexImage2D or glTexImage3D sets of an image of a record.
+template <typename Image, typename Call>
+void SetWholeImage(Image& image, const Call& call, std::int32_t alignment) {
+    image.format = call.format.GetValue();
+    image.internalFormat = call.internalformat.GetValue();
+    image.width = call.width.GetValue();
+    image.height = call.height.GetValue();
+    image.type = call.type.GetValue();
+    image.unpackAlignment = alignment;
+    image.border = call.border.GetValue();
+    image.data = CSharedBytes::Borrow(call.pixels.GetData(), call.pixels.GetSize());
+}
+
 /// Makes a part ready for an image. False for a rectangle that reaches out of it (larger than the
 /// image: with a message), for fewer bytes than a host reads, with which no call is played, and for
 /// formats that don't convert.

@@ -41,6 +41,21 @@ SMatrix TransposedFromFixed(const std::array<SWrapped, 16>& m) {
     return Transposed(matrix);
 }
 
+/// The volume that a projection in fixed point sees.
+struct SFixedVolume {
+    SFixedVolume(std::int32_t l, std::int32_t r, std::int32_t b, std::int32_t t, std::int32_t n,
+                 std::int32_t f)
+        : left{l}, right{r}, bottom{b}, top{t}, near{n}, far{f} {}
+
+    /// Without an extent in some direction it has no matrix.
+    bool IsEmpty() const { return width.value == 0 || height.value == 0 || depth.value == 0; }
+
+    SWrapped left, right, bottom, top, near, far;
+    SWrapped width = right - left;
+    SWrapped height = top - bottom;
+    SWrapped depth = far - near;
+};
+
 }  // namespace
 
 SMatrix Product(const SMatrix& a, const SMatrix& b) {
@@ -151,36 +166,30 @@ SMatrix OrthoMatrix(float l, float r, float b, float t, float n, float f) {
 
 std::optional<SMatrix> FrustumMatrixFixed(std::int32_t l, std::int32_t r, std::int32_t b,
                                           std::int32_t t, std::int32_t n, std::int32_t f) {
-    const SWrapped left{l}, right{r}, bottom{b}, top{t}, near{n}, far{f};
-    const SWrapped width = right - left;
-    const SWrapped height = top - bottom;
-    const SWrapped depth = far - near;
-    if (width.value == 0 || height.value == 0 || depth.value == 0) return std::nullopt;
+    const SFixedVolume v(l, r, b, t, n, f);
+    if (v.IsEmpty()) return std::nullopt;
     std::array<SWrapped, 16> m{};
-    m[0] = SWrapped{2} * near / width;
-    m[2] = (right + left) / width;
-    m[5] = SWrapped{2} * near / height;
-    m[6] = (top + bottom) / height;
-    m[10] = -(far + near) / depth;
-    m[11] = SWrapped{-2} * far * near / depth;
+    m[0] = SWrapped{2} * v.near / v.width;
+    m[2] = (v.right + v.left) / v.width;
+    m[5] = SWrapped{2} * v.near / v.height;
+    m[6] = (v.top + v.bottom) / v.height;
+    m[10] = -(v.far + v.near) / v.depth;
+    m[11] = SWrapped{-2} * v.far * v.near / v.depth;
     m[14] = SWrapped{-1};
     return TransposedFromFixed(m);
 }
 
 std::optional<SMatrix> OrthoMatrixFixed(std::int32_t l, std::int32_t r, std::int32_t b,
                                         std::int32_t t, std::int32_t n, std::int32_t f) {
-    const SWrapped left{l}, right{r}, bottom{b}, top{t}, near{n}, far{f};
-    const SWrapped width = right - left;
-    const SWrapped height = top - bottom;
-    const SWrapped depth = far - near;
-    if (width.value == 0 || height.value == 0 || depth.value == 0) return std::nullopt;
+    const SFixedVolume v(l, r, b, t, n, f);
+    if (v.IsEmpty()) return std::nullopt;
     std::array<SWrapped, 16> m{};
-    m[0] = SWrapped{2} / width;
-    m[3] = -(right + left) / width;
-    m[5] = SWrapped{2} / height;
-    m[7] = -(top + bottom) / height;
-    m[10] = SWrapped{-2} / depth;
-    m[11] = -(far + near) / depth;
+    m[0] = SWrapped{2} / v.width;
+    m[3] = -(v.right + v.left) / v.width;
+    m[5] = SWrapped{2} / v.height;
+    m[7] = -(v.top + v.bottom) / v.height;
+    m[10] = SWrapped{-2} / v.depth;
+    m[11] = -(v.far + v.near) / v.depth;
     m[15] = SWrapped{1};
     return TransposedFromFixed(m);
 }

@@ -164,14 +164,7 @@ bool CEs1_glTexImage2D_v1::UpdateState(CEs1State& state) {
     if (bound == nullptr || level.GetValue() < 0) return false;
     // An image that is there already hands its parameters on.
     STextureImage1State& image = WriteNamedImage(state, *bound, level.GetValue());
-    image.internalFormat = internalformat.GetValue();
-    image.width = width.GetValue();
-    image.height = height.GetValue();
-    image.border = border.GetValue();
-    image.format = format.GetValue();
-    image.type = type.GetValue();
-    image.unpackAlignment = alignment.GetValue();
-    image.data = CSharedBytes::Borrow(pixels.GetData(), pixels.GetSize());
+    SetWholeImage(image, *this, alignment.GetValue());
     image.imageSize = LayoutSize(image);
     image.compressed = 0;
     return true;

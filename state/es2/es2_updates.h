@@ -4,7 +4,6 @@
 
 #include <cstdint>
 
-#include "calls/model/data_values.h"
 #include "state/es2/es2_state.h"
 #include "state/sub_image.h"
 
@@ -30,10 +29,6 @@ bool UpdateSubImage(CEs2State& state, const SImagePlace& place, std::uint32_t le
 
 /// The bytes that the image's layout takes, at most all ones.
 std::uint64_t LayoutSize(const STextureImageState& image);
-/// The captured bytes of a call, for as long as the call lives.
-inline CSharedBytes Captured(const SBlock& block) {
-    return CSharedBytes::Borrow(block.GetData(), block.GetSize());
-}
 
 /// Gives the bound renderbuffer its storage. False when none is bound.
 bool SetRenderbufferStorage(CEs2State& state, std::uint32_t internalFormat, std::int32_t width,

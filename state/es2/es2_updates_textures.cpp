@@ -173,14 +173,7 @@ bool CEs2_glTexImage2D_v1::UpdateState(CEs2State& state) {
     STextureImageState image;
     image.target = target.GetValue();
     image.level = level.GetValue();
-    image.data = Captured(pixels);
-    image.format = format.GetValue();
-    image.internalFormat = internalformat.GetValue();
-    image.width = width.GetValue();
-    image.height = height.GetValue();
-    image.type = type.GetValue();
-    image.unpackAlignment = alignment.GetValue();
-    image.border = border.GetValue();
+    SetWholeImage(image, *this, alignment.GetValue());
     return ReplaceImage(state, place, image);
 }
 
@@ -190,7 +183,7 @@ bool CEs2_glCompressedTexImage2D_v1::UpdateState(CEs2State& state) {
     STextureImageState image;
     image.target = target.GetValue();
     image.level = level.GetValue();
-    image.data = Captured(data);
+    image.data = CSharedBytes::Borrow(data.GetData(), data.GetSize());
     image.format = internalformat.GetValue();
     image.internalFormat = static_cast<std::int32_t>(internalformat.GetValue());
     image.width = width.GetValue();

@@ -26,14 +26,7 @@ bool CEs3_glTexImage3D_v1::UpdateState(CEs2State& state) {
     image.target = target.GetValue();
     image.level = level.GetValue();
     image.depth = depth.GetValue();
-    image.data = Captured(pixels);
-    image.format = format.GetValue();
-    image.internalFormat = internalformat.GetValue();
-    image.width = width.GetValue();
-    image.height = height.GetValue();
-    image.type = type.GetValue();
-    image.unpackAlignment = state.unpackAlignment;
-    image.border = border.GetValue();
+    SetWholeImage(image, *this, state.unpackAlignment);
     return ReplaceImage(state, place, image);
 }
 
