@@ -33,7 +33,8 @@ EPlayed PlayEglCreateContext(SEglPlay& c) {
     const EGLContext context =
         c.host.eglCreateContext(display, config, shared, c.At<SEglAttribList>(3).GetRawArray());
     c.player.lastError = static_cast<std::uint32_t>(c.host.eglGetError());
-    c.names.SetContext(display, c.Returned<TEGLContext>(), context);
+    c.names.SetContext(display, c.Returned<TEGLContext>(), context,
+                       ContextVersion(c.At<SEglAttribList>(3).GetRawArray()));
     return EPlayed::kPlayed;
 }
 
@@ -62,9 +63,9 @@ EPlayed PlayEglMakeCurrent(SEglPlay& c) {
     const EGLSurface draw = c.names.GetSurface(display, c.Value<TEGLSurface>(1));
     const EGLSurface read = c.names.GetSurface(display, c.Value<TEGLSurface>(2));
     const EGLContext context = c.names.GetContext(display, c.Value<TEGLContext>(3));
-    c.host.eglMakeCurrent(display, draw, read, context);
+    const EGLBoolean made = c.host.eglMakeCurrent(display, draw, read, context);
+    if (made != EGL_FALSE) c.names.UseContext(context);
     if (context == EGL_NO_CONTEXT) return EPlayed::kPlayed;
-    c.names.UseContext(context);
     if (CheckEglError(c.player) && c.player.sync) c.host.eglSwapInterval(display, 0);
     CheckEglError(c.player);
     LearnSurfaceSize(c, display, read, true, -1, -1);
@@ -72,7 +73,7 @@ EPlayed PlayEglMakeCurrent(SEglPlay& c) {
 }
 
 EPlayed PlayEglReleaseThread(SEglPlay& c) {
-    c.host.eglReleaseThread();
+    if (c.host.eglReleaseThread() != EGL_FALSE) c.names.UseContext(EGL_NO_CONTEXT);
     return EPlayed::kPlayed;
 }
 

@@ -33,6 +33,16 @@ void StoreOrLoad(std::int32_t& value, std::int32_t& stored) {
 
 }  // namespace
 
+std::int32_t ContextVersion(const EGLint* attributes) {
+    std::int32_t version = 1;
+    // A list of a damaged trace may end behind a name.
+    while (attributes != nullptr && attributes[0] != EGL_NONE && attributes[1] != EGL_NONE) {
+        if (attributes[0] == EGL_CONTEXT_CLIENT_VERSION) version = attributes[1];
+        attributes += 2;
+    }
+    return version;
+}
+
 CEglNames::SState CEglNames::s_state;
 
 CEglNames::SState::SState() : context(&contextStates.GetOrCreate(0)) {}
@@ -73,11 +83,14 @@ EGLContext CEglNames::GetContext(EGLDisplay live, Recorded recorded) {
     return s_state.contexts.GetOrCreate(Key(live)).GetOrCreate(recorded);
 }
 
-void CEglNames::SetContext(EGLDisplay live, Recorded recorded, EGLContext context) {
+void CEglNames::SetContext(EGLDisplay live, Recorded recorded, EGLContext context,
+                           std::int32_t version) {
     s_state.contexts.GetOrCreate(Key(live)).GetOrCreate(recorded) = context;
+    if (context == EGL_NO_CONTEXT) return;
     // A host may hand out the handle of a destroyed context again; the new one starts afresh.
-    SContextState* state = s_state.contextStates.Find(Key(context));
-    if (state != nullptr && context != EGL_NO_CONTEXT) *state = SContextState{};
+    SContextState& state = s_state.contextStates.GetOrCreate(Key(context));
+    state = SContextState{};
+    state.version = version;
 }
 
 void CEglNames::RemoveContext(EGLDisplay live, Recorded recorded) {

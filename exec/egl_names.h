@@ -14,8 +14,12 @@
 
 namespace kestrail {
 
+/// The version of OpenGL ES that a context is asked for with these attributes, which EGL_NONE ends.
+std::int32_t ContextVersion(const EGLint* attributes);
+
 /// What the player has given to one context, as far as it must know it later.
 struct SContextState {
+    std::int32_t version = 0;  ///< of OpenGL ES; 0 while no context is current
     SPixelStore pixelStore;
     CClientMemory es1Arrays;
     CClientMemory es2Arrays;
@@ -38,7 +42,7 @@ public:
     void RemoveSurface(EGLDisplay live, Recorded recorded);
     /// EGL_NO_CONTEXT for 0; an unknown handle gets an entry with that value.
     EGLContext GetContext(EGLDisplay live, Recorded recorded);
-    void SetContext(EGLDisplay live, Recorded recorded, EGLContext context);
+    void SetContext(EGLDisplay live, Recorded recorded, EGLContext context, std::int32_t version);
     void RemoveContext(EGLDisplay live, Recorded recorded);
     /// The live configuration chosen for a recorded one; null when none was chosen yet.
     const EGLConfig* FindConfig(EGLDisplay live, Recorded recorded) const;
@@ -64,6 +68,7 @@ public:
     /// Of the context in use.
     SContextState& Context() { return *s_state.context; }
     SPixelStore& PixelStore() { return s_state.context->pixelStore; }
+    /// What calls set from now on they set for that context; EGL_NO_CONTEXT for none.
     void UseContext(EGLContext context);
 
     /// By their start, the pieces of buffers that glMapBufferRange gave, and how many bytes of each

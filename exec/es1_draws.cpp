@@ -9,14 +9,12 @@
 #include "exec/draw_indices.h"
 #include "exec/es1_calls.h"
 #include "exec/es1_executor.h"
+#include "exec/es2_client_arrays.h"
 #include "exec/extension_resolver.h"
 #include "exec/viewport_correction.h"
 
 namespace kestrail {
 namespace {
-
-using CapturedArrays = SVectorData<SDataPtr*>;
-using CapturedIndices = SVectorData<int>;
 
 /// A kind of client array by the enumerants that ask for its state; 0 where it has no such state.
 struct SArrayKind {
@@ -74,6 +72,9 @@ public:
           m_byPosition(!indices.items.empty() && indices.items.front() == -1),
           m_vertices(vertices),
           m_missing(missing) {}
+
+    /// Whether the host reads any memory of the player's.
+    bool Any() const { return m_any; }
 
     /// Points the enabled client arrays at their bytes. False when the bytes end before the
     /// vertices do.
@@ -134,6 +135,7 @@ private:
     }
 
     void PointOne(int kind, const SArrayState& state) {
+        m_any = true;
         CClientMemory& memory = m_c.player.eglNames.Context().es1Arrays;
         const auto index = static_cast<std::uint32_t>(kind);
         const auto type = static_cast<GLenum>(state.type);
@@ -184,10 +186,16 @@ private:
     const char* m_missing;
     std::size_t m_next = 0;
     bool m_sound = true;
+    bool m_any = false;
 };
 
+/// Whether the context is one of ES2 or later, in which no call of ES1 finds the arrays.
+bool IsEs2Context(SPlayerState& player) {
+    return player.eglNames.Context().version > 1;
+}
+
 /// Points the arrays for a draw, with the array buffer unbound meanwhile.
-bool PointArrays(SEs1Play& c, CEs1ClientArrays& arrays) {
+bool PointArrays(SEs1Play& c, CEs1ClientArrays& arrays, SVertices vertices) {
     constexpr GLenum kArrayBufferBinding = 34964;
     const auto arrayBuffer = static_cast<GLuint>(Integer(c.host, kArrayBufferBinding));
     c.host.glBindBuffer(GL_ARRAY_BUFFER, 0);
@@ -195,7 +203,7 @@ bool PointArrays(SEs1Play& c, CEs1ClientArrays& arrays) {
     const bool sound = arrays.Point();
     c.host.glBindBuffer(GL_ARRAY_BUFFER, arrayBuffer);
     CorrectViewport(c.player, c.names.ViewportDirty(), c.host);
-    return sound;
+    return sound && (!IsEs2Context(c.player) || Es2ArraysReach(c.player, c.entry, vertices));
 }
 
 }  // namespace
@@ -203,11 +211,11 @@ bool PointArrays(SEs1Play& c, CEs1ClientArrays& arrays) {
 EPlayed PlayGlDrawArrays(SEs1Play& c) {
     const GLint first = c.Value<TintType<17>>(1);
     const GLsizei count = c.Value<TintType<18>>(2);
-    CEs1ClientArrays arrays(c, c.At<CapturedArrays>(3), c.At<CapturedIndices>(4),
-                            {std::max<std::int64_t>(std::int64_t{first} + count, 0)},
+    const SVertices vertices{std::max<std::int64_t>(std::int64_t{first} + count, 0)};
+    CEs1ClientArrays arrays(c, c.At<CapturedArrays>(3), c.At<CapturedIndices>(4), vertices,
                             "glDrawArrays: No enought Data. No Pointer replaced with real memory. "
                             "glDrawArrays would crash.");
-    if (!PointArrays(c, arrays)) return EPlayed::kFailed;
+    if (!PointArrays(c, arrays, vertices)) return EPlayed::kFailed;
     c.host.glDrawArrays(c.Value<TGLBeginMode>(0), first, count);
     return EPlayed::kPlayed;
 }
@@ -222,9 +230,20 @@ EPlayed PlayGlDrawElements(SEs1Play& c) {
     // Arrays without captured bytes are passed over in silence here.
     CEs1ClientArrays arrays(c, c.At<CapturedArrays>(5), c.At<CapturedIndices>(6), indices.vertices,
                             nullptr);
-    if (!PointArrays(c, arrays) || !indices.sound) return EPlayed::kFailed;
+    if (!PointArrays(c, arrays, indices.vertices) || !indices.sound) return EPlayed::kFailed;
+    if (elementBuffer && (arrays.Any() || IsEs2Context(c.player)) &&
+        !ElementsFit(c.host, c.Value<TPointer>(4), count, type)) {
+        return EPlayed::kFailed;
+    }
     c.host.glDrawElements(c.Value<TGLBeginMode>(0), count, type, indices.pointer);
     return EPlayed::kPlayed;
+}
+
+bool Es1ArraysReach(SPlayerState& player, CCallEntry& entry, SVertices vertices) {
+    static CapturedArrays s_noArrays;
+    static const CapturedIndices kNoIndices;
+    SEs1Play c{player, entry, *entry.GetInfo(), entry.call->m_id, *GetEs1Host(), player.es1Names};
+    return CEs1ClientArrays(c, s_noArrays, kNoIndices, vertices, nullptr).Point();
 }
 
 }  // namespace kestrail

@@ -55,7 +55,10 @@ EPlayed PlayGlReadPixels(SEs1Play& c) {
     const GLenum format = c.Value<TGLenum>(4);
     const GLenum type = c.Value<TGLenum>(5);
     auto& pixels = c.At<SDataPtr>(6);
-    if (pixels.GetSize() < ImageBytes(format, type, width, height, c.Pixels().Packing())) {
+    const SPixelStore& store = c.Pixels();
+    // Backwards, a host skips rows ahead of the block.
+    if (store.packReversed != 0 && store.packSkipRows != 0) return EPlayed::kFailed;
+    if (pixels.GetSize() < ImageBytes(format, type, width, height, store.Packing())) {
         return EPlayed::kFailed;
     }
     c.host.glReadPixels(c.Value<TintType<17>>(0), c.Value<TintType<17>>(1), width, height, format,

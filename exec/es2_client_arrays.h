@@ -5,6 +5,7 @@
 
 #include <GLES2/gl2.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -49,34 +50,47 @@ public:
     /// Points the enabled client arrays at their bytes. False when the bytes end before the
     /// vertices do.
     bool Point(const char* draw) {
+        const GLuint attributes = Attributes();
+        std::uint64_t seen = 0;
         // The attributes behind one that has no bytes keep what earlier draws gave them.
         bool pointing = true;
-        ForEachClientArray([&](GLuint index, const void* pointer) {
+        for (GLuint a = 0; a < attributes; ++a) {
+            const GLuint index = AttributeIndex(m_c.names, a);
+            if (index < kCounted) seen |= std::uint64_t{1} << index;
+            const void* pointer = ClientPointer(index);
+            if (pointer == nullptr) continue;
             if (pointing) {
                 pointing = PointOne(index, pointer, draw);
             } else {
-                Measure(index, pointer);
+                MeasureOne(index, pointer);
             }
-        });
+        }
+        // The host reads those, too, that no recorded index stands for.
+        for (GLuint index = 0; index < attributes && index < kCounted; ++index) {
+            if ((seen >> index & 1) == 0) MeasureOne(index, ClientPointer(index));
+        }
         return m_sound;
     }
 
     /// Leaves the enabled client arrays as they are. False when one ends before the vertices do.
     bool Measure() {
-        ForEachClientArray([&](GLuint index, const void* pointer) { Measure(index, pointer); });
+        const GLuint attributes = Attributes();
+        for (GLuint index = 0; index < attributes; ++index) {
+            MeasureOne(index, ClientPointer(index));
+        }
         return m_sound;
     }
 
+    /// Whether the host reads any memory of the player's.
+    bool Any() const { return m_any; }
+
 private:
-    template <typename Visit>
-    void ForEachClientArray(Visit visit) const {
+    static constexpr GLuint kCounted = 64;
+
+    GLuint Attributes() const {
         GLint attributes = 0;
         m_c.host.glGetIntegerv(GL_MAX_VERTEX_ATTRIBS, &attributes);
-        for (GLint a = 0; a < attributes; ++a) {
-            const GLuint index = AttributeIndex(m_c.names, static_cast<std::uint32_t>(a));
-            const void* pointer = ClientPointer(index);
-            if (pointer != nullptr) visit(index, pointer);
-        }
+        return static_cast<GLuint>(std::max(attributes, 0));
     }
 
     GLint Query(GLuint index, GLenum name) const {
@@ -86,11 +100,12 @@ private:
     }
 
     /// What an enabled client array points at; null for any other attribute.
-    void* ClientPointer(GLuint index) const {
+    void* ClientPointer(GLuint index) {
         if (Query(index, GL_VERTEX_ATTRIB_ARRAY_ENABLED) == 0) return nullptr;
         if (Query(index, GL_VERTEX_ATTRIB_ARRAY_BUFFER_BINDING) != 0) return nullptr;
         void* pointer = nullptr;
         m_c.host.glGetVertexAttribPointerv(index, GL_VERTEX_ATTRIB_ARRAY_POINTER, &pointer);
+        m_any = m_any || pointer != nullptr;
         return pointer;
     }
 
@@ -114,8 +129,8 @@ private:
         return divisor != 0 ? (*m_instances + divisor - 1) / divisor : m_vertices.count;
     }
 
-    void Measure(GLuint index, const void* pointer) {
-        if (!m_sound) return;
+    void MeasureOne(GLuint index, const void* pointer) {
+        if (pointer == nullptr || !m_sound) return;
         const GLint size = Query(index, GL_VERTEX_ATTRIB_ARRAY_SIZE);
         const auto type = static_cast<GLenum>(Query(index, GL_VERTEX_ATTRIB_ARRAY_TYPE));
         MeasureAs(index, pointer, VertexBytes(type, size));
@@ -162,7 +177,34 @@ private:
     std::optional<std::int32_t> m_instances;
     std::size_t m_next = 0;
     bool m_sound = true;
+    bool m_any = false;
 };
+
+/// Whether the arrays of ES2 reach as far as a draw by ES1's entry of the same name: where both
+/// libraries lead to one driver, the context decides whose arrays are read. And the same for a draw
+/// of ES2 or ES3 in a context of ES1.
+bool Es2ArraysReach(SPlayerState& player, CCallEntry& entry, SVertices vertices);
+bool Es1ArraysReach(SPlayerState& player, CCallEntry& entry, SVertices vertices);
+
+/// Whether the context is one of ES1, in which no call of ES2 finds the arrays.
+inline bool IsEs1Context(SPlayerState& player) {
+    return player.eglNames.Context().version == 1;
+}
+
+/// False when the context reads the arrays of ES1, and too far.
+template <typename Context>
+bool OtherArraysReach(Context& c, SVertices vertices) {
+    return !IsEs1Context(c.player) || Es1ArraysReach(c.player, c.entry, vertices);
+}
+
+/// Whether the element buffer has all the indices of a draw. A host reads ahead of the draw which
+/// vertices they name, when there are client arrays, and does not ask how many there are.
+template <typename Host>
+bool ElementsFit(Host& host, std::uint32_t offset, std::int32_t count, std::uint32_t type) {
+    GLint size = 0;
+    host.glGetBufferParameteriv(GL_ELEMENT_ARRAY_BUFFER, GL_BUFFER_SIZE, &size);
+    return std::int64_t{offset} + std::int64_t{count} * ComponentBytes(type) <= size;
+}
 
 /// What an indexed draw reads, as its record has it.
 struct SIndexedDraw {
@@ -173,6 +215,8 @@ struct SIndexedDraw {
     CapturedArrays& arrays;
     const CapturedIndices& indices;
     std::optional<std::int32_t> instances;
+    /// The highest vertex that the call names itself; a host may read all up to it.
+    std::int64_t lastVertex = -1;
 };
 
 /// Whether the highest index of a type begins a new primitive instead of being a vertex.
@@ -195,12 +239,19 @@ EPlayed DrawIndexed(Context& c, const SIndexedDraw& indexed, Draw draw) {
         RestartsPrimitives(c)) {
         indices.vertices.count = VerticesOf(indices.pointer, indexed.count, indexed.type, true);
     }
+    indices.vertices.count = std::max(indices.vertices.count, indexed.lastVertex + 1);
     c.host.glBindBuffer(GL_ARRAY_BUFFER, 0);
     TClientArrays<Context> arrays(c, indexed.arrays, indexed.indices, indices.vertices);
     if (indexed.instances) arrays.SetInstances(*indexed.instances);
     const bool sound = arrays.Point("glDrawElements");
     c.host.glBindBuffer(GL_ARRAY_BUFFER, arrayBuffer);
-    if (!sound || !indices.sound) return EPlayed::kFailed;
+    if (!sound || !indices.sound || !OtherArraysReach(c, indices.vertices)) {
+        return EPlayed::kFailed;
+    }
+    if (elementBuffer != 0 && (arrays.Any() || IsEs1Context(c.player)) &&
+        !ElementsFit(c.host, indexed.offset, indexed.count, indexed.type)) {
+        return EPlayed::kFailed;
+    }
     CheckEs2Error(c.player);
     draw(indices.pointer);
     CheckEs2Error(c.player);

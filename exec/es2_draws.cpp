@@ -12,11 +12,11 @@ EPlayed PlayGlDrawArrays(SEs2Play& c) {
     const GLuint arrayBuffer = BoundBuffer(c.host, GL_ARRAY_BUFFER_BINDING);
     c.host.glGetError();
     c.host.glBindBuffer(GL_ARRAY_BUFFER, 0);
-    TClientArrays<SEs2Play> arrays(c, c.At<CapturedArrays>(3), c.At<CapturedIndices>(4),
-                                   {std::max<std::int64_t>(std::int64_t{first} + count, 0)});
+    const SVertices vertices{std::max<std::int64_t>(std::int64_t{first} + count, 0)};
+    TClientArrays<SEs2Play> arrays(c, c.At<CapturedArrays>(3), c.At<CapturedIndices>(4), vertices);
     const bool sound = arrays.Point("glDrawArrays");
     c.host.glBindBuffer(GL_ARRAY_BUFFER, arrayBuffer);
-    if (!sound) return EPlayed::kFailed;
+    if (!sound || !OtherArraysReach(c, vertices)) return EPlayed::kFailed;
     c.host.glDrawArrays(c.Value<TGLBeginMode>(0), first, count);
     return EPlayed::kPlayed;
 }
@@ -32,6 +32,13 @@ EPlayed PlayGlDrawElements(SEs2Play& c) {
     return DrawIndexed(c, indexed, [&](const void* indices) {
         c.host.glDrawElements(c.Value<TGLBeginMode>(0), indexed.count, indexed.type, indices);
     });
+}
+
+bool Es2ArraysReach(SPlayerState& player, CCallEntry& entry, SVertices vertices) {
+    static CapturedArrays s_noArrays;
+    static const CapturedIndices kNoIndices;
+    SEs2Play c{player, entry, *entry.GetInfo(), entry.call->m_id, *GetEs2Host(), player.names};
+    return TClientArrays<SEs2Play>(c, s_noArrays, kNoIndices, vertices).Measure();
 }
 
 }  // namespace kestrail

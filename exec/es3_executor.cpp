@@ -53,7 +53,8 @@ EPlayed PlayGlDrawRangeElements(SEs3Play& c) {
                                c.Value<TGLenum>(4),
                                g_noArrays,
                                kNoIndices,
-                               {}};
+                               {},
+                               c.Value<TuintType<21>>(2)};
     return DrawIndexed(c, indexed, [&](const void* pointer) {
         c.host.glDrawRangeElements(c.Value<TGLBeginMode>(0), c.Value<TuintType<21>>(1),
                                    c.Value<TuintType<21>>(2), indexed.count, indexed.type, pointer);
@@ -65,10 +66,10 @@ EPlayed PlayGlDrawArraysInstanced(SEs3Play& c) {
     const GLsizei count = c.Value<TintType<18>>(2);
     const GLsizei instances = c.Value<TintType<18>>(3);
     // The arrays stay as they are; only, the host must not follow one further than it reaches.
-    TClientArrays<SEs3Play> arrays(c, g_noArrays, kNoIndices,
-                                   {std::max<std::int64_t>(std::int64_t{first} + count, 0)});
+    const SVertices vertices{std::max<std::int64_t>(std::int64_t{first} + count, 0)};
+    TClientArrays<SEs3Play> arrays(c, g_noArrays, kNoIndices, vertices);
     arrays.SetInstances(instances);
-    if (!arrays.Measure()) return EPlayed::kFailed;
+    if (!arrays.Measure() || !OtherArraysReach(c, vertices)) return EPlayed::kFailed;
     c.host.glDrawArraysInstanced(c.Value<TGLBeginMode>(0), first, count, instances);
     return EPlayed::kPlayed;
 }

@@ -2,6 +2,7 @@
 // in. The table of calls gives most of them; those declared here are played by hand.
 #pragma once
 
+#include <algorithm>
 #include <cstring>
 
 #include "exec/es1_calls.h"
@@ -42,7 +43,8 @@ EPlayed PlayGlUnmapBufferOES(Context& c) {
     if (data.GetData() != nullptr && pointer != nullptr) {
         const auto& ranges = c.player.eglNames.Mapped();
         const auto range = ranges.find(pointer);
-        const std::int64_t room = range != ranges.end() ? range->second : size;
+        std::int64_t room = size;
+        if (range != ranges.end()) room = std::min(room, range->second);
         if (std::int64_t{data.GetSize()} > room) return EPlayed::kFailed;
         std::memcpy(pointer, data.GetData(), data.GetSize());
     }

@@ -66,41 +66,42 @@ std::int64_t FormatComponents(std::uint32_t format) {
 
 }  // namespace
 
-void SPixelStore::Set(std::uint32_t name, std::int32_t value) {
-    if (name == GL_UNPACK_ALIGNMENT || name == GL_PACK_ALIGNMENT) {
-        const bool known = value == 1 || value == 2 || value == 4 || value == 8;
-        if (known) (name == GL_PACK_ALIGNMENT ? packAlignment : unpackAlignment) = value;
-        return;
-    }
-    if (value < 0) return;
+std::int32_t* SPixelStore::Find(std::uint32_t name) {
     switch (name) {
+        case GL_UNPACK_ALIGNMENT:
+            return &unpackAlignment;
         case GL_UNPACK_ROW_LENGTH:
-            unpackRowLength = value;
-            break;
+            return &unpackRowLength;
         case GL_UNPACK_IMAGE_HEIGHT:
-            unpackImageHeight = value;
-            break;
+            return &unpackImageHeight;
         case GL_UNPACK_SKIP_PIXELS:
-            unpackSkipPixels = value;
-            break;
+            return &unpackSkipPixels;
         case GL_UNPACK_SKIP_ROWS:
-            unpackSkipRows = value;
-            break;
+            return &unpackSkipRows;
         case GL_UNPACK_SKIP_IMAGES:
-            unpackSkipImages = value;
-            break;
+            return &unpackSkipImages;
+        case GL_PACK_ALIGNMENT:
+            return &packAlignment;
         case GL_PACK_ROW_LENGTH:
-            packRowLength = value;
-            break;
+            return &packRowLength;
         case GL_PACK_SKIP_PIXELS:
-            packSkipPixels = value;
-            break;
+            return &packSkipPixels;
         case GL_PACK_SKIP_ROWS:
-            packSkipRows = value;
-            break;
+            return &packSkipRows;
+        case 0x93A4:  // GL_PACK_REVERSE_ROW_ORDER_ANGLE
+        case 0x8758:  // GL_PACK_INVERT_MESA
+            return &packReversed;
         default:
-            break;
+            return nullptr;
     }
+}
+
+void SPixelStore::Set(std::uint32_t name, std::int32_t value) {
+    std::int32_t* const held = Find(name);
+    if (held == nullptr || value < 0) return;
+    const bool alignment = held == &unpackAlignment || held == &packAlignment;
+    if (alignment && value != 1 && value != 2 && value != 4 && value != 8) return;
+    *held = value;
 }
 
 SHostData HostData(const SBlock& block, std::int64_t needed, bool nullAllowed, bool bufferBound) {

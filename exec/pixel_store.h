@@ -19,6 +19,7 @@ struct SPixelStore {
     std::int32_t packRowLength = 0;
     std::int32_t packSkipPixels = 0;
     std::int32_t packSkipRows = 0;
+    std::int32_t packReversed = 0;  ///< rows are written from the last one on
 
     /// What an image is written by, as if it were read that way.
     SPixelStore Packing() const {
@@ -30,7 +31,9 @@ struct SPixelStore {
         return packing;
     }
 
-    /// Follows a glPixelStorei; values that the host refuses change nothing.
+    /// Where the value of a glPixelStorei's name stands; null for a name that isn't followed.
+    std::int32_t* Find(std::uint32_t name);
+    /// Follows a glPixelStorei; values that no host takes change nothing.
     void Set(std::uint32_t name, std::int32_t value);
 };
 

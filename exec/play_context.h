@@ -34,4 +34,15 @@ struct TPlayContext {
     SPixelStore& Pixels() const { return player.eglNames.PixelStore(); }
 };
 
+/// Whether images come from a buffer of the host. The host is asked where the trace has bound one:
+/// the other API's calls may have unbound it.
+template <typename Context>
+bool UnpackBufferBound(Context& c) {
+    constexpr std::uint32_t kPixelUnpackBufferBinding = 0x88EF;
+    if (c.Pixels().unpackBuffer == 0) return false;
+    std::int32_t bound = 0;
+    c.host.glGetIntegerv(kPixelUnpackBufferBinding, &bound);
+    return bound != 0;
+}
+
 }  // namespace kestrail

@@ -7,18 +7,27 @@
 
 namespace kestrail {
 
+inline constexpr std::uint32_t kUnpackAlignment = 0x0CF5;
+inline constexpr std::uint32_t kPackAlignment = 0x0D05;
+
 template <typename Context>
 EPlayed PlayPixelStorei(Context& c) {
     const std::uint32_t name = c.template Value<TGLenum>(0);
-    const std::int32_t value = c.template Value<TintType<17>>(1);
+    std::int32_t value = c.template Value<TintType<17>>(1);
     c.host.glPixelStorei(name, value);
+    const std::int32_t* const held = c.Pixels().Find(name);
+    if (held == nullptr) return EPlayed::kPlayed;
+    if (name != kUnpackAlignment && name != kPackAlignment) {
+        // All but the alignments are unknown to some context or other.
+        value = *held;
+        c.host.glGetIntegerv(name, &value);
+    }
     c.Pixels().Set(name, value);
     return EPlayed::kPlayed;
 }
 
 template <typename Context>
 EPlayed PlayTexImage2D(Context& c) {
-    constexpr std::uint32_t kUnpackAlignment = 0x0CF5;
     SPixelStore& store = c.Pixels();
     // The alignment that the image was captured with, which the application may have set before the
     // recording began.
@@ -35,7 +44,7 @@ EPlayed PlayTexImage2D(Context& c) {
     const std::uint32_t type = c.template Value<TGLenum>(7);
     const SHostData pixels =
         HostData(c.template At<SImage2D>(8), ImageBytes(format, type, width, height, store), true,
-                 store.unpackBuffer != 0);
+                 UnpackBufferBound(c));
     if (!pixels.sound) return EPlayed::kFailed;
     c.host.glTexImage2D(c.template Value<TGLenum>(0), c.template Value<TintType<17>>(1),
                         c.template Value<TintType<17>>(2), width, height,

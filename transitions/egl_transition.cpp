@@ -137,7 +137,7 @@ void MakeContext(SEglTransition& t, const SEglContextRecord& context) {
     const auto shared = reinterpret_cast<EGLContext>(std::uintptr_t{context.shareContext});
     const EGLContext made = t.host.eglCreateContext(live, config, shared, attributes);
     t.host.eglGetError();
-    t.names.SetContext(live, context.handle, made);
+    t.names.SetContext(live, context.handle, made, ContextVersion(attributes));
 }
 
 void MakeContexts(SEglTransition& t) {
@@ -155,7 +155,10 @@ void MakeContexts(SEglTransition& t) {
         const EGLDisplay live = t.names.GetDisplay(context.display);
         if (found[i] || live == EGL_NO_DISPLAY) continue;
         const EGLContext gone = t.names.GetContext(live, context.handle);
-        t.host.eglMakeCurrent(live, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
+        if (t.host.eglMakeCurrent(live, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT) !=
+            EGL_FALSE) {
+            t.names.UseContext(EGL_NO_CONTEXT);
+        }
         t.host.eglDestroyContext(live, gone);
         t.host.eglGetError();
         t.names.RemoveContext(live, context.handle);
@@ -170,8 +173,7 @@ void MakeCurrent(SEglTransition& t) {
     if (live == EGL_NO_DISPLAY) return;
     const EGLContext context = t.names.GetContext(live, t.target.currentContext);
     const EGLSurface draw = t.names.GetSurface(live, t.target.currentDrawSurface);
-    t.host.eglMakeCurrent(live, draw, draw, context);
-    if (context != EGL_NO_CONTEXT) t.names.UseContext(context);
+    if (t.host.eglMakeCurrent(live, draw, draw, context) != EGL_FALSE) t.names.UseContext(context);
     t.host.eglGetError();
     EGLint width = 0;
     EGLint height = 0;

@@ -68,6 +68,7 @@ def _drop(counted):
 
 _BIND_BUFFER = """if (target == 0x8892) State().arrayBuffer = (std::int32_t)buffer;
     if (target == 0x8893) State().elementBuffer = (std::int32_t)buffer;
+    if (target == 0x88EC) State().unpackBuffer = (std::int32_t)buffer;
     call.End();"""
 
 _VIEWPORT = """State().viewport[0] = x;
@@ -77,6 +78,7 @@ _VIEWPORT = """State().viewport[0] = x;
     call.End();"""
 
 _PIXEL_STORE = """if (pname == 0x0CF5) State().unpackAlignment = param;
+    State().pixelStore[pname] = param;
     call.End();"""
 
 _MAP = """State().isMapped = true;

@@ -506,9 +506,14 @@ void Integerv(CCall& call, unsigned pname, std::int32_t* data) {
             return OneInteger(call, 4, data);
         case 0x0CF5:  // GL_UNPACK_ALIGNMENT
             return OneInteger(call, state.unpackAlignment, data);
+        case 0x88EF:  // GL_PIXEL_UNPACK_BUFFER_BINDING
+            return OneInteger(call, state.unpackBuffer, data);
         default:
-            return OneInteger(call, ClientArrayInteger(pname), data);
+            break;
     }
+    const auto stored = state.pixelStore.find(pname);
+    OneInteger(call, stored != state.pixelStore.end() ? stored->second : ClientArrayInteger(pname),
+               data);
 }
 
 void VertexAttribiv(CCall& call, unsigned index, unsigned pname, std::int32_t* data) {

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <string>
 
 namespace kestrail::host {
@@ -86,9 +87,11 @@ struct SGlState {
     std::int32_t clientActiveTexture = 0x84C0;
     std::int32_t arrayBuffer = 0;
     std::int32_t elementBuffer = 0;
+    std::int32_t unpackBuffer = 0;
     std::int32_t framebuffer = 0;
     std::int32_t viewport[4] = {0, 0, 300, 300};
     std::int32_t unpackAlignment = 4;
+    std::map<unsigned, std::int32_t> pixelStore;
     std::int32_t currentProgram = 0;
     // What surfaces report as their size unless the script says otherwise.
     std::int32_t width = 300;

@@ -138,6 +138,15 @@ TEST_F(CEs1, ReadPixelsIsPlayedWhereTheRecordHasRoom) {
     EXPECT_EQ(run.CallsOf({"es1.glReadPixels"}),
               Lines{Host("es1.glReadPixels", 1, 2, 3, 4, 6408, 5121, "ptr")});
     EXPECT_EQ(run.Messages().size(), 6U) << run.out;
+    // What the host doesn't take it doesn't write by.
+    const std::string refusing =
+        "glGetIntegerv:3330 * 0\nglGetIntegerv:3331 * 0\nglGetIntegerv:3332 * 0\n";
+    EXPECT_EQ(RunScripted(refusing).CallsOf({"es1.glReadPixels"}).size(), 4U);
+    // Backwards, rows are skipped ahead of the bytes.
+    trace.Add(3103, trace.Gl().Enum(0x93A4).Int(1)).Add(3103, trace.Gl().Enum(0x0D03).Int(1));
+    trace.Add(3114, trace.Gl().Int(1).Int(2).Sizei(3).Sizei(4).Enum(6408).Enum(5121).Data(
+                        0x10, Bytes(4800)));
+    EXPECT_EQ(Run().CallsOf({"es1.glReadPixels"}).size(), 1U);
 }
 
 TEST_F(CEs1, CallsThatFailedWhenRecordedAreLeftOutInSilence) {

@@ -118,6 +118,56 @@ TEST_F(CDraw, OnlyArraysThatTheHostReadsHaveToReach) {
                             Host("glDrawArrays", 4, 0, 3), Host("glDrawArrays", 4, 0, 3)}));
 }
 
+TEST_F(CDraw, WhatOnlyTheHostKnowsIsMeasuredToo) {
+    const Lines refused = {message + "Error call:glDrawElements 2042",
+                           error + "PlayCall Error: Unrecognized/Error call"};
+    const auto arrays = [](CRecordBuilder record) {
+        return record.ClientArray(0, 0x10, Bytes(8, 1)).ClientArray(1, 0x10, Bytes(8, 1));
+    };
+    // Indices behind the end of the element buffer, which the stand-in says has 65536 bytes.
+    Bind(2004, 34963, 5);
+    trace.Add(2042, arrays(Elements({}, 65534)));
+    trace.Add(2042, arrays(Elements({}, 65535)));
+    const SRunResult run = Run();
+    EXPECT_EQ(run.CallsOf({"glDrawElements"}).size(), 1U);
+    EXPECT_EQ(run.Messages(), refused);
+
+    // An attribute that no recorded index stands for: the live one of index 0 is 9.
+    trace = Es2Trace();
+    One(2026, 8);
+    trace.Add(2058, trace.Gl().Int(0).Uint(8).String(0x10, "a"));
+    Enable(0);
+    Point(0, 0xFFFFFFF0);
+    trace.Add(2041, Arrays().ClientArray(0, 0x10, Bytes(8, 1)));
+    One(2131, 8);
+    trace.Add(2041, Arrays());
+    trace.Add(2041, trace.Gl().Enum(4).Int(0).Sizei(3));
+    SRunOptions roomy;
+    roomy.memoryLimit = 0;
+    const SRunResult translated = Run({}, roomy);
+    EXPECT_EQ(translated.CallsOf({"glDrawArrays"}).size(), 2U);
+    EXPECT_EQ(translated.Messages(), (Lines{message + "Error call:glDrawArrays 2041", refused[1]}));
+}
+
+TEST_F(CDraw, TheContextDecidesWhoseArraysAreRead) {
+    const Lines draws = {"glDrawArrays", "es1.glDrawArrays"};
+    const auto drawn = [&](const CTraceBuilder& drawing) {
+        return RunTrace(drawing).CallsOf(draws).size();
+    };
+    trace.Add(2041, Arrays().ClientArray(0, 0x10, Bytes(8, 1)).ClientArray(1, 0x10, Bytes(8, 1)));
+    const auto draw = [](CTraceBuilder drawing, std::uint16_t id, std::int64_t count) {
+        return drawing.Add(id, drawing.Gl().Enum(4).Int(0).Sizei(count));
+    };
+    EXPECT_EQ(drawn(draw(trace, 3036, 2)), 2U);
+    EXPECT_EQ(drawn(draw(trace, 3036, 3)), 1U);
+    CTraceBuilder es1 = TraceOf(1);
+    es1.Add(3039, es1.Gl().Enum(32884));
+    es1.Add(3143, es1.Gl().Int(1).Enum(floats).Sizei(0).Pointer(0xAB00));
+    es1.Add(3036, es1.Gl().Enum(4).Int(0).Sizei(2).ClientArray(2, 0x10, Bytes(8, 1)));
+    EXPECT_EQ(drawn(draw(es1, 2041, 2)), 2U);
+    EXPECT_EQ(drawn(draw(es1, 2041, 3)), 1U);
+}
+
 TEST_F(CDraw, ArraysInBuffersAndNullPointersAreLeftAlone) {
     Bind(2004, 34962, 7);
     Point(0, 16);

@@ -246,6 +246,58 @@ TEST_F(CEs3, InstancedArraysAreAPlainCallUnlessTheyReadTooFar) {
     EXPECT_EQ(run.Messages(), (Lines{message + "Error call:glDrawArraysInstanced 5211", failed}));
 }
 
+TEST_F(CEs3, ARangeIsReadToItsEnd) {
+    ClientArray(0);
+    trace.Add(2041, trace.Gl().Enum(4).Int(0).Sizei(9).ClientArray(0, 0x10, Bytes(36, 1)));
+    const auto range = [&](std::uint32_t last) {
+        trace.Add(5144, trace.Gl().Enum(4).Uint(0).Uint(last).Sizei(2).Enum(bytes).Data(
+                            0x70, Bytes{0, 1}));
+    };
+    range(8);
+    range(9);
+    const SRunResult run = Run();
+    EXPECT_EQ(run.CallsOf({"glDrawRangeElements"}).size(), 1U);
+    EXPECT_EQ(run.CallsOf({"glVertexAttribPointer"}).size(), 2U);
+}
+
+TEST_F(CEs3, ImagesComeFromTheBufferThatTheHostHasBound) {
+    constexpr std::uint32_t unpackBuffer = 0x88EC;
+    const auto image = [&] {
+        trace.Add(2111, trace.Gl()
+                            .Enum(3553)
+                            .Int(0)
+                            .Int(0)
+                            .Int(0)
+                            .Sizei(1)
+                            .Sizei(1)
+                            .Enum(6408)
+                            .Enum(bytes)
+                            .Data(0x40, Bytes()));
+    };
+    Bind(2004, unpackBuffer, 7);
+    image();
+    // Through ES1, of which this API's calls know nothing.
+    Bind(3004, unpackBuffer, 0);
+    image();
+    const SRunResult run = Run();
+    EXPECT_EQ(run.CallsOf({"glTexSubImage2D"}).size(), 1U);
+    EXPECT_EQ(run.Messages(), (Lines{message + "Error call:glTexSubImage2D 2111", failed}));
+}
+
+TEST_F(CEs3, AContextThatIsNotMadeCurrentHasNoSay) {
+    // Of the second context the player knows no row length, which the first one has: 3 pixels.
+    const auto image = [&] { trace.Add(2111, trace.ImagePart(0, 0, 1, 2, 6408, Bytes(8))); };
+    trace.Add(2091, trace.Gl().Enum(0x0CF2).Int(3));
+    image();
+    trace.CreateContext(3, 0x301);
+    trace.MakeCurrent(CTraceBuilder::surface, 0x301);
+    image();
+    EXPECT_EQ(Run().CallsOf({"glTexSubImage2D"}).size(), 1U);
+    SRunOptions options;
+    options.script = "eglMakeCurrent 2 0\n";
+    EXPECT_EQ(Run({}, options).CallsOf({"glTexSubImage2D"}), Lines{});
+}
+
 TEST_F(CEs3, TheRestartIndexIsNoVertex) {
     ClientArray(0);
     const auto draw = [&] {

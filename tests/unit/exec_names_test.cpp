@@ -242,8 +242,8 @@ TEST(EglNames, HandlesAreToldApartByTheirDisplays) {
     EXPECT_EQ(names.GetSurface(first, 5), Live(0x15));
     EXPECT_EQ(names.GetSurface(second, 5), Live(0x25));
     EXPECT_EQ(names.GetSurface(second, 0), EGL_NO_SURFACE);
-    names.SetContext(first, 5, Live(0x35));
-    names.SetContext(second, 5, Live(0x45));
+    names.SetContext(first, 5, Live(0x35), 2);
+    names.SetContext(second, 5, Live(0x45), 2);
     EXPECT_EQ(names.GetContext(first, 5), Live(0x35));
     EXPECT_EQ(names.GetContext(first, 6), EGL_NO_CONTEXT);
     EXPECT_EQ(names.GetContext(first, 0), EGL_NO_CONTEXT);
@@ -261,7 +261,7 @@ TEST(EglNames, HandlesAreToldApartByTheirDisplays) {
     EXPECT_EQ(names.GetContext(first, 5), Live(0x35));
 
     // Clearing empties a display, configurations stay.
-    names.SetContext(second, 5, Live(0x45));
+    names.SetContext(second, 5, Live(0x45), 2);
     names.ClearDisplay(second);
     EXPECT_EQ(names.GetSurface(second, 5), EGL_NO_SURFACE);
     EXPECT_EQ(names.GetContext(second, 5), EGL_NO_CONTEXT);
@@ -315,7 +315,7 @@ TEST(EglNames, EveryContextHasAPixelStoreOfItsOwn) {
     EXPECT_EQ(names.PixelStore().unpackRowLength, 9);
     EXPECT_EQ(names.PixelStore().packAlignment, 8);
     // A handle that the host hands out again is another context.
-    names.SetContext(Live(0x10), 5, Live(0x71));
+    names.SetContext(Live(0x10), 5, Live(0x71), 2);
     EXPECT_EQ(names.PixelStore().unpackAlignment, 4);
     names.UseContext(EGL_NO_CONTEXT);
 }

@@ -79,7 +79,7 @@ def argument(row, parameter, lines):
     if parameter.cls.startswith(("SDataPtr", "SImage")):
         null = "true" if parameter.null else "false"
         reach = image_expression(row, parameter) if parameter.image else needed(row, parameter)
-        unpack = "c.Pixels().unpackBuffer != 0" if parameter.image or parameter.unpack else "false"
+        unpack = "UnpackBufferBound(c)" if parameter.image or parameter.unpack else "false"
         lines.append(f"const SHostData {parameter.name} = HostData(c.At<{cls}>({index}), {reach}, "
                      f"{null}, {unpack});")
         lines.append(f"if (!{parameter.name}.sound) return EPlayed::kFailed;")
