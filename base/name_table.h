@@ -1,11 +1,12 @@
-// The associative container of name translation and state collections: a flat array of entries,
-// searched linearly. Keys stand packed in an array of their own, so that a search through ten
-// thousand names reads consecutive memory; entries never move, so a pointer to a value stays valid
-// until that entry is erased. Includes nothing of ours: every room may use it.
+// The associative container of name translation: a flat array of entries, searched linearly. Keys
+// stand packed in an array of their own, so that a search through a thousand names reads
+// consecutive memory; longer tables have an index. Entries never move, so a pointer to a value
+// stays valid until that entry is erased. Includes nothing of ours: every room may use it.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <utility>
 
@@ -27,6 +28,7 @@ public:
         m_keys.reset(new Key[static_cast<std::size_t>(m_capacity)]);
         m_entries.reset(new Slot[static_cast<std::size_t>(m_capacity)]);
         m_lastHit = 0;
+        m_index.clear();
         for (m_count = 0; m_count < other.m_count; ++m_count) {
             m_keys[m_count] = other.m_keys[m_count];
             m_entries[m_count] = std::make_unique<SNameEntry>(*other.m_entries[m_count]);
@@ -49,6 +51,7 @@ public:
         m_keys[m_count] = key;
         m_entries[m_count] = std::make_unique<SNameEntry>(SNameEntry{key, Value{}});
         m_lastHit = m_count;
+        if (!m_index.empty()) m_index.emplace(key, m_count);
         return m_entries[m_count++]->value;
     }
 
@@ -58,6 +61,10 @@ public:
         const std::int32_t slot = SlotOf(key);
         if (slot < 0) return;
         const std::int32_t last = m_count - 1;
+        if (!m_index.empty()) {
+            m_index[m_keys[last]] = slot;
+            m_index.erase(key);
+        }
         m_entries[slot] = std::move(m_entries[last]);
         m_keys[slot] = m_keys[last];
         m_entries[last].reset();
@@ -69,6 +76,7 @@ public:
         for (std::int32_t i = 0; i < m_count; ++i) m_entries[i].reset();
         m_count = 0;
         m_lastHit = 0;
+        m_index.clear();
     }
 
     std::int32_t Count() const { return m_count; }
@@ -82,8 +90,19 @@ private:
 
     bool InUse(std::int32_t index) const { return index >= 0 && index < m_count; }
 
+    bool Holds(std::int32_t slot, Key key) const { return slot < m_count && m_keys[slot] == key; }
+
     std::int32_t SlotOf(Key key) const {
-        if (m_lastHit < m_count && m_keys[m_lastHit] == key) return m_lastHit;
+        // Objects are named again and again, or one after the other.
+        if (Holds(m_lastHit, key)) return m_lastHit;
+        if (Holds(m_lastHit + 1, key)) return ++m_lastHit;
+        constexpr std::int32_t kLongestSearch = 1024;
+        const std::int32_t slot = m_count <= kLongestSearch ? Search(key) : LookUp(key);
+        if (slot >= 0) m_lastHit = slot;
+        return slot;
+    }
+
+    std::int32_t Search(Key key) const {
         // Whole blocks are compared without a branch for each key, which compilers turn into
         // vector instructions; the block with the hit is then looked at key by key.
         constexpr std::int32_t kBlock = 32;
@@ -97,9 +116,17 @@ private:
             if (hit != 0) break;
         }
         for (; first < m_count; ++first) {
-            if (keys[first] == key) return m_lastHit = first;
+            if (keys[first] == key) return first;
         }
         return -1;
+    }
+
+    std::int32_t LookUp(Key key) const {
+        if (m_index.empty()) {
+            for (std::int32_t slot = 0; slot < m_count; ++slot) m_index.emplace(m_keys[slot], slot);
+        }
+        const auto found = m_index.find(key);
+        return found != m_index.end() ? found->second : -1;
     }
 
     void Grow() {
@@ -120,6 +147,9 @@ private:
     std::int32_t m_count = 0;
     std::int32_t m_capacity = kFirstCapacity;
     mutable std::int32_t m_lastHit = 0;
+    /// Of a long table, once it has been searched. Names come from the trace, so that no hash would
+    /// be safe from a trace made to meet it.
+    mutable std::map<Key, std::int32_t> m_index;
 };
 
 }  // namespace kestrail

@@ -1,5 +1,6 @@
 #include "base/output.h"
 
+#include <fcntl.h>
 #include <poll.h>
 #include <unistd.h>
 
@@ -72,6 +73,10 @@ void PrefixedLine(const char* prefix, const char* format, std::va_list arguments
 }  // namespace
 
 void FlushOnAnyExit() {
+    // Whatever the program opens would take the number of a stream that is closed, and the text.
+    for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream) {
+        if (::fcntl(stream, F_GETFD) == -1) ::open("/dev/null", O_RDWR);
+    }
     std::atexit(Flush);
     g_terminate = std::set_terminate(FlushAtTerminate);
     // A stack of its own, for the handler of a stack overflow.

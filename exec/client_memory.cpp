@@ -14,8 +14,10 @@ namespace {
 constexpr std::uintptr_t kRecordedEnd = std::uintptr_t{1} << 32;
 // Below this only a privileged process can map anything.
 constexpr std::uintptr_t kLowEnd = std::uintptr_t{1} << 16;
-// As far as an index of 32 bits reaches behind the last address, by four components.
-constexpr std::uintptr_t kZerosEnd = kRecordedEnd + (std::uintptr_t{1} << 36);
+// Drivers may take what lies between two vertices for a signed number of 32 bits: what is further
+// off they read in front of the array.
+constexpr std::int64_t kFurthest = std::int64_t{1} << 31;
+constexpr std::uintptr_t kZerosEnd = kRecordedEnd + static_cast<std::uintptr_t>(kFurthest);
 
 bool MapZeros(std::uintptr_t start, std::uintptr_t end) {
 #ifdef MAP_FIXED_NOREPLACE
@@ -59,29 +61,39 @@ std::int64_t SArrayReach::Bytes() const {
 
 CZeroTailed::CZeroTailed(CZeroTailed&& other) noexcept
     : m_start(std::exchange(other.m_start, nullptr)),
+      m_front(other.m_front),
       m_size(std::exchange(other.m_size, 0)),
       m_written(other.m_written) {}
 
 CZeroTailed& CZeroTailed::operator=(CZeroTailed&& other) noexcept {
     std::swap(m_start, other.m_start);
+    std::swap(m_front, other.m_front);
     std::swap(m_size, other.m_size);
     std::swap(m_written, other.m_written);
     return *this;
 }
 
 CZeroTailed::~CZeroTailed() {
-    if (m_start != nullptr) ::munmap(m_start, m_size);
+    Unmap();
+}
+
+void CZeroTailed::Unmap() {
+    if (m_start != nullptr) ::munmap(m_start - m_front, m_front + m_size);
+    m_start = nullptr;
 }
 
 const std::uint8_t* CZeroTailed::Put(const SDataPtr& array, std::int64_t reach) {
     const std::size_t length = array.GetSize();
     const std::size_t size = std::max(length, static_cast<std::size_t>(reach));
-    if (size > m_size) {
-        void* const mapped = ::mmap(nullptr, size, PROT_READ | PROT_WRITE,
+    if (m_start == nullptr || size > m_size) {
+        const auto furthest = static_cast<std::size_t>(kFurthest);
+        const std::size_t front = size > furthest ? furthest : 0;
+        void* const mapped = ::mmap(nullptr, front + size, PROT_READ | PROT_WRITE,
                                     MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
         if (mapped == MAP_FAILED) return nullptr;
-        if (m_start != nullptr) ::munmap(m_start, m_size);
-        m_start = static_cast<std::uint8_t*>(mapped);
+        Unmap();
+        m_start = static_cast<std::uint8_t*>(mapped) + front;
+        m_front = front;
         m_size = size;
         m_written = 0;
     }
@@ -114,6 +126,9 @@ CClientMemory::STaken CClientMemory::Take(std::uint32_t index, std::unique_ptr<S
 bool CClientMemory::Reaches(std::uint32_t index, const void* pointer,
                             const SArrayReach& reach) const {
     const std::int64_t bytes = reach.Bytes();
+    // Only zeros of this process's own stand on both sides of an array.
+    const bool tailed = index < m_arrays.size() && m_arrays[index].tailed.Holds(pointer);
+    if (bytes > kFurthest && !tailed) return false;
     if (index < m_arrays.size() && m_arrays[index].data == pointer) {
         return bytes <= m_arrays[index].size;
     }

@@ -23,7 +23,8 @@ struct SArrayReach {
     std::int64_t Bytes() const;
 };
 
-/// Bytes with zeros behind them, which take memory only as far as they are written.
+/// Bytes with zeros behind them, and in front of them where drivers may look there; zeros take no
+/// memory.
 class CZeroTailed {
 public:
     CZeroTailed() = default;
@@ -34,9 +35,13 @@ public:
     /// The array's bytes, readable as far as `reach`; null where the process has no room for it.
     const std::uint8_t* Put(const SDataPtr& array, std::int64_t reach);
     std::int64_t Reach() const { return static_cast<std::int64_t>(m_size); }
+    bool Holds(const void* start) const { return m_start != nullptr && m_start == start; }
 
 private:
+    void Unmap();
+
     std::uint8_t* m_start = nullptr;
+    std::size_t m_front = 0;
     std::size_t m_size = 0;
     std::size_t m_written = 0;
 };

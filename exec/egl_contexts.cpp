@@ -1,4 +1,6 @@
 // Displays, contexts, and what binds them to the thread.
+#include <vector>
+
 #include "exec/egl_calls.h"
 #include "exec/egl_config.h"
 #include "exec/egl_executor.h"
@@ -30,11 +32,12 @@ EPlayed PlayEglCreateContext(SEglPlay& c) {
                                            c.At<SEglAttribList>(4).GetRawArray());
     const EGLContext shared = c.names.GetContext(display, c.Value<TEGLContext>(2));
     Initialize(c, display);
+    const EGLint* const attributes = c.At<SEglAttribList>(3).GetRawArray();
+    std::vector<EGLint> room;
     const EGLContext context =
-        c.host.eglCreateContext(display, config, shared, c.At<SEglAttribList>(3).GetRawArray());
+        c.host.eglCreateContext(display, config, shared, CheckedAttributes(attributes, room));
     c.player.lastError = static_cast<std::uint32_t>(c.host.eglGetError());
-    c.names.SetContext(display, c.Returned<TEGLContext>(), context,
-                       ContextVersion(c.At<SEglAttribList>(3).GetRawArray()));
+    c.names.SetContext(display, c.Returned<TEGLContext>(), context, ContextVersion(attributes));
     return EPlayed::kPlayed;
 }
 

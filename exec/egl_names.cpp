@@ -22,6 +22,20 @@ void EraseNested(TNameTable<std::uint64_t, TNameTable<std::uint64_t, Live>>& tab
     if (table != nullptr) table->Erase(recorded);
 }
 
+/// Whether a list goes on. One of a damaged trace may end behind a name.
+bool IsPair(const EGLint* list) {
+    return list != nullptr && list[0] != EGL_NONE && list[1] != EGL_NONE;
+}
+
+/// Where the last value of an attribute stands; null without one.
+const EGLint* ValueOf(const EGLint* list, EGLint attribute) {
+    const EGLint* found = nullptr;
+    for (; IsPair(list); list += 2) {
+        if (list[0] == attribute) found = list + 1;
+    }
+    return found;
+}
+
 /// A size of -1 asks for the stored one; any other is stored.
 void StoreOrLoad(std::int32_t& value, std::int32_t& stored) {
     if (value == -1) {
@@ -34,13 +48,19 @@ void StoreOrLoad(std::int32_t& value, std::int32_t& stored) {
 }  // namespace
 
 std::int32_t ContextVersion(const EGLint* attributes) {
-    std::int32_t version = 1;
-    // A list of a damaged trace may end behind a name.
-    while (attributes != nullptr && attributes[0] != EGL_NONE && attributes[1] != EGL_NONE) {
-        if (attributes[0] == EGL_CONTEXT_CLIENT_VERSION) version = attributes[1];
-        attributes += 2;
+    const EGLint* const version = ValueOf(attributes, EGL_CONTEXT_CLIENT_VERSION);
+    return version != nullptr ? *version : 1;
+}
+
+const EGLint* CheckedAttributes(const EGLint* attributes, std::vector<EGLint>& room) {
+    constexpr EGLint kNoError = 0x31B3;
+    if (ValueOf(attributes, kNoError) == nullptr) return attributes;
+    room.clear();
+    for (const EGLint* pair = attributes; IsPair(pair); pair += 2) {
+        if (pair[0] != kNoError) room.insert(room.end(), pair, pair + 2);
     }
-    return version;
+    room.push_back(EGL_NONE);
+    return room.data();
 }
 
 CEglNames::SState CEglNames::s_state;
@@ -94,6 +114,9 @@ void CEglNames::SetContext(EGLDisplay live, Recorded recorded, EGLContext contex
 }
 
 void CEglNames::RemoveContext(EGLDisplay live, Recorded recorded) {
+    // One that is current stays in use until another one is.
+    SContextState* state = s_state.contextStates.Find(Key(GetContext(live, recorded)));
+    if (state != nullptr && state != s_state.context) *state = SContextState{};
     EraseNested(s_state.contexts, live, recorded);
 }
 

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <map>
+#include <vector>
 
 #include "base/name_table.h"
 #include "exec/client_memory.h"
@@ -16,6 +17,10 @@ namespace kestrail {
 
 /// The version of OpenGL ES that a context is asked for with these attributes, which EGL_NONE ends.
 std::int32_t ContextVersion(const EGLint* attributes);
+
+/// The attributes that a context is made with: the same ones, but in `room` where they ask for a
+/// context without error checks. In such a one a driver does what a damaged trace says.
+const EGLint* CheckedAttributes(const EGLint* attributes, std::vector<EGLint>& room);
 
 /// What the player has given to one context, as far as it must know it later.
 struct SContextState {

@@ -42,36 +42,43 @@ void CEs2Names::DetachShader(std::uint32_t recordedProgram, std::uint32_t record
     if (shader->references == 0 && shader->deletePending) DeleteShaderRecord(recordedShader);
 }
 
+void CEs2Names::ReleaseShader(std::uint32_t recorded) {
+    SShaderRecord* shader = GetShaderRecord(recorded);
+    if (shader == nullptr) return;
+    if (shader->references == 1 && shader->deletePending) {
+        s_state.shaders.Erase(recorded);
+    } else {
+        --shader->references;
+    }
+}
+
 void CEs2Names::DeleteProgram(std::uint32_t recordedProgram) {
     SProgramRecord* program = GetProgramRecord(recordedProgram);
     if (program == nullptr) return;
     if (program->liveName == s_state.currentProgram) {
         program->deletePending = true;
+        s_state.programsPending = true;
         return;
     }
-    auto& shaders = s_state.shaders;
-    for (std::int32_t i = 0; i < shaders.Count(); ++i) {
-        const std::uint32_t recorded = shaders.KeyAt(i);
-        if (recorded != program->vertexShader && recorded != program->fragmentShader) continue;
-        SShaderRecord& shader = *shaders.ValueAt(i);
-        if (shader.references == 1 && shader.deletePending) {
-            // Another entry now stands in this slot.
-            shaders.Erase(recorded);
-            --i;
-        } else {
-            --shader.references;
-        }
-    }
+    const std::uint32_t vertexShader = program->vertexShader;
+    const std::uint32_t fragmentShader = program->fragmentShader;
+    ReleaseShader(vertexShader);
+    if (fragmentShader != vertexShader) ReleaseShader(fragmentShader);
     s_state.programs.Erase(recordedProgram);
 }
 
 void CEs2Names::UseProgram(std::uint32_t liveName, bool sweep) {
     s_state.currentProgram = liveName;
-    if (!sweep) return;
+    if (!sweep || !s_state.programsPending) return;
+    s_state.programsPending = false;
     auto& programs = s_state.programs;
     for (std::int32_t i = 0; i < programs.Count(); ++i) {
         const SProgramRecord& program = *programs.ValueAt(i);
-        if (!program.deletePending || program.liveName == liveName) continue;
+        if (!program.deletePending) continue;
+        if (program.liveName == liveName) {
+            s_state.programsPending = true;
+            continue;
+        }
         DeleteProgram(programs.KeyAt(i));
         --i;
     }

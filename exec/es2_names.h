@@ -93,10 +93,14 @@ private:
         TNameTable<std::uint32_t, Locations> uniformLocations;
         TNameTable<std::uint32_t, Locations> attribLocations;
         std::uint32_t currentProgram = 0;
+        /// Some program may be deleted but for its use.
+        bool programsPending = false;
         bool viewportDirty = false;
         bool extensionsResolved = false;
     };
 
+    /// One program less has the shader. It goes with the last one when it is to be deleted.
+    void ReleaseShader(std::uint32_t recorded);
     static std::int32_t LocationIn(const TNameTable<std::uint32_t, Locations>& programs,
                                    std::int32_t recorded) {
         const Locations* locations = programs.Find(s_state.currentProgram);

@@ -27,6 +27,13 @@ std::int64_t ImageBytes(std::uint32_t format, std::uint32_t type, std::int32_t w
 std::int64_t ImageBytes(std::uint32_t format, std::uint32_t type, std::int32_t width,
                         std::int32_t height, std::int32_t depth, const SPixelStore& store);
 
+/// Whether a driver unpacks a compressed image by itself, from memory alone: those with a palette.
+inline bool IsPaletted(std::uint32_t internalFormat) {
+    constexpr std::uint32_t kFirst = 0x8B90;  // GL_PALETTE4_RGB8_OES
+    constexpr std::uint32_t kLast = 0x8B99;   // GL_PALETTE8_RGB5_A1_OES
+    return internalFormat >= kFirst && internalFormat <= kLast;
+}
+
 /// Bytes of one component of a vertex array or an index.
 std::int64_t ComponentBytes(std::uint32_t type);
 /// Bytes of one vertex of `size` components.

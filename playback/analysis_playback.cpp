@@ -17,6 +17,12 @@ bool IsDrawCall(std::uint16_t id) {
     return id == 2041 || id == 2042 || id == 3036 || id == 3037;
 }
 
+void ClearSurface() {
+    SEs2Host& host = *GetEs2Host();
+    host.glClearColor(0.0F, 0.0F, 0.0F, 0.0F);
+    host.glClear(GL_COLOR_BUFFER_BIT);
+}
+
 }  // namespace
 
 CAnalysisPlayback::CAnalysisPlayback() {
@@ -53,19 +59,16 @@ bool CAnalysisPlayback::PlayCalls(const CFrameRecord& frame) {
         CCallEntry* entry = store->CallAt(number);
         if (entry == nullptr || number > last) return false;
         const std::uint16_t id = entry->call->m_id;
-        if (id == kEglSwapBuffers) {
-            if (!drawn) {
-                // The last frame is not shown again.
-                GetEs2Host()->glClearColor(0.0F, 0.0F, 0.0F, 0.0F);
-                GetEs2Host()->glClear(GL_COLOR_BUFFER_BIT);
-            }
-            return PlaySwap();
-        }
-        if (IsDrawCall(id)) {
-            --budget;
-            drawn = true;
-        }
         try {
+            if (id == kEglSwapBuffers) {
+                // The last frame is not shown again.
+                if (!drawn) ClearSurface();
+                return PlaySwap();
+            }
+            if (IsDrawCall(id)) {
+                --budget;
+                drawn = true;
+            }
             if (!PlayTrackedCall(*entry)) return false;
         } catch (const CHostLibException& failure) {
             if (failure.reason == 1) return false;

@@ -135,7 +135,9 @@ void MakeContext(SEglTransition& t, const SEglContextRecord& context) {
     const EGLConfig config = FindEglConfig(t.names, live, context.config, attributes);
     // The context to share with is handed over as it was recorded.
     const auto shared = reinterpret_cast<EGLContext>(std::uintptr_t{context.shareContext});
-    const EGLContext made = t.host.eglCreateContext(live, config, shared, attributes);
+    std::vector<EGLint> room;
+    const EGLContext made =
+        t.host.eglCreateContext(live, config, shared, CheckedAttributes(attributes, room));
     t.host.eglGetError();
     t.names.SetContext(live, context.handle, made, ContextVersion(attributes));
 }

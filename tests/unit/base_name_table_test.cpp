@@ -12,13 +12,13 @@ using Table = TNameTable<std::uint32_t, std::uint64_t>;
 
 TEST(NameTable, AgreesWithAMapThroughAnyHistory) {
     std::mt19937 random(3);
-    for (const std::uint32_t keys : {5U, 40U, 300U}) {
+    for (const std::uint32_t keys : {5U, 40U, 300U, 4000U}) {
         Table table;
         std::map<std::uint32_t, std::uint64_t> model;
-        for (int step = 0; step < 6000; ++step) {
+        for (int step = 0; step < 30000; ++step) {
             const std::uint32_t key = static_cast<std::uint32_t>(random()) % keys;
             // The entries come and go, so that the table is now nearly empty, now full.
-            if (static_cast<int>(random() % 100) < (step / 1000 % 2 == 0 ? 70 : 30)) {
+            if (static_cast<int>(random() % 100) < (step / 5000 % 2 == 0 ? 90 : 30)) {
                 table.GetOrCreate(key) = static_cast<std::uint64_t>(step);
                 model[key] = static_cast<std::uint64_t>(step);
             } else {

@@ -297,6 +297,22 @@ TEST(EglNames, GeometryIsSetAndReadInOne) {
     both(-1, -1, -1, -1, EGL_NO_DISPLAY, {0, 20, 30, -2}, Live(8));
 }
 
+TEST(EglNames, AttributesOfContexts) {
+    std::vector<EGLint> room;
+    EXPECT_EQ(ContextVersion(nullptr), 1);
+    EXPECT_EQ(CheckedAttributes(nullptr, room), nullptr);
+    const EGLint plain[] = {0x3098, 3, 0x30FC, 1, EGL_NONE};
+    EXPECT_EQ(ContextVersion(plain), 3);
+    EXPECT_EQ(CheckedAttributes(plain, room), plain);
+    // Lists that end behind a name, as the reader closes them.
+    const EGLint lone[] = {0x3098, EGL_NONE, EGL_NONE};
+    EXPECT_EQ(ContextVersion(lone), 1);
+    const EGLint unchecked[] = {0x31B3, 1, 0x3098, 2, 0x31B3, 1, EGL_NONE};
+    const EGLint* const checked = CheckedAttributes(unchecked, room);
+    EXPECT_EQ(std::vector<EGLint>(checked, checked + 3),
+              std::vector<EGLint>({0x3098, 2, EGL_NONE}));
+}
+
 TEST(EglNames, EveryContextHasAPixelStoreOfItsOwn) {
     CEglNames names;
     names.UseContext(Live(0x71));

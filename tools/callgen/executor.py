@@ -78,8 +78,16 @@ def argument(row, parameter, lines):
         return f"{names}.Get(c.Value<{cls}>({index}))"
     if parameter.cls.startswith(("SDataPtr", "SImage")):
         null = "true" if parameter.null else "false"
+        in_memory = ""
+        if parameter.unpack:
+            format_name = next(p.name for p in row.listed if p.name in ("internalformat", "format"))
+            in_memory = f"!IsPaletted({value(row, format_name)})"
+            if parameter.null:
+                null = in_memory
         reach = image_expression(row, parameter) if parameter.image else needed(row, parameter)
         unpack = "UnpackBufferBound(c)" if parameter.image or parameter.unpack else "false"
+        if in_memory:
+            unpack = f"{in_memory} && {unpack}"
         lines.append(f"const SHostData {parameter.name} = HostData(c.At<{cls}>({index}), {reach}, "
                      f"{null}, {unpack});")
         lines.append(f"if (!{parameter.name}.sound) return EPlayed::kFailed;")
