@@ -94,7 +94,11 @@ NativeDisplay COsEnvironment::GetDisplay(std::uint64_t recordedDisplay) {
 NativeWindow COsEnvironment::GetWindow(std::uint64_t recordedWindow, std::int32_t width,
                                        std::int32_t height, NativeDisplay display) {
     if (const NativeWindow* known = nativeWindows.Find(recordedWindow)) return *known;
-    const NativeWindow window = createWindow(width, height, "KestrailPlayback", display);
+    // Far more than any application has, and few enough for a display to bear.
+    constexpr std::int32_t kMostWindows = 256;
+    const bool room = nativeWindows.Count() < kMostWindows;
+    const NativeWindow window =
+        room ? createWindow(width, height, "KestrailPlayback", display) : NativeWindow{};
     nativeWindows.GetOrCreate(recordedWindow) = window;
     return window;
 }

@@ -4,9 +4,20 @@
 #include <cstring>
 #include <utility>
 
-#include "state/repeat_mark.h"
+#include "state/repeating.h"
 
 namespace kestrail {
+namespace {
+
+/// Two numbers as one, so that others hardly ever give the same one.
+std::uint64_t Mixed(std::uint64_t first, std::uint64_t second) {
+    std::uint64_t mixed = first * 0x9E3779B97F4A7C15U + second;
+    mixed = (mixed ^ (mixed >> 30)) * 0xBF58476D1CE4E5B9U;
+    mixed = (mixed ^ (mixed >> 27)) * 0x94D049BB133111EBU;
+    return mixed ^ (mixed >> 31);
+}
+
+}  // namespace
 
 class CSharedBytes::CTaking {
 public:
@@ -26,6 +37,7 @@ CSharedBytes CSharedBytes::Borrow(const std::uint8_t* data, std::size_t size) {
     CSharedBytes bytes;
     bytes.m_data = data;
     bytes.m_dataSize = bytes.m_size = data != nullptr ? size : 0;
+    bytes.m_identity = reinterpret_cast<std::uintptr_t>(data);
     return bytes;
 }
 
@@ -51,12 +63,15 @@ const std::uint8_t* CSharedBytes::Get(std::vector<std::uint8_t>& room) const {
 }
 
 bool CSharedBytes::Takes(std::uint64_t size) const {
-    return size <= kLargest && (IsChanged() || CTaking::All() + size <= kLargestOfAll);
+    if (size > kLargest) return false;
+    // What is done again has been allowed before.
+    return IsChanged() || repeatingUpdates || CTaking::All() + size <= kLargestOfAll;
 }
 
-void CSharedBytes::Put(std::size_t size, const SByteRows& rows, Made made) {
-    ++unrepeatableUpdates;
+void CSharedBytes::Put(std::size_t size, const SByteRows& rows, const void* source, Made made) {
     m_size = size;
+    m_identity = Mixed(m_identity, reinterpret_cast<std::uintptr_t>(source));
+    m_identity = Mixed(m_identity, rows.offset);
     const bool first = !IsChanged();
     SChanged& changed = m_changed.Write();
     if (first) changed.taking = std::make_shared<CTaking>(size);

@@ -42,18 +42,17 @@ public:
     bool Empty() const { return m_size == 0; }
     /// All as they came with one call.
     bool Borrowed() const { return m_size != 0 && !IsChanged(); }
-    /// Different for contents that may differ.
-    std::uintptr_t Identity() const {
-        return reinterpret_cast<std::uintptr_t>(IsChanged() ? m_changed.Identity() : m_data);
-    }
+    /// Different for contents that may differ, the same for what the same calls bring about.
+    std::uint64_t Identity() const { return m_identity; }
     /// All bytes in a row: where they stand, or in `room`. Null when there are none.
     const std::uint8_t* Get(std::vector<std::uint8_t>& room) const;
 
     /// Whether rows can be put into these contents, as `size` bytes.
     bool Takes(std::uint64_t size) const;
     /// Sets rows within the first `size` bytes, which is how many the contents have from then on,
-    /// zeros where there were fewer. The rows stay where they are: in `made`, or with their call.
-    void Put(std::size_t size, const SByteRows& rows, Made made = nullptr);
+    /// zeros where there were fewer. The rows stay where they are: with their call, or in `made`,
+    /// from what the call has at `source`.
+    void Put(std::size_t size, const SByteRows& rows, const void* source, Made made = nullptr);
 
 private:
     /// Counts contents with parts for as long as any record has them.
@@ -74,6 +73,7 @@ private:
     const std::uint8_t* m_data = nullptr;
     std::size_t m_dataSize = 0;
     std::size_t m_size = 0;
+    std::uint64_t m_identity = 0;
     TShared<SChanged> m_changed;
 };
 

@@ -17,8 +17,10 @@ bool ApplySubData(TShared<TStateTable<SBufferState>>& buffers, std::uint32_t nam
     if (whole) {
         changed.data = CSharedBytes::Borrow(data.GetData(), length);
     } else {
-        changed.data.Put(changed.size, {static_cast<std::size_t>(offset), length, length, 1,
-                                        data.GetData(), length});
+        changed.data.Put(
+            changed.size,
+            {static_cast<std::size_t>(offset), length, length, 1, data.GetData(), length},
+            data.GetData());
     }
     return true;
 }

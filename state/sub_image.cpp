@@ -5,7 +5,7 @@
 
 #include "base/output.h"
 #include "calls/pixels/pixel_layout.h"
-#include "state/repeat_mark.h"
+#include "state/repeating.h"
 
 namespace kestrail {
 namespace {
@@ -38,8 +38,9 @@ bool Convert(const SImagePart& part, SFittedPart& fitted) {
 
 bool FitPart(const SImageLayout& image, const SImagePart& part, SFittedPart& fitted) {
     if (IsLarger(image, part)) {
-        ++unrepeatableUpdates;
-        output::Error("glTexSubImage2D: trying to update a texture out of limits.");
+        if (!repeatingUpdates) {
+            output::Error("glTexSubImage2D: trying to update a texture out of limits.");
+        }
         return false;
     }
     if (part.data == nullptr || image.border < 0 || !IsInside(image, part)) return false;

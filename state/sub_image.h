@@ -82,7 +82,7 @@ bool ApplySubImage(const Image* image, const SImagePart& part, Write write) {
     if (fitted.whole) {
         changed.data = CSharedBytes::Borrow(part.data, fitted.imageSize);
     } else {
-        changed.data.Put(fitted.imageSize, fitted.rows, fitted.converted);
+        changed.data.Put(fitted.imageSize, fitted.rows, part.data, fitted.converted);
     }
     return true;
 }

@@ -86,7 +86,7 @@ void MakeSurface(SEglTransition& t, const SEglSurfaceRecord& surface) {
     EGLDisplay live = t.names.GetDisplay(surface.display);
     if (live == EGL_NO_DISPLAY) return;
     const EGLConfig config =
-        FindEglConfig(t.names, live, surface.config, HostList(surface.configAttributes));
+        FindEglConfig(t.names, live, surface.config, HostList(*surface.configAttributes));
     const NativeWindow window =
         t.environment.GetWindow(surface.window.handle.GetValue(), surface.window.width,
                                 surface.window.height, t.names.GetNativeDisplay(live));
@@ -131,7 +131,7 @@ void MakeSurfaces(SEglTransition& t) {
 void MakeContext(SEglTransition& t, const SEglContextRecord& context) {
     const EGLDisplay live = t.names.GetDisplay(context.display);
     if (live == EGL_NO_DISPLAY) return;
-    const EGLint* attributes = HostList(context.attributes);
+    const EGLint* attributes = HostList(*context.attributes);
     const EGLConfig config = FindEglConfig(t.names, live, context.config, attributes);
     // The context to share with is handed over as it was recorded.
     const auto shared = reinterpret_cast<EGLContext>(std::uintptr_t{context.shareContext});

@@ -317,7 +317,7 @@ private:
         const TStateTable<SUniformLocation>& locations = *(*entry)->locations;
         for (std::int32_t i = 0; i < locations.Count(); ++i) {
             const SUniformLocation& uniform = ValueAt(locations, i);
-            const GLint at = m_host.glGetUniformLocation(live, uniform.name.c_str());
+            const GLint at = m_host.glGetUniformLocation(live, uniform.name->c_str());
             if (at == -1) {
                 m_host.glIsProgram(live);
                 continue;

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "base/shared.h"
 #include "calls/model/egl_values.h"
 #include "state/state_table.h"
 
@@ -36,6 +37,8 @@ private:
 
 /// A list of name and value pairs with its end mark, or none.
 using SEglAttributes = std::vector<std::int32_t>;
+/// The same in a record, of which there are copies with every change of another one.
+using SSharedEglAttributes = TShared<SEglAttributes>;
 
 struct SEglDisplayRecord {
     std::uint32_t handle = 0;
@@ -49,16 +52,16 @@ struct SEglContextRecord {
     std::uint32_t display = 0;
     std::uint32_t config = 0;
     std::uint32_t shareContext = 0;
-    SEglAttributes attributes;
-    SEglAttributes configAttributes;
+    SSharedEglAttributes attributes;
+    SSharedEglAttributes configAttributes;
 };
 
 struct SEglSurfaceRecord {
     std::uint32_t handle = 0;
     std::uint32_t display = 0;
     std::uint32_t config = 0;
-    SEglAttributes attributes;
-    SEglAttributes configAttributes;
+    SSharedEglAttributes attributes;
+    SSharedEglAttributes configAttributes;
     std::int32_t height = 0;
     std::int32_t width = 0;
     SEglNativeWindowDesc window;

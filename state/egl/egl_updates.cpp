@@ -1,4 +1,6 @@
 // What the EGL calls do to the record of displays, contexts and surfaces.
+#include <utility>
+
 #include "generated/calls/egl_calls.h"
 #include "state/egl/egl_state.h"
 
@@ -6,7 +8,7 @@ namespace kestrail {
 namespace {
 
 /// The pairs of a recorded list with an end mark, also where the record held none.
-SEglAttributes CopyAttributes(const SEglAttribList& list) {
+SSharedEglAttributes CopyAttributes(const SEglAttribList& list) {
     constexpr std::int32_t kEglNone = 12344;
     const std::uint32_t count = list.ItemCount();
     if (count == 0) return {};
@@ -14,7 +16,7 @@ SEglAttributes CopyAttributes(const SEglAttribList& list) {
     while (end + 1 < count && list.GetItem(end) != kEglNone) end += 2;
     SEglAttributes attributes(list.GetRawArray(), list.GetRawArray() + end);
     attributes.push_back(kEglNone);
-    return attributes;
+    return SSharedEglAttributes(std::move(attributes));
 }
 
 }  // namespace
@@ -52,7 +54,7 @@ bool CEgl_eglCreateContext_v1::UpdateState(CEglState& state) {
     context.shareContext = share_context.GetValue();
     context.attributes = CopyAttributes(attrib_list_contex);
     context.configAttributes = CopyAttributes(attrib_list_config);
-    const SEglAttributes& attributes = context.attributes;
+    const SEglAttributes& attributes = *context.attributes;
     for (std::size_t i = 0; i + 1 < attributes.size() && i < kLastScanned; i += 2) {
         if (attributes[i] != kContextClientVersion) continue;
         state.contextClientVersion = static_cast<std::uint32_t>(attributes[i + 1]);

@@ -42,6 +42,8 @@ struct SFramebufferState {
     SAttachmentState stencil;
     SAttachmentState depthStencil;
     std::vector<SAttachmentState> colors;  ///< by attachment number, as far as any was set
+    /// No context has more; what is beyond is left out of the record.
+    static constexpr std::uint32_t kMaxDrawBuffers = 16;
     std::vector<std::uint32_t> drawBuffers;
 };
 
@@ -128,7 +130,7 @@ struct SUniformState {
 struct SUniformLocation {
     std::int32_t location = 0;
     std::int32_t liveLocation = 0;
-    CKSTLString name;
+    TShared<CKSTLString> name;
 };
 
 /// The uniforms of a program by recorded location. Values change in every frame, names hardly ever,

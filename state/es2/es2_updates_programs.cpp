@@ -269,13 +269,13 @@ bool CEs2_glGetUniformLocation_v1::UpdateState(CEs2State& state) {
     const auto key = static_cast<std::uint32_t>(location);
     if (const auto* uniforms = state.uniforms->Find(program.GetValue())) {
         const SUniformLocation* held = (*uniforms)->locations->Find(key);
-        if (held != nullptr && held->name.view() == name.GetCString()) return true;
+        if (held != nullptr && held->name->view() == name.GetCString()) return true;
     }
     SProgramUniforms& uniforms = state.uniforms.Write().GetOrCreate(program.GetValue()).Write();
     uniforms.values.GetOrCreate(key);
     SUniformLocation& made = uniforms.locations.Write().GetOrCreate(key);
     made.location = made.liveLocation = location;
-    made.name = name.GetCString();
+    made.name = TShared<CKSTLString>(CKSTLString(name.GetCString()));
     return true;
 }
 

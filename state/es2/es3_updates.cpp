@@ -46,8 +46,8 @@ bool CEs3_glTexSubImage3D_v1::UpdateState(CEs2State& state) {
 bool CEs3_glDrawBuffers_v1::UpdateState(CEs2State& state) {
     const SFramebufferState* found = state.framebuffers->Find(state.boundFramebuffer);
     if (found == nullptr || n.GetValue() < 0) return false;
-    const std::uint32_t count =
-        std::min(static_cast<std::uint32_t>(n.GetValue()), bufs.ItemCount());
+    const std::uint32_t count = std::min({static_cast<std::uint32_t>(n.GetValue()),
+                                          bufs.ItemCount(), SFramebufferState::kMaxDrawBuffers});
     const std::uint32_t* values = bufs.GetRawArray();
     if (!std::equal(values, values + count, found->drawBuffers.begin(), found->drawBuffers.end())) {
         state.framebuffers.Write()

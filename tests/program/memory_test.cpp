@@ -146,6 +146,39 @@ std::vector<SHostileFile> FilesOfState() {
             t.Add(2111, t.ImagePart(n % 4096, 0, 1, 16384, 6409, Bytes(65536)));
         },
         imageBound);
+    // Something long stands beside what changes in every frame.
+    Trace longLists = Es2Trace();
+    Trace longNames = programUsed;
+    Trace longDraws = Es2Trace();
+    const std::vector<std::int64_t> list(4000, 0x3098);
+    const std::vector<std::int64_t> draws(4000, 36064);
+    for (std::uint32_t i = 1; i <= 7; ++i) {
+        longLists.Add(1003, longLists.Egl()
+                                .Context(i)
+                                .Display(CTraceBuilder::display)
+                                .Config(1)
+                                .Context(0)
+                                .Attributes(list)
+                                .Attributes(list));
+        longNames.Add(2077, longNames.Gl().Int(i).Uint(1).String(1, std::string(20'000, 'u')));
+        longDraws.Add(2005, longDraws.Gl().Enum(36160).Uint(i));
+        longDraws.Add(5159, longDraws.Gl().Sizei(4000).Array(tag::Enum, 1, draws));
+    }
+    add(
+        "contexts beside long lists",
+        [](Trace& t, std::uint32_t n) { t.CreateContext(2, 8 + n % 2).SwapBuffers(); }, longLists);
+    add(
+        "uniforms beside long names",
+        [](Trace& t, std::uint32_t n) {
+            t.Add(2077, t.Gl().Int(8).Uint(1).String(1, n % 2 == 0 ? "a" : "b")).SwapBuffers();
+        },
+        longNames);
+    add(
+        "framebuffers beside long lists",
+        [](Trace& t, std::uint32_t n) {
+            t.Add(2048, t.Gl().Enum(36160).Enum(36064).Enum(3553).Uint(n).Int(0)).SwapBuffers();
+        },
+        longDraws);
     return files;
 }
 

@@ -81,11 +81,11 @@ TEST(StateEgl, ContextsKeepTheirListsAndTheVersion) {
     const SEglContextRecord& first = state.contexts.At(0);
     EXPECT_EQ(first.display, 1u);
     EXPECT_EQ(first.config, 7u);
-    EXPECT_EQ(first.attributes, (SEglAttributes{12440, 2, 0x3100, 0x3101, 12440, 3, kNone}));
-    EXPECT_EQ(first.configAttributes, (SEglAttributes{0x3020, 24, kNone}));
-    EXPECT_TRUE(state.contexts.At(1).attributes.empty());
+    EXPECT_EQ(*first.attributes, (SEglAttributes{12440, 2, 0x3100, 0x3101, 12440, 3, kNone}));
+    EXPECT_EQ(*first.configAttributes, (SEglAttributes{0x3020, 24, kNone}));
+    EXPECT_TRUE(state.contexts.At(1).attributes->empty());
     EXPECT_EQ(state.contexts.At(1).shareContext, 30u);
-    EXPECT_EQ(state.contexts.At(2).attributes, (SEglAttributes{kNone}));
+    EXPECT_EQ(*state.contexts.At(2).attributes, (SEglAttributes{kNone}));
 
     EXPECT_TRUE(Apply(state, 1007, Egl().EglBoolean(true).Display(1).Context(30)));
     EXPECT_TRUE(Apply(state, 1007, Egl().EglBoolean(true).Display(1).Context(99)));
@@ -109,8 +109,8 @@ TEST(StateEgl, SurfacesAndWhatIsCurrent) {
     EXPECT_EQ(surface.width, 320);
     EXPECT_EQ(surface.height, 200);
     EXPECT_EQ(surface.window.handle.GetValue(), 0x55u);
-    EXPECT_EQ(surface.attributes, (SEglAttributes{0x3086, 0x3084, kNone}));
-    EXPECT_EQ(surface.configAttributes, (SEglAttributes{kNone}));
+    EXPECT_EQ(*surface.attributes, (SEglAttributes{0x3086, 0x3084, kNone}));
+    EXPECT_EQ(*surface.configAttributes, (SEglAttributes{kNone}));
 
     EXPECT_TRUE(Apply(
         state, 1018,

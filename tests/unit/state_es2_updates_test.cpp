@@ -568,7 +568,7 @@ TEST(Es2Uniforms, OfAllForms) {
         EXPECT_TRUE(SameTables(after, model.state)) << c.id;
     }
     const SUniformLocation& named = *(*model.state.uniforms->Find(5))->locations->Find(3);
-    EXPECT_EQ(named.name.view(), "u");
+    EXPECT_EQ(named.name->view(), "u");
     EXPECT_EQ(named.location, 3);
     EXPECT_EQ(named.liveLocation, 3);
 }

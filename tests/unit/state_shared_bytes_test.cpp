@@ -39,7 +39,7 @@ TEST(SharedBytes, PartsGoIntoOneCopyOnly) {
         rows.data = parts.back().data();
         rows.dataStride = rows.length;
         ASSERT_TRUE(bytes.Takes(kSize));
-        bytes.Put(kSize, rows);
+        bytes.Put(kSize, rows, rows.data);
         EXPECT_NE(bytes.Identity(), copies.back().first.Identity());
         for (std::size_t row = 0; row < rows.count; ++row) {
             std::fill_n(
@@ -65,7 +65,7 @@ TEST(SharedBytes, AllThatTakePartsComeToNoMoreThanALimit) {
     std::vector<CSharedBytes> taking(kFitting);
     for (CSharedBytes& bytes : taking) {
         ASSERT_TRUE(bytes.Takes(CSharedBytes::kLargest));
-        bytes.Put(CSharedBytes::kLargest, rows);
+        bytes.Put(CSharedBytes::kLargest, rows, rows.data);
     }
     EXPECT_FALSE(CSharedBytes().Takes(8));
     EXPECT_TRUE(taking.back().Takes(CSharedBytes::kLargest));

@@ -224,14 +224,14 @@ protected:
         SEglSurfaceRecord& surface = m_state.surfaces.GetOrCreate(600);
         surface.display = 500;
         surface.config = 1;
-        surface.configAttributes = {12339, 4, EGL_NONE};
+        surface.configAttributes.Write() = {12339, 4, EGL_NONE};
         surface.width = 320;
         surface.height = 240;
         SEglContextRecord& context = m_state.contexts.GetOrCreate(700);
         context.display = 500;
         context.config = 2;
         context.shareContext = 701;
-        context.attributes = {12440, 2, EGL_NONE};
+        context.attributes.Write() = {12440, 2, EGL_NONE};
         m_state.currentDisplay = 500;
         m_state.currentContext = 700;
         m_state.currentDrawSurface = 600;

@@ -245,7 +245,7 @@ void SetUniform(CEs2State& state, std::int32_t location, const char* name, std::
     SProgramUniforms& uniforms = state.uniforms.Write().GetOrCreate(20).Write();
     SUniformLocation& named = uniforms.locations.Write().GetOrCreate(key);
     named.location = location;
-    named.name = CKSTLString(name);
+    named.name = TShared<CKSTLString>(CKSTLString(name));
     SUniformState& uniform = uniforms.values.GetOrCreate(key);
     uniform.kind = kind;
     uniform.components = components;

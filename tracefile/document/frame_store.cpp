@@ -4,7 +4,7 @@
 #include <iterator>
 #include <utility>
 
-#include "state/repeat_mark.h"
+#include "state/repeating.h"
 #include "tracefile/document/trace_document.h"
 
 namespace kestrail {
@@ -70,15 +70,12 @@ void CFrameStore::OpenFrame(std::uint32_t firstCall) {
     m_currentFrame = m_frames.size() - 1;
     // Few enough to be applied again in less time than a restore takes.
     constexpr std::uint32_t kCallsApart = 1000;
-    if (m_callsSinceKept >= kCallsApart || m_unrepeatableBefore != unrepeatableUpdates) {
-        KeepState(m_currentFrame);
-    }
+    if (m_callsSinceKept >= kCallsApart) KeepState(m_currentFrame);
 }
 
 void CFrameStore::KeepState(std::size_t frame) {
     m_keptStates.push_back({frame, m_state});
     m_callsSinceKept = 0;
-    m_unrepeatableBefore = unrepeatableUpdates;
 }
 
 void CFrameStore::AppendCall(std::unique_ptr<CApiCall> call, std::uint64_t offset,
@@ -161,6 +158,7 @@ const SFrameState& CFrameStore::StateOfFrame(std::uint32_t frame) const {
         [](std::size_t wanted, const SKeptState& kept) { return wanted < kept.frame; });
     const SKeptState& kept = *std::prev(behind);
     if (m_asked.frame > place || m_asked.frame <= kept.frame) m_asked = kept;
+    const SRepeatedUpdates repeated;
     for (std::uint32_t call = m_frames[m_asked.frame].firstCall; call < m_frames[place].firstCall;
          ++call) {
         const std::uint32_t number = call + 1;

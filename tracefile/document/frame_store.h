@@ -150,9 +150,8 @@ private:
     std::vector<SKeptState> m_keptStates;
     /// The state that was asked for last.
     mutable SKeptState m_asked;
-    /// Calls applied since a state was kept, and how many of all updates were not to be repeated.
+    /// Calls applied since a state was kept.
     std::uint32_t m_callsSinceKept = 0;
-    std::uint64_t m_unrepeatableBefore = 0;
     /// The first call behind the state block, which counts even when it is disabled.
     std::uint32_t m_firstBehindState = 0;
     bool m_tracked = false;
