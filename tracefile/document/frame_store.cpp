@@ -69,7 +69,7 @@ void CFrameStore::OpenFrame(std::uint32_t firstCall) {
     m_frames.push_back(frame);
     m_currentFrame = m_frames.size() - 1;
     // Few enough to be applied again in less time than a restore takes.
-    constexpr std::uint32_t kCallsApart = 1000;
+    constexpr std::uint32_t kCallsApart = 2000;
     if (m_callsSinceKept >= kCallsApart) KeepState(m_currentFrame);
 }
 
