@@ -16,8 +16,8 @@ struct SVertices {
 };
 
 struct SDrawIndices {
-    const void* pointer;
-    bool sound;  ///< the captured indices are as many as the draw reads
+    const void* pointer = nullptr;
+    bool sound = false;  ///< the captured indices are as many as the draw reads
     SVertices vertices;
 };
 

@@ -209,9 +209,9 @@ bool ElementsFit(Host& host, std::uint32_t offset, std::int32_t count, std::uint
 /// What an indexed draw reads, as its record has it.
 struct SIndexedDraw {
     const SDataPtr& captured;
-    std::uint32_t offset;
-    std::int32_t count;
-    std::uint32_t type;
+    std::uint32_t offset = 0;
+    std::int32_t count = 0;
+    std::uint32_t type = 0;
     CapturedArrays& arrays;
     const CapturedIndices& indices;
     std::optional<std::int32_t> instances;

@@ -31,6 +31,7 @@ public:
     CApiCall(const CApiCall&) = delete;
     CApiCall& operator=(const CApiCall&) = delete;
 
+    // NOLINTNEXTLINE(misc-new-delete-overloads): the sized delete below matches it.
     static void* operator new(std::size_t size) { return s_arena.Take(size); }
     static void operator delete(void* call, std::size_t size) { s_arena.GiveBack(call, size); }
 

@@ -65,128 +65,140 @@ Bytes FilledByClaims(std::size_t size) {
                          {2130, claiming(t.Gl().Int(1).Sizei(1).Boolean(false))}});
 }
 
-/// Calls of a few bytes that set as much as they can in the models of the state.
-std::vector<SHostileFile> FilesOfState() {
-    using Trace = CTraceBuilder;
-    const auto texture = [](Trace& t, std::uint32_t name) {
-        t.Add(2007, t.Gl().Enum(3553).Uint(name));
-    };
-    const auto buffer = [](Trace& t, std::uint32_t name) {
-        t.Add(2004, t.Gl().Enum(34962).Uint(name));
-    };
-    const auto putByte = [](Trace& t, std::int64_t offset) {
-        t.Add(2014, t.Gl().Enum(34962).Intptr(offset).Sizeiptr(1).Data(1, Bytes(1)));
-    };
-    Trace bufferBound = Es2Trace();
-    buffer(bufferBound, 1);
-    bufferBound.Add(2013,
-                    bufferBound.Gl().Enum(34962).Sizeiptr(64 * kMiB).Data(0, Bytes()).Enum(35044));
-    Trace imageBound = Es2Trace();
-    texture(imageBound, 1);
-    imageBound.Add(2106, imageBound.Image(4096, 16384, 6409, {}, 1));
-    Trace programUsed = Es2Trace();
-    programUsed.Add(2026, programUsed.Gl().Uint(1)).Add(2131, programUsed.Gl().Uint(1));
+using Files = std::vector<SHostileFile>;
+using Trace = CTraceBuilder;
 
-    std::vector<SHostileFile> files;
-    const auto add = [&](const char* name, auto fill, const Trace& start = Es2Trace()) {
-        files.push_back({name, FilledByNames(kMiB, fill, start)});
-    };
-    add("programs", [](Trace& t, std::uint32_t n) { t.Add(2026, t.Gl().Uint(n)); });
-    add("shaders", [](Trace& t, std::uint32_t n) { t.Add(2027, t.Gl().Uint(n).Enum(35633)); });
-    add("textures", [&](Trace& t, std::uint32_t n) {
-        texture(t, n);
+template <typename Add>
+void AddFile(Files& files, const char* name, Add add, const Trace& start = Es2Trace()) {
+    files.push_back({name, FilledByNames(kMiB, add, start)});
+}
+
+Trace ProgramUsed() {
+    Trace trace = Es2Trace();
+    return trace.Add(2026, trace.Gl().Uint(1)).Add(2131, trace.Gl().Uint(1));
+}
+
+void BindTexture(Trace& t, std::uint32_t name) {
+    t.Add(2007, t.Gl().Enum(3553).Uint(name));
+}
+
+void BindBuffer(Trace& t, std::uint32_t name) {
+    t.Add(2004, t.Gl().Enum(34962).Uint(name));
+}
+
+/// Calls of a few bytes, each of which makes an object as large as it can in a model of the state.
+void AddObjects(Files& files) {
+    AddFile(files, "programs", [](Trace& t, std::uint32_t n) { t.Add(2026, t.Gl().Uint(n)); });
+    AddFile(files, "shaders",
+            [](Trace& t, std::uint32_t n) { t.Add(2027, t.Gl().Uint(n).Enum(35633)); });
+    AddFile(files, "textures", [](Trace& t, std::uint32_t n) {
+        BindTexture(t, n);
         t.Add(2109, t.Gl().Enum(3553).Enum(10240).Int(9728));
     });
-    add("buffers", [&](Trace& t, std::uint32_t n) {
-        buffer(t, n);
+    AddFile(files, "buffers", [](Trace& t, std::uint32_t n) {
+        BindBuffer(t, n);
         t.Add(2013, t.Gl().Enum(34962).Sizeiptr(4).Data(0, Bytes()).Enum(35044));
     });
-    add("framebuffers", [](Trace& t, std::uint32_t n) {
+    AddFile(files, "framebuffers", [](Trace& t, std::uint32_t n) {
         t.Add(2005, t.Gl().Enum(36160).Uint(n));
         t.Add(2048, t.Gl().Enum(36160).Enum(36079).Enum(3553).Uint(1).Int(0));
     });
-    add("vertex arrays",
-        [](Trace& t, std::uint32_t n) { t.Add(5171, t.Gl().Uint(n)).Add(2044, t.Gl().Uint(31)); });
-    add("vertex arrays of ES1", [](Trace& t, std::uint32_t n) {
+    AddFile(files, "vertex arrays", [](Trace& t, std::uint32_t n) {
+        t.Add(5171, t.Gl().Uint(n)).Add(2044, t.Gl().Uint(31));
+    });
+    AddFile(files, "vertex arrays of ES1", [](Trace& t, std::uint32_t n) {
         t.Add(4007, t.Ext(0, 1).Uint(n)).Add(3039, t.Gl().Enum(32884));
     });
-    add(
-        "uniforms",
-        [](Trace& t, std::uint32_t n) {
-            t.Add(2077, t.Gl().Int(static_cast<std::int32_t>(n)).Uint(1).String(1, "u"));
-        },
-        programUsed);
-    add("uniforms of a program each", [](Trace& t, std::uint32_t n) {
+    AddFile(files, "contexts", [](Trace& t, std::uint32_t n) { t.CreateContext(2, n); });
+    AddFile(files, "surfaces", [](Trace& t, std::uint32_t n) { t.CreateWindowSurface(30, 30, n); });
+}
+
+void AddValues(Files& files) {
+    AddFile(
+        files, "uniforms",
+        [](Trace& t, std::uint32_t n) { t.Add(2077, t.Gl().Int(n).Uint(1).String(1, "u")); },
+        ProgramUsed());
+    AddFile(files, "uniforms of a program each", [](Trace& t, std::uint32_t n) {
         t.Add(2026, t.Gl().Uint(n)).Add(2077, t.Gl().Int(1).Uint(n).String(1, "u"));
     });
-    add(
-        "attributes", [](Trace& t, std::uint32_t n) { t.Add(2133, t.Gl().Uint(n).Float(1)); },
-        programUsed);
-    add("bound attributes",
-        [](Trace& t, std::uint32_t n) { t.Add(2003, t.Gl().Uint(n).Uint(1).String(1, "a")); });
-    add("contexts", [](Trace& t, std::uint32_t n) { t.CreateContext(2, n); });
-    add("surfaces", [](Trace& t, std::uint32_t n) { t.CreateWindowSurface(30, 30, n); });
-    add("matrices", [](Trace& t, std::uint32_t n) {
+    AddFile(
+        files, "attributes",
+        [](Trace& t, std::uint32_t n) { t.Add(2133, t.Gl().Uint(n).Float(1)); }, ProgramUsed());
+    AddFile(files, "bound attributes",
+            [](Trace& t, std::uint32_t n) { t.Add(2003, t.Gl().Uint(n).Uint(1).String(1, "a")); });
+    AddFile(files, "matrices", [](Trace& t, std::uint32_t n) {
         t.Add(3001, t.Gl().Enum(33984 + n % 32)).Add(3093, t.Gl().Enum(5890));
         t.Add(3113, t.Gl());
     });
-    add(
-        "bytes of a buffer", [&](Trace& t, std::uint32_t n) { putByte(t, n * std::int64_t{1500}); },
-        bufferBound);
-    add(
-        "bytes of a buffer, in a frame each",
+}
+
+/// Small parts of large contents.
+void AddContents(Files& files) {
+    Trace buffer = Es2Trace();
+    BindBuffer(buffer, 1);
+    buffer.Add(2013, buffer.Gl().Enum(34962).Sizeiptr(64 * kMiB).Data(0, Bytes()).Enum(35044));
+    const auto putByte = [](Trace& t, std::uint32_t n) {
+        const auto offset = n * std::int64_t{1500};
+        t.Add(2014, t.Gl().Enum(34962).Intptr(offset).Sizeiptr(1).Data(1, Bytes(1)));
+    };
+    AddFile(files, "bytes of a buffer", putByte, buffer);
+    AddFile(
+        files, "bytes of a buffer, in a frame each",
         [&](Trace& t, std::uint32_t n) {
-            putByte(t, n * std::int64_t{1500});
+            putByte(t, n);
             t.Add(3084, t.Gl().Fixed(n)).SwapBuffers();
         },
-        bufferBound);
-    add(
-        "columns of an image",
+        buffer);
+    Trace image = Es2Trace();
+    BindTexture(image, 1);
+    image.Add(2106, image.Image(4096, 16384, 6409, {}, 1));
+    AddFile(
+        files, "columns of an image",
         [](Trace& t, std::uint32_t n) {
             t.Add(2111, t.ImagePart(n % 4096, 0, 1, 16384, 6409, Bytes(65536)));
         },
-        imageBound);
-    // Something long stands beside what changes in every frame.
-    Trace longLists = Es2Trace();
-    Trace longNames = programUsed;
-    Trace longDraws = Es2Trace();
+        image);
+}
+
+/// Something long stands beside what changes in every frame.
+void AddLongNeighbours(Files& files) {
+    Trace lists = Es2Trace();
+    Trace names = ProgramUsed();
+    Trace draws = Es2Trace();
     const std::vector<std::int64_t> list(4000, 0x3098);
-    const std::vector<std::int64_t> draws(4000, 36064);
     for (std::uint32_t i = 1; i <= 7; ++i) {
-        longLists.Add(1003, longLists.Egl()
-                                .Context(i)
-                                .Display(CTraceBuilder::display)
-                                .Config(1)
-                                .Context(0)
-                                .Attributes(list)
-                                .Attributes(list));
-        longNames.Add(2077, longNames.Gl().Int(i).Uint(1).String(1, std::string(20'000, 'u')));
-        longDraws.Add(2005, longDraws.Gl().Enum(36160).Uint(i));
-        longDraws.Add(5159, longDraws.Gl().Sizei(4000).Array(tag::Enum, 1, draws));
+        CRecordBuilder context = lists.Egl().Context(i).Display(CTraceBuilder::display).Config(1);
+        lists.Add(1003, context.Context(0).Attributes(list).Attributes(list));
+        names.Add(2077, names.Gl().Int(i).Uint(1).String(1, std::string(20'000, 'u')));
+        draws.Add(2005, draws.Gl().Enum(36160).Uint(i));
+        draws.Add(5159, draws.Gl().Sizei(4000).Array(tag::Enum, 1, list));
     }
-    add(
-        "contexts beside long lists",
-        [](Trace& t, std::uint32_t n) { t.CreateContext(2, 8 + n % 2).SwapBuffers(); }, longLists);
-    add(
-        "uniforms beside long names",
+    AddFile(
+        files, "contexts beside long lists",
+        [](Trace& t, std::uint32_t n) { t.CreateContext(2, 8 + n % 2).SwapBuffers(); }, lists);
+    AddFile(
+        files, "uniforms beside long names",
         [](Trace& t, std::uint32_t n) {
             t.Add(2077, t.Gl().Int(8).Uint(1).String(1, n % 2 == 0 ? "a" : "b")).SwapBuffers();
         },
-        longNames);
-    add(
-        "framebuffers beside long lists",
+        names);
+    AddFile(
+        files, "framebuffers beside long lists",
         [](Trace& t, std::uint32_t n) {
             t.Add(2048, t.Gl().Enum(36160).Enum(36064).Enum(3553).Uint(n).Int(0)).SwapBuffers();
         },
-        longDraws);
-    return files;
+        draws);
 }
 
-std::vector<SHostileFile> HostileFiles() {
+Files HostileFiles() {
     // Versions before 9 have records that are read without a look at their size.
     const CTraceBuilder old = Es2Trace(8);
     const CRecordBuilder none = old.Plain();
-    std::vector<SHostileFile> files = FilesOfState();
+    Files files;
+    AddObjects(files);
+    AddValues(files);
+    AddContents(files);
+    AddLongNeighbours(files);
     files.push_back({"large calls", Filled(4 * kMiB, {{5149, none}}, old)});
     files.push_back({"usual calls", Filled(4 * kMiB, {{2043, none}})});
     files.push_back({"frames", Filled(4 * kMiB, {{1022, none}}, old)});
