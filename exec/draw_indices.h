@@ -3,9 +3,13 @@
 
 #include <cstdint>
 
+#include "calls/model/client_arrays.h"
 #include "exec/host_data.h"
 
 namespace kestrail {
+
+using CapturedArrays = SVectorData<SDataPtr*>;
+using CapturedIndices = SVectorData<int>;
 
 /// How many vertices a draw reads, from the first on.
 struct SVertices {
@@ -32,5 +36,16 @@ std::int64_t VerticesOf(const void* indices, std::int32_t count, std::uint32_t t
 /// is none bound.
 SDrawIndices DrawIndices(bool elementBuffer, const SDataPtr& captured, std::uint32_t offset,
                          std::int32_t count, std::uint32_t type);
+
+/// Whether the element buffer has all the indices of a draw. A host reads ahead of the draw which
+/// vertices they name, when there are client arrays, and does not ask how many there are.
+template <typename Host>
+bool ElementsFit(Host& host, std::uint32_t offset, std::int32_t count, std::uint32_t type) {
+    std::int32_t size = 0;
+    constexpr std::uint32_t kElementArrayBuffer = 34963;
+    constexpr std::uint32_t kBufferSize = 34660;
+    host.glGetBufferParameteriv(kElementArrayBuffer, kBufferSize, &size);
+    return std::int64_t{offset} + std::int64_t{count} * ComponentBytes(type) <= size;
+}
 
 }  // namespace kestrail

@@ -14,16 +14,11 @@
 #include "calls/model/client_arrays.h"
 #include "exec/client_memory.h"
 #include "exec/draw_indices.h"
-#include "exec/es2_executor.h"
 #include "exec/es2_names.h"
 #include "exec/host_data.h"
-#include "exec/played.h"
-#include "exec/viewport_correction.h"
+#include "exec/player_state.h"
 
 namespace kestrail {
-
-using CapturedArrays = SVectorData<SDataPtr*>;
-using CapturedIndices = SVectorData<int>;
 
 template <typename Host>
 GLuint BoundBuffer(Host& host, GLenum binding) {
@@ -179,83 +174,5 @@ private:
     bool m_sound = true;
     bool m_any = false;
 };
-
-/// Whether the arrays of ES2 reach as far as a draw by ES1's entry of the same name: where both
-/// libraries lead to one driver, the context decides whose arrays are read. And the same for a draw
-/// of ES2 or ES3 in a context of ES1.
-bool Es2ArraysReach(SPlayerState& player, CCallEntry& entry, SVertices vertices);
-bool Es1ArraysReach(SPlayerState& player, CCallEntry& entry, SVertices vertices);
-
-/// Whether the context is one of ES1, in which no call of ES2 finds the arrays.
-inline bool IsEs1Context(SPlayerState& player) {
-    return player.eglNames.Context().version == 1;
-}
-
-/// False when the context reads the arrays of ES1, and too far.
-template <typename Context>
-bool OtherArraysReach(Context& c, SVertices vertices) {
-    return !IsEs1Context(c.player) || Es1ArraysReach(c.player, c.entry, vertices);
-}
-
-/// Whether the element buffer has all the indices of a draw. A host reads ahead of the draw which
-/// vertices they name, when there are client arrays, and does not ask how many there are.
-template <typename Host>
-bool ElementsFit(Host& host, std::uint32_t offset, std::int32_t count, std::uint32_t type) {
-    GLint size = 0;
-    host.glGetBufferParameteriv(GL_ELEMENT_ARRAY_BUFFER, GL_BUFFER_SIZE, &size);
-    return std::int64_t{offset} + std::int64_t{count} * ComponentBytes(type) <= size;
-}
-
-/// What an indexed draw reads, as its record has it.
-struct SIndexedDraw {
-    const SDataPtr& captured;
-    std::uint32_t offset = 0;
-    std::int32_t count = 0;
-    std::uint32_t type = 0;
-    CapturedArrays& arrays;
-    const CapturedIndices& indices;
-    std::optional<std::int32_t> instances;
-    /// The highest vertex that the call names itself; a host may read all up to it.
-    std::int64_t lastVertex = -1;
-};
-
-/// Whether the highest index of a type begins a new primitive instead of being a vertex.
-template <typename Context>
-bool RestartsPrimitives(Context& c) {
-    constexpr GLenum kPrimitiveRestartFixedIndex = 0x8D69;
-    return c.player.eglNames.Context().restartAsked &&
-           c.host.glIsEnabled(kPrimitiveRestartFixedIndex) != GL_FALSE;
-}
-
-/// Does for an indexed draw all that stands around the host's own call, `draw(pointer)`.
-template <typename Context, typename Draw>
-EPlayed DrawIndexed(Context& c, const SIndexedDraw& indexed, Draw draw) {
-    CorrectViewport(c.player, c.names.ViewportDirty(), c.host);
-    const GLuint elementBuffer = BoundBuffer(c.host, GL_ELEMENT_ARRAY_BUFFER_BINDING);
-    const GLuint arrayBuffer = BoundBuffer(c.host, GL_ARRAY_BUFFER_BINDING);
-    SDrawIndices indices = DrawIndices(elementBuffer != 0, indexed.captured, indexed.offset,
-                                       indexed.count, indexed.type);
-    if (indices.vertices.known && indices.vertices.count == IndexLimit(indexed.type) &&
-        RestartsPrimitives(c)) {
-        indices.vertices.count = VerticesOf(indices.pointer, indexed.count, indexed.type, true);
-    }
-    indices.vertices.count = std::max(indices.vertices.count, indexed.lastVertex + 1);
-    c.host.glBindBuffer(GL_ARRAY_BUFFER, 0);
-    TClientArrays<Context> arrays(c, indexed.arrays, indexed.indices, indices.vertices);
-    if (indexed.instances) arrays.SetInstances(*indexed.instances);
-    const bool sound = arrays.Point("glDrawElements");
-    c.host.glBindBuffer(GL_ARRAY_BUFFER, arrayBuffer);
-    if (!sound || !indices.sound || !OtherArraysReach(c, indices.vertices)) {
-        return EPlayed::kFailed;
-    }
-    if (elementBuffer != 0 && (arrays.Any() || IsEs1Context(c.player)) &&
-        !ElementsFit(c.host, indexed.offset, indexed.count, indexed.type)) {
-        return EPlayed::kFailed;
-    }
-    CheckEs2Error(c.player);
-    draw(indices.pointer);
-    CheckEs2Error(c.player);
-    return EPlayed::kPlayed;
-}
 
 }  // namespace kestrail

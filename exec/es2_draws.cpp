@@ -1,7 +1,7 @@
 #include <algorithm>
 
 #include "exec/es2_calls.h"
-#include "exec/es2_client_arrays.h"
+#include "exec/indexed_draws.h"
 
 namespace kestrail {
 
@@ -32,13 +32,6 @@ EPlayed PlayGlDrawElements(SEs2Play& c) {
     return DrawIndexed(c, indexed, [&](const void* indices) {
         c.host.glDrawElements(c.Value<TGLBeginMode>(0), indexed.count, indexed.type, indices);
     });
-}
-
-bool Es2ArraysReach(SPlayerState& player, CCallEntry& entry, SVertices vertices) {
-    static CapturedArrays s_noArrays;
-    static const CapturedIndices kNoIndices;
-    SEs2Play c{player, entry, *entry.GetInfo(), entry.call->m_id, *GetEs2Host(), player.names};
-    return TClientArrays<SEs2Play>(c, s_noArrays, kNoIndices, vertices).Measure();
 }
 
 }  // namespace kestrail

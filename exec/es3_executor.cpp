@@ -3,9 +3,9 @@
 #include <algorithm>
 
 #include "base/output.h"
-#include "exec/es2_client_arrays.h"
 #include "exec/es2_executor.h"
 #include "exec/es3_calls.h"
+#include "exec/indexed_draws.h"
 #include "host/es2_host.h"
 
 namespace kestrail {
