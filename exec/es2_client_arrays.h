@@ -6,6 +6,7 @@
 #include <GLES2/gl2.h>
 
 #include <algorithm>
+#include <bit>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -61,7 +62,8 @@ public:
             }
         }
         // The host reads those, too, that no recorded index stands for.
-        for (GLuint index = 0; index < attributes && index < kCounted; ++index) {
+        const GLuint counted = std::min(attributes, kCounted);
+        for (auto index = static_cast<GLuint>(std::countr_one(seen)); index < counted; ++index) {
             if ((seen >> index & 1) == 0) MeasureOne(index, ClientPointer(index));
         }
         return m_sound;
