@@ -22,7 +22,9 @@ void Initialize(SEglPlay& c, EGLDisplay display) {
 }  // namespace
 
 EPlayed PlayEglBindAPI(SEglPlay& c) {
-    c.host.eglBindAPI(c.Value<TEGLenum>(0));
+    const EGLenum api = c.Value<TEGLenum>(0);
+    if (!IsApiPlayed(api)) return EPlayed::kFailed;
+    c.host.eglBindAPI(api);
     return EPlayed::kPlayed;
 }
 

@@ -22,9 +22,9 @@ void EraseNested(TNameTable<std::uint64_t, TNameTable<std::uint64_t, Live>>& tab
     if (table != nullptr) table->Erase(recorded);
 }
 
-/// Whether a list goes on. One of a damaged trace may end behind a name.
+/// Whether a list goes on: a host ends it at a name alone.
 bool IsPair(const EGLint* list) {
-    return list != nullptr && list[0] != EGL_NONE && list[1] != EGL_NONE;
+    return list != nullptr && list[0] != EGL_NONE;
 }
 
 /// Where the last value of an attribute stands; null without one.

@@ -15,8 +15,15 @@
 
 namespace kestrail {
 
-/// The version of OpenGL ES that a context is asked for with these attributes, which EGL_NONE ends.
+/// The version of OpenGL ES that a context is asked for with these attributes: pairs, which
+/// EGL_NONE in the place of a name ends.
 std::int32_t ContextVersion(const EGLint* attributes);
+
+/// Whether contexts of an API may be made. Those of desktop GL have entry points under the same
+/// names as those of ES, with other data: no trace holds what they read.
+inline bool IsApiPlayed(EGLenum api) {
+    return api != EGL_OPENGL_API;
+}
 
 /// The attributes that a context is made with: the same ones, but in `room` where they ask for a
 /// context without error checks. In such a one a driver does what a damaged trace says.

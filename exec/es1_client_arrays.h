@@ -74,9 +74,6 @@ public:
           m_vertices(vertices),
           m_missing(missing) {}
 
-    /// Whether the host reads any memory of the player's.
-    bool Any() const { return m_any; }
-
     /// Points the enabled client arrays at their bytes. False when the bytes end before the
     /// vertices do.
     bool Point() {
@@ -136,7 +133,6 @@ private:
     }
 
     void PointOne(int kind, const SArrayState& state) {
-        m_any = true;
         CClientMemory& memory = m_c.player.eglNames.Context().es1Arrays;
         const auto index = static_cast<std::uint32_t>(kind);
         const auto type = static_cast<GLenum>(state.type);
@@ -187,7 +183,6 @@ private:
     const char* m_missing;
     std::size_t m_next = 0;
     bool m_sound = true;
-    bool m_any = false;
 };
 
 }  // namespace kestrail

@@ -48,8 +48,8 @@ EPlayed PlayGlDrawElements(SEs1Play& c) {
     CEs1ClientArrays arrays(c, c.At<CapturedArrays>(5), c.At<CapturedIndices>(6), indices.vertices,
                             nullptr);
     if (!PointArrays(c, arrays, indices.vertices) || !indices.sound) return EPlayed::kFailed;
-    if (elementBuffer && (arrays.Any() || IsEs2Context(c.player)) &&
-        !ElementsFit(c.host, c.Value<TPointer>(4), count, type)) {
+    // Which arrays are enabled has not been asked of all.
+    if (elementBuffer && !ElementsFit(c.host, c.Value<TPointer>(4), count, type)) {
         return EPlayed::kFailed;
     }
     c.host.glDrawElements(c.Value<TGLBeginMode>(0), count, type, indices.pointer);

@@ -78,7 +78,7 @@ public:
         return m_sound;
     }
 
-    /// Whether the host reads any memory of the player's.
+    /// Whether any enabled array is not in a buffer, be it one of null.
     bool Any() const { return m_any; }
 
 private:
@@ -100,9 +100,9 @@ private:
     void* ClientPointer(GLuint index) {
         if (Query(index, GL_VERTEX_ATTRIB_ARRAY_ENABLED) == 0) return nullptr;
         if (Query(index, GL_VERTEX_ATTRIB_ARRAY_BUFFER_BINDING) != 0) return nullptr;
+        m_any = true;
         void* pointer = nullptr;
         m_c.host.glGetVertexAttribPointerv(index, GL_VERTEX_ATTRIB_ARRAY_POINTER, &pointer);
-        m_any = m_any || pointer != nullptr;
         return pointer;
     }
 

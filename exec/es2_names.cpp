@@ -57,7 +57,7 @@ void CEs2Names::DeleteProgram(std::uint32_t recordedProgram) {
     if (program == nullptr) return;
     if (program->liveName == s_state.currentProgram) {
         program->deletePending = true;
-        s_state.programsPending = true;
+        s_state.currentPending = true;
         return;
     }
     const std::uint32_t vertexShader = program->vertexShader;
@@ -68,6 +68,10 @@ void CEs2Names::DeleteProgram(std::uint32_t recordedProgram) {
 }
 
 void CEs2Names::UseProgram(std::uint32_t liveName, bool sweep) {
+    if (liveName != s_state.currentProgram) {
+        s_state.programsPending = s_state.programsPending || s_state.currentPending;
+        s_state.currentPending = false;
+    }
     s_state.currentProgram = liveName;
     if (!sweep || !s_state.programsPending) return;
     s_state.programsPending = false;
@@ -76,7 +80,7 @@ void CEs2Names::UseProgram(std::uint32_t liveName, bool sweep) {
         const SProgramRecord& program = *programs.ValueAt(i);
         if (!program.deletePending) continue;
         if (program.liveName == liveName) {
-            s_state.programsPending = true;
+            s_state.currentPending = true;
             continue;
         }
         DeleteProgram(programs.KeyAt(i));

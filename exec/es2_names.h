@@ -93,7 +93,8 @@ private:
         TNameTable<std::uint32_t, Locations> uniformLocations;
         TNameTable<std::uint32_t, Locations> attribLocations;
         std::uint32_t currentProgram = 0;
-        /// Some program may be deleted but for its use.
+        /// Some program may be deleted but for its use: the current one, or others.
+        bool currentPending = false;
         bool programsPending = false;
         bool viewportDirty = false;
         bool extensionsResolved = false;

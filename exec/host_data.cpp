@@ -149,8 +149,6 @@ std::int64_t ComponentBytes(std::uint32_t type) {
         case GL_HALF_FLOAT:
         case kHalfFloatOes:
             return 2;
-        case 0x140A:  // GL_DOUBLE, of contexts of desktop GL
-            return 8;
         case kFixed:
         default:
             return 4;
@@ -175,7 +173,6 @@ std::uint32_t ParameterCount(std::uint32_t pname) {
         case 0x1602:  // GL_AMBIENT_AND_DIFFUSE
         case 0x2201:  // GL_TEXTURE_ENV_COLOR
         case 0x8B9D:  // GL_TEXTURE_CROP_RECT_OES
-        case 0x8E46:  // GL_TEXTURE_SWIZZLE_RGBA
             return 4;
         case 0x1204:  // GL_SPOT_DIRECTION
         case 0x8129:  // GL_POINT_DISTANCE_ATTENUATION

@@ -50,7 +50,9 @@ void Initialize(SEglTransition& t, EGLDisplay live) {
 }
 
 void BindApi(SEglTransition& t) {
-    if (t.target.boundApi != 0) t.host.eglBindAPI(t.target.boundApi);
+    if (t.target.boundApi != 0 && IsApiPlayed(t.target.boundApi)) {
+        t.host.eglBindAPI(t.target.boundApi);
+    }
 }
 
 FoundFlags MakeDisplays(SEglTransition& t) {

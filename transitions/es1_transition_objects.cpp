@@ -194,9 +194,9 @@ void TransitionFramebuffers1(SEs1Transition& t) {
                                             t.host.glGenFramebuffersOES);
         if (framebuffer.everBound == 0) continue;
         t.host.glBindFramebufferOES(GL_FRAMEBUFFER_OES, live);
-        const bool colored = !framebuffer.colors.empty();
+        const bool colored = !framebuffer.colors->empty();
         Attach(t, GL_COLOR_ATTACHMENT0_OES,
-               colored ? framebuffer.colors.front() : SAttachmentState());
+               colored ? framebuffer.colors->front() : SAttachmentState());
         Attach(t, GL_DEPTH_ATTACHMENT_OES, framebuffer.depth);
         Attach(t, GL_STENCIL_ATTACHMENT_OES, framebuffer.stencil);
         t.host.glCheckFramebufferStatusOES(GL_FRAMEBUFFER_OES);

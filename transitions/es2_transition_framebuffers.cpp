@@ -42,17 +42,18 @@ bool Attach(SEs2Host& host, CEs2Names& names, GLenum place, const SAttachmentSta
 }
 
 void AttachAll(SEs2Host& host, CEs2Names& names, const SFramebufferState& framebuffer) {
-    for (std::uint32_t i = 0; i < framebuffer.colors.size(); ++i) {
-        Attach(host, names, GL_COLOR_ATTACHMENT0 + i, framebuffer.colors[i], framebuffer.samples);
+    for (std::uint32_t i = 0; i < framebuffer.colors->size(); ++i) {
+        Attach(host, names, GL_COLOR_ATTACHMENT0 + i, (*framebuffer.colors)[i],
+               framebuffer.samples);
     }
     if (!Attach(host, names, GL_DEPTH_STENCIL_ATTACHMENT, framebuffer.depthStencil,
                 framebuffer.samples)) {
         Attach(host, names, GL_DEPTH_ATTACHMENT, framebuffer.depth, framebuffer.samples);
         Attach(host, names, GL_STENCIL_ATTACHMENT, framebuffer.stencil, framebuffer.samples);
     }
-    if (!framebuffer.drawBuffers.empty()) {
-        GetEs3Host()->glDrawBuffers(static_cast<GLsizei>(framebuffer.drawBuffers.size()),
-                                    framebuffer.drawBuffers.data());
+    if (!framebuffer.drawBuffers->empty()) {
+        GetEs3Host()->glDrawBuffers(static_cast<GLsizei>(framebuffer.drawBuffers->size()),
+                                    framebuffer.drawBuffers->data());
     }
 }
 

@@ -57,8 +57,9 @@ SAttachmentState& Attachment(SFramebufferState& framebuffer, std::uint32_t attac
     constexpr std::uint32_t kStencil = 36128;
     if (attachment == kDepth) return framebuffer.depth;
     if (attachment == kStencil) return framebuffer.stencil;
-    if (framebuffer.colors.empty()) framebuffer.colors.resize(1);
-    return framebuffer.colors.front();
+    std::vector<SAttachmentState>& colors = framebuffer.colors.Write();
+    if (colors.empty()) colors.resize(1);
+    return colors.front();
 }
 
 bool Attach(CEs1State& state, std::uint32_t target, std::uint32_t attachment,

@@ -41,10 +41,11 @@ struct SFramebufferState {
     SAttachmentState depth;
     SAttachmentState stencil;
     SAttachmentState depthStencil;
-    std::vector<SAttachmentState> colors;  ///< by attachment number, as far as any was set
+    /// By attachment number, as far as any was set.
+    TShared<std::vector<SAttachmentState>> colors;
     /// No context has more; what is beyond is left out of the record.
     static constexpr std::uint32_t kMaxDrawBuffers = 16;
-    std::vector<std::uint32_t> drawBuffers;
+    TShared<std::vector<std::uint32_t>> drawBuffers;
 };
 
 struct SRenderbufferState {
@@ -219,7 +220,7 @@ struct STextureImageState {
 };
 
 /// Images of a texture by face (0 but for cube maps), then level.
-struct STextureFaces : TStateTable<TStateTable<STextureImageState>> {
+struct STextureFaces : TStateTable<TStateTable<STextureImageState, 2>> {
     /// There is an image at face 0, level 0: the one that holds the parameters.
     bool hasFirst = false;
 };

@@ -43,8 +43,9 @@ SAttachmentState& Attachment(SFramebufferState& framebuffer, std::uint32_t attac
     if (attachment == GL_STENCIL_ATTACHMENT) return framebuffer.stencil;
     if (attachment == GL_DEPTH_STENCIL_ATTACHMENT) return framebuffer.depthStencil;
     const std::size_t index = attachment - GL_COLOR_ATTACHMENT0;
-    if (index >= framebuffer.colors.size()) framebuffer.colors.resize(index + 1);
-    return framebuffer.colors[index];
+    std::vector<SAttachmentState>& colors = framebuffer.colors.Write();
+    if (index >= colors.size()) colors.resize(index + 1);
+    return colors[index];
 }
 
 /// The attribute of the vertex array in use as it stands; a default one where there is none yet.

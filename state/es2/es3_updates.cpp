@@ -49,10 +49,12 @@ bool CEs3_glDrawBuffers_v1::UpdateState(CEs2State& state) {
     const std::uint32_t count = std::min({static_cast<std::uint32_t>(n.GetValue()),
                                           bufs.ItemCount(), SFramebufferState::kMaxDrawBuffers});
     const std::uint32_t* values = bufs.GetRawArray();
-    if (!std::equal(values, values + count, found->drawBuffers.begin(), found->drawBuffers.end())) {
+    if (!std::equal(values, values + count, found->drawBuffers->begin(),
+                    found->drawBuffers->end())) {
         state.framebuffers.Write()
             .Find(state.boundFramebuffer)
-            ->drawBuffers.assign(values, values + count);
+            ->drawBuffers.Write()
+            .assign(values, values + count);
     }
     // Handled, and told as not handled all the same.
     return false;

@@ -263,6 +263,15 @@ TEST(Egl, EachOtherCallIsPlayedOrLeftOut) {
     }
 }
 
+TEST(Egl, NoContextIsMadeOfDesktopGl) {
+    CTraceBuilder trace = ListedTrace();
+    trace.Add(1030, trace.Egl().EglBoolean(true).EglEnum(0x30A2));
+    const SRunResult run = RunTrace(trace);
+    EXPECT_EQ(run.CallsOf({"eglBindAPI"}), Lines{});
+    EXPECT_EQ(run.Messages(), (Lines{message + "Error call:eglBindAPI 1030",
+                                     error + "PlayCall Error: Unrecognized/Error call"}));
+}
+
 TEST(Egl, AFailureIsReportedUnderTheLastGlCall) {
     CTraceBuilder trace = ListedTrace();
     trace.StartUp(2, 300, 300);

@@ -158,7 +158,6 @@ TEST(HostData, SizesOfVerticesAndParameters) {
                     {GL_FLOAT, 4, 16},
                     {GL_HALF_FLOAT, 3, 6},
                     {0x140C, 3, 12},  // GL_FIXED
-                    {0x140A, 4, 32},  // GL_DOUBLE
                     {GL_INT_2_10_10_10_REV, 4, 4},
                     {GL_UNSIGNED_INT_2_10_10_10_REV, 4, 4}};
     for (const auto& c : vertices) EXPECT_EQ(VertexBytes(c.type, c.size), c.bytes) << c.type;

@@ -305,9 +305,9 @@ TEST(EglNames, AttributesOfContexts) {
     EXPECT_EQ(ContextVersion(plain), 3);
     EXPECT_EQ(CheckedAttributes(plain, room), plain);
     // Lists that end behind a name, as the reader closes them.
-    const EGLint lone[] = {0x3098, EGL_NONE, EGL_NONE};
-    EXPECT_EQ(ContextVersion(lone), 1);
-    const EGLint unchecked[] = {0x31B3, 1, 0x3098, 2, 0x31B3, 1, EGL_NONE};
+    const EGLint lone[] = {0x30FC, EGL_NONE, 0x3098, 2, EGL_NONE, EGL_NONE};
+    EXPECT_EQ(ContextVersion(lone), 2);
+    const EGLint unchecked[] = {0x31B3, EGL_NONE, 0x3098, 2, 0x31B3, 1, EGL_NONE};
     const EGLint* const checked = CheckedAttributes(unchecked, room);
     EXPECT_EQ(std::vector<EGLint>(checked, checked + 3),
               std::vector<EGLint>({0x3098, 2, EGL_NONE}));

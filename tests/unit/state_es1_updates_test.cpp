@@ -555,10 +555,10 @@ TEST_F(StateEs1Updates, FramebufferObjects) {
     EXPECT_FALSE(ApplyExt(4027, Ext().Enum(36161).Enum(36128).Enum(36161).Uint(23)));
     const SFramebufferState& framebuffer = *state.framebuffers->Find(12);
     EXPECT_EQ(framebuffer.everBound, 1);
-    ASSERT_EQ(framebuffer.colors.size(), 1u);
-    EXPECT_EQ(framebuffer.colors[0].kind, 5890u);
-    EXPECT_EQ(framebuffer.colors[0].name, 7u);
-    EXPECT_EQ(framebuffer.colors[0].level, 2);
+    ASSERT_EQ(framebuffer.colors->size(), 1u);
+    EXPECT_EQ(framebuffer.colors->front().kind, 5890u);
+    EXPECT_EQ(framebuffer.colors->front().name, 7u);
+    EXPECT_EQ(framebuffer.colors->front().level, 2);
     EXPECT_EQ(framebuffer.depth.name, 21u);
     EXPECT_EQ(framebuffer.depth.kind, 36161u);
     EXPECT_EQ(framebuffer.stencil.name, 22u);

@@ -257,17 +257,17 @@ TEST(Es2Framebuffers, AttachmentsGoToTheirPlaces) {
         return a.name == name && a.level == level && a.cubeFace == face && a.kind == kind;
     };
     const SFramebufferState& f = *s.framebuffers->Find(5);
-    ASSERT_EQ(f.colors.size(), 3U);
-    EXPECT_TRUE(is(f.colors[0], 11, 2, 0, 5890));
-    EXPECT_TRUE(is(f.colors[1], 0, 0, 0, 0));
-    EXPECT_TRUE(is(f.colors[2], 12, 2, 34071, 5890));
+    ASSERT_EQ(f.colors->size(), 3U);
+    EXPECT_TRUE(is((*f.colors)[0], 11, 2, 0, 5890));
+    EXPECT_TRUE(is((*f.colors)[1], 0, 0, 0, 0));
+    EXPECT_TRUE(is((*f.colors)[2], 12, 2, 34071, 5890));
     EXPECT_TRUE(is(f.depth, 21, 0, 0, 36161) && is(f.stencil, 21, 0, 0, 36161));
     EXPECT_EQ(f.depthStencil.kind, 0U);
     EXPECT_TRUE(renderbuffer(36160, 33306));
     EXPECT_TRUE(texture(36079, 3553, 13));
     EXPECT_EQ(s.framebuffers->Find(5)->depthStencil.name, 21U);
-    EXPECT_EQ(s.framebuffers->Find(5)->colors.size(), 16U);
-    EXPECT_EQ(before.framebuffers->Find(5)->colors.size(), 3U);
+    EXPECT_EQ(s.framebuffers->Find(5)->colors->size(), 16U);
+    EXPECT_EQ(before.framebuffers->Find(5)->colors->size(), 3U);
 
     EXPECT_TRUE(model.Names(2030, {6}));
     EXPECT_EQ(s.boundFramebuffer, 5U);
@@ -306,7 +306,7 @@ TEST(Es2Framebuffers, DrawBuffersStayWithTheFramebuffer) {
     EXPECT_FALSE(model.Do(5159, draw(3)));
     EXPECT_EQ(model.state.framebuffers->Count(), 0);
     model.Bind(2005, 36160, 4);
-    const auto held = [&] { return model.state.framebuffers->Find(4)->drawBuffers; };
+    const auto held = [&] { return *model.state.framebuffers->Find(4)->drawBuffers; };
     using Values = std::vector<std::uint32_t>;
     EXPECT_FALSE(model.Do(5159, draw(2)));
     EXPECT_EQ(held(), (Values{36064, 0}));

@@ -167,7 +167,7 @@ TEST_F(Es1Transition, ClientArraysAndFramebuffers) {
     target.renderbuffers.Write().GetOrCreate(1) = {1, 1, 8, 9, 33189, 0};
     SFramebufferState& framebuffer = target.framebuffers.Write().GetOrCreate(2);
     framebuffer.everBound = 1;
-    framebuffer.colors = {{7, 1, 0, 5890}};
+    framebuffer.colors.Write() = {{7, 1, 0, 5890}};
     framebuffer.depth = {1, 0, 0, 36161};
     target.boundFramebuffer = 2;
     target.boundRenderbuffer = 6;

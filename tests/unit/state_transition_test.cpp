@@ -438,14 +438,14 @@ TEST_F(StateTransition, RenderbuffersAndFramebuffers) {
     target.renderbuffers.Write().GetOrCreate(4) = {4, 1, 0, 0, 0, 0};
     SFramebufferState& flat = target.framebuffers.Write().GetOrCreate(6);
     flat.everBound = 1;
-    flat.colors = {{7, 0, 0, 5890}, {}, {7, 2, 34071, 5890}};
+    flat.colors.Write() = {{7, 0, 0, 5890}, {}, {7, 2, 34071, 5890}};
     flat.depth = {1, 0, 0, 36161};
     flat.stencil = {99, 0, 0, 36161};
-    flat.drawBuffers = {36064, 36066};
+    flat.drawBuffers.Write() = {36064, 36066};
     SFramebufferState& sampled = target.framebuffers.Write().GetOrCreate(8);
     sampled.everBound = 1;
     sampled.samples = 4;
-    sampled.colors = {{7, 0, 0, 5890}};
+    sampled.colors.Write() = {{7, 0, 0, 5890}};
     sampled.depthStencil = {2, 0, 0, 36161};
     sampled.depth = {1, 0, 0, 36161};
     target.boundFramebuffer = 8;
