@@ -122,7 +122,7 @@ private:
     std::int64_t ValuesOf(GLuint index) const {
         constexpr GLenum kDivisor = 0x88FE;
         if (!m_instances) return m_vertices.count;
-        const std::int64_t divisor = Query(index, kDivisor);
+        const auto divisor = std::int64_t{static_cast<std::uint32_t>(Query(index, kDivisor))};
         return divisor != 0 ? (*m_instances + divisor - 1) / divisor : m_vertices.count;
     }
 

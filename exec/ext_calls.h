@@ -21,6 +21,16 @@ EPlayed PlayGlBindRenderbufferOES(SEs1Play& c);
 EPlayed PlayGlRenderbufferStorageMultisampleQVA(SEs2Play& c);
 EPlayed PlayGlFramebufferTexture2DMultisampleQVA(SEs2Play& c);
 
+/// Maps all of the buffer. What glMapBufferRange gave at that place is gone by then.
+template <typename Context>
+EPlayed PlayGlMapBufferOES(Context& c) {
+    if (c.host.glMapBufferOES == nullptr) return EPlayed::kMissing;
+    const void* const mapped =
+        c.host.glMapBufferOES(c.template Value<TGLenum>(0), c.template Value<TGLenum>(1));
+    c.player.eglNames.Mapped().erase(mapped);
+    return EPlayed::kPlayed;
+}
+
 /// Copies what the application wrote while the buffer was mapped, then unmaps it. A buffer that is
 /// not mapped, or smaller than the record, is left alone.
 template <typename Context>

@@ -329,10 +329,13 @@ TEST_F(CEs3, NothingIsWrittenBehindAMappedRange) {
     mapAndUnmap(2, Bytes(16, 5));
     mapAndUnmap(2, Bytes(17, 5));
     mapAndUnmap(1, Bytes(1, 5));
+    // Mapped whole, the buffer begins where the range did.
+    trace.Add(4004, trace.Ext().Pointer(0x10).Enum(arrayBuffer).Enum(35001));
+    trace.Add(4005, trace.Ext().Boolean(true).Enum(arrayBuffer).Data(0x10, Bytes(17, 5)));
     const SRunResult run = Run();
     const Lines refused = {message + "Error call:glUnmapBufferOES 4005", failed};
     EXPECT_EQ(run.Messages(), (Lines{refused[0], refused[1], refused[0], refused[1]}));
-    EXPECT_EQ(run.CallsOf({"glUnmapBufferOES"}).size(), 1U);
+    EXPECT_EQ(run.CallsOf({"glUnmapBufferOES"}).size(), 2U);
 }
 
 TEST_F(CEs3, IndexedDrawsCorrectTheViewport) {
