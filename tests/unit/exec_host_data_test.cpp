@@ -233,8 +233,9 @@ TEST(ClientMemory, ArraysAreMeasuredToTheLastVertex) {
     for (const auto& c : cases) {
         EXPECT_EQ(memory.Reaches(2, taken.pointer, c.reach), c.reaches) << &c - cases;
     }
-    // Nothing is known of memory that was not handed out for this array.
-    EXPECT_FALSE(memory.Reaches(1, taken.pointer, {4, 0, 1}));
+    // Nothing is known of memory that was not handed out, above all recorded addresses.
+    const auto* const elsewhere = reinterpret_cast<const void*>(std::uintptr_t{1} << 40);
+    EXPECT_FALSE(memory.Reaches(2, elsewhere, {4, 0, 1}));
     EXPECT_FALSE(memory.Take(2, array, {4, 0, 6}, true, false).sound);
     EXPECT_FALSE(memory.Take(2, array, {4, 0, 6}, true, true).sound);
     EXPECT_EQ(array, nullptr) << "kept for later draws";
