@@ -91,23 +91,6 @@ TEST_F(CNames, GensStoreEachElementAndDeletesDropIt) {
             Host("glDeleteTextures", 2, "{106, 0}"), Host("glBindTexture", texture2D, 105)});
 }
 
-TEST_F(CNames, TheTableGrowsAndShrinksWithoutLosingNames) {
-    std::vector<std::int64_t> names;
-    for (int i = 0; i < 50; ++i) names.push_back(1000 + i);
-    List(2050, names);
-    List(2029, {1000, 1011, 1049, 1025});
-    std::string made = "{101";
-    for (int i = 1; i < 50; ++i) made += ", " + std::to_string(101 + i);
-    Lines expected = {Host("glGenBuffers", 50, made + "}"),
-                      Host("glDeleteBuffers", 4, "{101, 112, 150, 126}")};
-    for (int i = 1; i < 49; i += 3) {
-        if (i == 25) continue;
-        Bind(2004, arrayBuffer, static_cast<std::uint32_t>(1000 + i));
-        expected.push_back(Host("glBindBuffer", arrayBuffer, 101 + i));
-    }
-    Expect(expected);
-}
-
 TEST_F(CNames, AttachmentsAreTranslatedAndAMissKeepsItsOwnValue) {
     List(2053, {7});
     List(2054, {7});
@@ -245,15 +228,6 @@ TEST_F(CNames, AttributesFallBackToTheRecordedIndex) {
             Host("glBindAttribLocation", 101, 1, "\"position\""),
             Host("glEnableVertexAttribArray", 1), Host("glUseProgram", 101),
             Host("glEnableVertexAttribArray", 9), Host("glEnableVertexAttribArray", 2)});
-}
-
-TEST_F(CNames, LiveObjectsAreCounted) {
-    List(2054, {4, 5, 6});
-    List(2031, {5});
-    CreateProgram(8);
-    const SRunResult run = RunTrace(trace);
-    EXPECT_EQ(run.live.at("textures"), 2);
-    EXPECT_EQ(run.live.at("programs"), 1);
 }
 
 }  // namespace

@@ -168,13 +168,6 @@ TEST_F(CSeek, ChoosesTheFramesOfTheCommandLine) {
     }
 }
 
-TEST_F(CSeek, RandomFramesAreTheSameOnEachRun) {
-    FramesTo(5);
-    const SRunResult first = Run({"--random", "--iterations=5"});
-    EXPECT_EQ(first.CallsOf({"glDrawArrays"}).size(), 4U);
-    EXPECT_EQ(Run({"--random", "--iterations=5"}).calls, first.calls);
-}
-
 TEST_F(CSeek, StreamingIsRefusedBeforeTheLoad) {
     FramesTo(2);
     for (const char* option : {"--frame=1", "--random", "--iterations=2"}) {
