@@ -7,7 +7,7 @@
 #include <string>
 #include <utility>
 
-#include "tests/program/table_rows.h"
+#include "tests/support/table_rows.h"
 #include "tests/support/trace_builder.h"
 
 namespace kestrail {

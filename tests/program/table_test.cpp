@@ -2,7 +2,7 @@
 
 #include "tests/program/program_test.h"
 #include "tests/program/table_call.h"
-#include "tests/program/table_rows.h"
+#include "tests/support/table_rows.h"
 
 // Walks every entry point: the record of each is played, and the host must have seen every value in
 // its place. A wrong row, swapped parameters or the wrong table of names show as another value.

@@ -25,8 +25,9 @@ ROOMS = {
     "bench": ["playback", "tests/support"],
     "fuzz": ["playback", "tests/program"],
     # What knows the format by itself, so that it can tell on the reader.
-    "tests/support": [],
     "tests/host": [],
+    "tests/support": ["tests/host"],
+    "tests/cases": ["tests/support"],
     "tests/program": ["tests/support", "tracefile/document"],
     "tests/render": ["samples"],
     "tests/unit": ["playback", "tests/support"],

@@ -43,6 +43,7 @@ struct SFamilyRows {
     std::uint8_t api = 0;
 };
 
+const SFamilyRows& EglRows();
 const SFamilyRows& Es1Rows();
 const SFamilyRows& Es2Rows();
 const SFamilyRows& Es3Rows();

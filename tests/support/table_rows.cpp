@@ -1,4 +1,4 @@
-#include "tests/program/table_rows.h"
+#include "tests/support/table_rows.h"
 
 #include <iterator>
 #include <sstream>
@@ -56,6 +56,25 @@ const SPrototype* FindPrototype(const std::string& family, const std::string& en
         if (prototype.family == family && prototype.entry == entry) return &prototype;
     }
     return nullptr;
+}
+
+const SFamilyRows& EglRows() {
+    static const SFamilyRows rows = [] {
+        SFamilyRows egl;
+        egl.family = "Egl";
+        egl.first = 1001;
+        egl.entries = Words(R"(
+            eglChooseConfig eglCopyBuffers eglCreateContext eglCreatePbufferSurface
+            eglCreatePixmapSurface eglCreateWindowSurface eglDestroyContext eglDestroySurface
+            eglGetConfigAttrib eglGetConfigs eglGetCurrentContext eglGetCurrentDisplay
+            eglGetCurrentSurface eglGetDisplay eglGetError eglGetProcAddress eglInitialize
+            eglMakeCurrent eglQueryContext eglQueryString eglQuerySurface eglSwapBuffers
+            eglTerminate eglWaitGL eglWaitNative eglBindTexImage eglReleaseTexImage
+            eglSurfaceAttrib eglSwapInterval eglBindAPI eglCreatePbufferFromClientBuffer
+            eglQueryAPI eglReleaseThread eglWaitClient)");
+        return egl;
+    }();
+    return rows;
 }
 
 // NOLINTNEXTLINE(readability-function-size): a table.
