@@ -184,7 +184,7 @@ Lines Matching(const Lines& calls, const Words& patterns) {
 }
 
 /// Messages are written with M, W and E for the prefixes, with a dot for an empty line, and with a
-/// ~ for a blank at a line's end.
+/// ~ for a blank at a line's beginning or end.
 Lines Expected(const SSection& section) {
     static const std::map<std::string, std::string> prefixes = {
         {"M: ", "KESTRAIL(M) "}, {"W: ", "KESTRAIL(W) WARNING: "}, {"E: ", "KESTRAIL(W) ERROR: "}};
@@ -197,6 +197,7 @@ Lines Expected(const SSection& section) {
             lines.push_back(line == "." ? "" : line);
         }
         if (!lines.back().empty() && lines.back().back() == '~') lines.back().back() = ' ';
+        if (!lines.back().empty() && lines.back().front() == '~') lines.back().front() = ' ';
     }
     return lines;
 }
@@ -237,6 +238,8 @@ private:
                 m_options.host = section.rest;
             } else if (section.word == "environment") {
                 m_options.environment = section.lines;
+            } else if (section.word == "memory") {
+                m_options.memoryLimit = Unsigned(section.rest);
             } else if (section.word != "trace") {
                 kept.push_back(section);
             }
