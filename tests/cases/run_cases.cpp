@@ -275,9 +275,15 @@ private:
         if (section.word == "host") {
             Compare(words.empty() ? run.GlCalls() : Matching(run.calls, words), expected);
         } else if (section.word == "tail") {
+            const bool counted = std::isdigit(static_cast<unsigned char>(words.at(0)[0])) != 0;
+            const auto behind = std::find_if(
+                run.calls.rbegin(), counted ? run.calls.rbegin() : run.calls.rend(),
+                [&](const std::string& call) { return call.rfind(words[0] + "(", 0) == 0; });
             const Lines calls = Matching(
-                run.calls, words.size() > 1 ? Words(words.begin() + 1, words.end()) : Words{"*"});
-            const auto count = std::min<std::size_t>(calls.size(), Unsigned(words.at(0)));
+                counted ? run.calls : Lines(behind.base(), run.calls.end()),
+                words.size() > 1 ? Words(words.begin() + 1, words.end()) : Words{"*"});
+            const auto count = counted ? std::min<std::size_t>(calls.size(), Unsigned(words[0]))
+                                       : calls.size();
             Compare(Lines(calls.end() - static_cast<std::ptrdiff_t>(count), calls.end()), expected);
         } else if (section.word == "messages") {
             if (words.empty()) Compare(run.Messages(), expected);
