@@ -54,7 +54,7 @@ public:
             Words padded = words;
             padded.resize(std::max<std::size_t>(words.size(), 8));
             directive->second(trace, padded);
-        } else if (words[0].back() == 'x' && words.size() > 1) {
+        } else if (std::isdigit(static_cast<unsigned char>(words[0][0])) != 0) {
             const std::int64_t times = NumberOf(words[0].substr(0, words[0].size() - 1));
             for (std::int64_t i = 0; i < times; ++i) Add(line.substr(words[0].size() + 1));
         } else {
