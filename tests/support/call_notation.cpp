@@ -196,8 +196,8 @@ std::uint64_t PointerOf(const std::string& word, std::size_t end) {
 std::string TextOf(const std::string& word) {
     std::string text;
     for (std::size_t i = word.find('"') + 1; i + 1 < word.size(); ++i) {
-        if (word[i] == '\\') ++i;
-        text += word[i] == 'n' && word[i - 1] == '\\' ? '\n' : word[i];
+        const std::size_t escape = word[i] == '\\' ? std::string("nrt").find(word[++i]) : 3;
+        text += escape < 3 ? "\n\r\t"[escape] : word[i];
     }
     return text;
 }
