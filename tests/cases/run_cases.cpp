@@ -279,11 +279,11 @@ private:
             const auto behind = std::find_if(
                 run.calls.rbegin(), counted ? run.calls.rbegin() : run.calls.rend(),
                 [&](const std::string& call) { return call.rfind(words[0] + "(", 0) == 0; });
-            const Lines calls = Matching(
-                counted ? run.calls : Lines(behind.base(), run.calls.end()),
-                words.size() > 1 ? Words(words.begin() + 1, words.end()) : Words{"*"});
-            const auto count = counted ? std::min<std::size_t>(calls.size(), Unsigned(words[0]))
-                                       : calls.size();
+            const Lines calls =
+                Matching(counted ? run.calls : Lines(behind.base(), run.calls.end()),
+                         words.size() > 1 ? Words(words.begin() + 1, words.end()) : Words{"*"});
+            const auto count =
+                counted ? std::min<std::size_t>(calls.size(), Unsigned(words[0])) : calls.size();
             Compare(Lines(calls.end() - static_cast<std::ptrdiff_t>(count), calls.end()), expected);
         } else if (section.word == "messages") {
             if (words.empty()) Compare(run.Messages(), expected);
@@ -299,6 +299,12 @@ private:
                 if (usual) call += " =>  :: Error: GL_NO_ERROR";
             }
             EXPECT_EQ(Joined(lines), Joined(wanted));
+        } else if (section.word == "printed" && !words.empty()) {
+            Lines lines;
+            for (const std::string& printed : run.Lines()) {
+                if (printed.find(section.rest) != std::string::npos) lines.push_back(printed);
+            }
+            EXPECT_EQ(Joined(lines), expected);
         } else if (section.word == "printed") {
             EXPECT_NE(("\n" + run.out).find("\n" + expected), std::string::npos)
                 << expected << "is not in\n"
@@ -318,6 +324,9 @@ private:
                 EXPECT_EQ(live == run.live.end() ? 0 : live->second, NumberOf(words[i + 1]))
                     << words[i];
             }
+        } else if (section.word == "ends" && section.rest == "crash") {
+            // A sanitizer turns the fault into an exit of its own.
+            EXPECT_TRUE(run.signal != 0 || (IsSanitized() && run.status != 0)) << run.Ending();
         } else if (section.word == "ends") {
             const bool signal = words.at(0) == "signal";
             EXPECT_EQ(signal ? run.signal : run.status, NumberOf(words.at(1))) << run.Ending();
