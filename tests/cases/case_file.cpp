@@ -106,7 +106,12 @@ std::vector<std::vector<SCase>> ReadCases(const std::string& path) {
         if (text.empty() || text[0] == '#') continue;
         if (line[0] == ' ') {
             if (lines == nullptr) throw std::runtime_error(line + ": in no section");
-            lines->push_back(text);
+            if (!lines->empty() && lines->back().back() == '\\') {
+                lines->back().back() = ' ';
+                lines->back() = Trimmed(lines->back()) + " " + text;
+            } else {
+                lines->push_back(text);
+            }
             continue;
         }
         const std::size_t space = text.find(' ');

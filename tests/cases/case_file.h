@@ -1,5 +1,6 @@
 // A file of cases, read. Sections begin at the margin, what is in them is indented; a line that
-// begins with # is a remark. CONTRIBUTING.md tells the sections.
+// begins with # is a remark, one that ends with a \ goes on in the next. CONTRIBUTING.md tells the
+// sections.
 #pragma once
 
 #include <string>
