@@ -1,80 +1,37 @@
 #include "tests/render/player_run.h"
 
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
+#include "tests/support/program_run.h"
+
 namespace kestrail {
-
-namespace {
-
-/// What the player's process becomes between fork and exec. Doesn't return.
-[[noreturn]] void BecomePlayer(const std::string& trace, const std::vector<std::string>& options,
-                               const std::string& captureFolder, int output) {
-    dup2(output, STDOUT_FILENO);
-    std::string path = KESTRAIL_CAPTURE_LIBRARIES;
-    if (const char* const old = std::getenv("LD_LIBRARY_PATH")) path += std::string(":") + old;
-    setenv("LD_LIBRARY_PATH", path.c_str(), 1);
-    setenv("KESTRAIL_CAPTURE_DIR", captureFolder.c_str(), 1);
-    std::vector<std::string> words = {KESTRAIL_PLAYER, trace};
-    words.insert(words.end(), options.begin(), options.end());
-    std::vector<char*> arguments;
-    for (std::string& word : words) arguments.push_back(word.data());
-    arguments.push_back(nullptr);
-    execv(KESTRAIL_PLAYER, arguments.data());
-    _exit(127);
-}
-
-std::string ReadAll(int input) {
-    std::string text;
-    std::array<char, 65536> block{};
-    ssize_t got = 0;
-    while ((got = read(input, block.data(), block.size())) > 0) {
-        text.append(block.data(), static_cast<std::size_t>(got));
-    }
-    return text;
-}
-
-std::vector<std::string> SplitLines(const std::string& text) {
-    std::vector<std::string> lines;
-    std::size_t start = 0;
-    while (start < text.size()) {
-        const std::size_t end = std::min(text.find('\n', start), text.size());
-        lines.push_back(text.substr(start, end - start));
-        start = end + 1;
-    }
-    return lines;
-}
-
-}  // namespace
 
 SPlayerRun RunPlayer(const std::string& trace, const std::vector<std::string>& options,
                      const std::string& captureFolder) {
-    SPlayerRun run;
-    run.captureFolder = captureFolder;
     std::filesystem::remove_all(captureFolder);
     std::filesystem::create_directories(captureFolder);
-    std::array<int, 2> ends{};
-    if (pipe(ends.data()) != 0) return run;
-    const pid_t child = fork();
-    if (child == 0) {
-        close(ends[0]);
-        BecomePlayer(trace, options, captureFolder, ends[1]);
+    SRunOptions run;
+    run.host.clear();
+    run.memoryLimit = 0;
+    run.timeoutSeconds = 200;
+    run.environment = {"KESTRAIL_CAPTURE_DIR=" + captureFolder};
+    std::string libraries = KESTRAIL_CAPTURE_LIBRARIES;
+    if (const char* const old = std::getenv("LD_LIBRARY_PATH")) libraries += std::string(":") + old;
+    run.environment.push_back("LD_LIBRARY_PATH=" + libraries);
+    for (const char* name : {"DISPLAY", "XAUTHORITY"}) {
+        if (const char* const value = std::getenv(name)) {
+            run.environment.push_back(std::string(name) + "=" + value);
+        }
     }
-    close(ends[1]);
-    run.lines = SplitLines(ReadAll(ends[0]));
-    close(ends[0]);
-    int status = 0;
-    if (child > 0 && waitpid(child, &status, 0) == child) {
-        run.exited = WIFEXITED(status);
-        run.exitStatus = run.exited ? WEXITSTATUS(status) : WTERMSIG(status);
-    }
-    return run;
+    std::vector<std::string> words = {trace};
+    words.insert(words.end(), options.begin(), options.end());
+    const SRunResult result = RunProgram(words, run);
+    return {!result.timedOut && result.signal == 0, result.Ok() ? 0 : result.status | result.signal,
+            result.Lines(), captureFolder};
 }
 
 SPicture CapturedFrame(const SPlayerRun& run, unsigned number) {

@@ -74,8 +74,9 @@ std::string TraceFolder() {
 std::vector<std::string> TraceNames() {
     std::vector<std::string> names;
     std::error_code none;
-    for (const auto& entry : std::filesystem::directory_iterator(TraceFolder(), none)) {
-        if (entry.path().extension() == ".kstl") names.push_back(entry.path().stem());
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(TraceFolder(), none)) {
+        if (entry.path().extension() != ".kstl") continue;
+        names.push_back(entry.path().lexically_relative(TraceFolder()).replace_extension());
     }
     std::sort(names.begin(), names.end());
     return names;

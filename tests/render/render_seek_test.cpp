@@ -44,6 +44,12 @@ constexpr SUnseekable unseekable[] = {
      "what the frame before wrote through glUnmapBufferOES is in no record"},
     {"glmark-desktop", 2, 10, EOutcome::kDifferent,
      "textures that the first frame drew into are empty"},
+    {"apps/gtk4-spinner", 2, 36, EOutcome::kNotPresented,
+     "the shared context's name goes to the driver as it was recorded, so no context is made"},
+    {"apps/imgui-es2", 2, 36, EOutcome::kNotPresented,
+     "shaders detached after the link are missing when the program is linked again"},
+    {"apps/qt5-quick-es2", 2, 36, EOutcome::kDifferent,
+     "layers drawn in earlier frames, and glyphs copied in them"},
 };
 
 const SUnseekable* FindUnseekable(const std::string& trace, unsigned frame) {
@@ -98,23 +104,6 @@ INSTANTIATE_TEST_SUITE_P(Recorded, CSeekTraceTest, testing::ValuesIn(TraceNames(
 constexpr samples::SSceneSize sampleSize = {128, 96, 12};
 constexpr unsigned playsWanted = 199;
 
-/// The scene's second texture, whose middle each frame replaces by pixels of its own picture: a
-/// copy that is in no record. The box holds the texture's tile, whatever way it is turned.
-struct SBox {
-    std::size_t left, bottom, right, top;
-};
-constexpr SBox copiedTile = {17, 79, 38, 95};
-
-bool DiffersWithin(const SBox& box, const SPicture& expected, const SPicture& captured) {
-    for (std::size_t i = 0; i < expected.pixels.size(); ++i) {
-        if (expected.pixels[i] == captured.pixels[i]) continue;
-        const std::size_t x = i / 4 % expected.width;
-        const std::size_t y = i / 4 / expected.width;
-        if (x < box.left || x >= box.right || y < box.bottom || y >= box.top) return false;
-    }
-    return true;
-}
-
 /// The frames that the player picks: it never seeds the generator.
 std::vector<unsigned> PickedFrames(unsigned frameCount) {
     std::srand(1);
@@ -123,71 +112,6 @@ std::vector<unsigned> PickedFrames(unsigned frameCount) {
         frames.push_back(static_cast<unsigned>(std::rand()) % frameCount + 1);
     }
     return frames;
-}
-
-struct SPresented {
-    unsigned frame;
-    // The one before it on the same context; 0 for the first.
-    unsigned before;
-};
-
-/// Which of the picked frames get presented. Behind the last swap, the trace ends EGL: that part is
-/// a frame without a swap, and the configurations that the player has found die with it, so that
-/// neither surface nor context can be made. They are looked for anew once a display goes: that is
-/// when the first frame, before which there is none, is wanted while there is one.
-std::vector<SPresented> PresentedFrames(const std::vector<unsigned>& picked, unsigned ending) {
-    std::vector<SPresented> presented;
-    bool ended = false;
-    bool display = false;
-    unsigned before = 0;
-    for (const unsigned frame : picked) {
-        if (frame == 1) {
-            ended = ended && !display;
-            before = 0;
-        }
-        // Without a context the ending fails before it comes to the display.
-        display = frame != ending || ended;
-        if (frame == ending) {
-            ended = true;
-        } else if (!ended) {
-            presented.push_back({frame, before});
-            before = frame;
-        }
-    }
-    return presented;
-}
-
-TEST(CSeekSampleTest, RendersFramesInAnyOrder) {
-    const std::vector<SPicture> direct = DrawDirectly(&samples::DrawEs2Scene, sampleSize);
-    ASSERT_EQ(direct.size(), static_cast<std::size_t>(sampleSize.frames));
-    const auto ending = static_cast<unsigned>(sampleSize.frames) + 1;
-    const std::vector<unsigned> picked = PickedFrames(ending);
-    // No other frame can do without what the first one makes.
-    ASSERT_EQ(picked.front(), 1U);
-    const std::vector<SPresented> presented = PresentedFrames(picked, ending);
-
-    const SPlayerRun run =
-        RunPlayer(KESTRAIL_SAMPLES "/scene-short.kstl",
-                  {"--random", "--iterations=" + std::to_string(playsWanted + 1)},
-                  KESTRAIL_RENDER_OUTPUT "/seek-random");
-    ExpectSoundRun(run);
-    unsigned number = 0;
-    unsigned equal = 0;
-    for (const SPresented& shown : presented) {
-        SCOPED_TRACE("presented " + std::to_string(++number) + ", frame " +
-                     std::to_string(shown.frame) + " after " + std::to_string(shown.before));
-        const SPicture captured = CapturedFrame(run, number);
-        const SPicture& expected = direct[shown.frame - 1];
-        const SDifference difference = Compare(expected, captured);
-        ASSERT_TRUE(difference.sameSize);
-        // The copy is that of the frame before.
-        EXPECT_EQ(difference.None(), shown.before == shown.frame - 1) << difference.pixels;
-        EXPECT_TRUE(DiffersWithin(copiedTile, expected, captured)) << difference.pixels;
-        equal += difference.None() ? 1 : 0;
-    }
-    EXPECT_TRUE(CapturedFrame(run, number + 1).pixels.empty()) << "more frames were presented";
-    std::cout << "random: " << picked.size() << " plays, " << presented.size() << " presented, "
-              << equal << " equal\n";
 }
 
 constexpr const char* standAloneTrace = KESTRAIL_SAMPLES "/seek-short.kstl";
