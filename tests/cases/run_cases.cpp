@@ -196,7 +196,10 @@ Lines Expected(const SSection& section) {
         } else {
             lines.push_back(line == "." ? "" : line);
         }
-        if (!lines.back().empty() && lines.back().back() == '~') lines.back().back() = ' ';
+        if (lines.back().empty()) continue;
+        for (char* end : {&lines.back().front(), &lines.back().back()}) {
+            if (*end == '~') *end = ' ';
+        }
         if (!lines.back().empty() && lines.back().front() == '~') lines.back().front() = ' ';
     }
     return lines;
