@@ -3,9 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstring>
 #include <filesystem>
 #include <functional>
 #include <map>
+#include <regex>
 #include <sstream>
 #include <stdexcept>
 
@@ -50,6 +52,8 @@ public:
     void Add(const std::string& line) {
         const Words words = SplitWords(line);
         const auto directive = directives.find(words[0]);
+        if (words[0] == "fill")
+            return Fill(Unsigned(words[1]), line.substr(line.find_first_of(' ', 5)));
         if (directive != directives.end()) {
             Words padded = words;
             padded.resize(std::max<std::size_t>(words.size(), 8));
@@ -66,6 +70,44 @@ public:
 
 private:
     using Directive = std::function<void(CTraceBuilder&, const Words&)>;
+
+    /// Repeats the calls until they take that many MiB. The number of the time stands for each #,
+    /// multiplied or divided first: #*12, #%32. Built once, as there are tens of thousands.
+    void Fill(std::uint32_t mebibytes, std::string calls) {
+        static const std::regex number("#(\\*(\\d+))?(%(\\d+))?");
+        constexpr std::uint32_t mark = 0x5A5A5A00;
+        std::vector<std::function<std::uint32_t(std::uint32_t)>> numbers;
+        for (std::smatch match; std::regex_search(calls, match, number);) {
+            numbers.push_back([times = Or(match[2], 1), most = Or(match[4], ~0U)](std::uint32_t n) {
+                return n * times % most;
+            });
+            calls.replace(static_cast<std::size_t>(match.position()),
+                          static_cast<std::size_t>(match.length()),
+                          std::to_string(mark + numbers.size() - 1));
+        }
+        CTraceText once({"none", "version=" + std::to_string(trace.Version())});
+        const auto head = static_cast<std::ptrdiff_t>(once.trace.SetFooter(false).Build().size());
+        once.m_es1 = m_es1;
+        for (std::size_t at = 0; at < calls.size();) {
+            const std::size_t end = std::min(calls.find(";;", at), calls.size());
+            once.Add(calls.substr(at, end - at));
+            at = end + 2;
+        }
+        const Bytes whole = once.trace.Build();
+        const Bytes turn(whole.begin() + head, whole.end());
+        const std::size_t turns = (std::size_t{mebibytes} << 20) / turn.size();
+        for (std::uint32_t n = 1; n <= turns; ++n) {
+            Bytes filled = turn;
+            for (std::size_t at = 0; at + 4 <= filled.size(); ++at) {
+                std::uint32_t value = 0;
+                std::memcpy(&value, &filled[at], 4);
+                if (value < mark || value - mark >= numbers.size()) continue;
+                value = numbers[value - mark](n);
+                std::memcpy(&filled[at], &value, 4);
+            }
+            trace.AddRaw(filled);
+        }
+    }
 
     static std::uint32_t VersionOf(const Words& head) {
         for (const std::string& word : head) {
@@ -125,10 +167,22 @@ const std::map<std::string, CTraceText::Directive> CTraceText::directives = {
      [](CTraceBuilder& trace, const Words& w) { trace.SetStateOffset(Unsigned(w[1])); }},
     {"disable",
      [](CTraceBuilder& trace, const Words& w) {
-         for (std::size_t i = 1; i < w.size() && !w[i].empty(); ++i) trace.Disable(Unsigned(w[i]));
+         for (std::size_t i = 1; i < w.size() && !w[i].empty(); ++i) {
+             const auto last = Unsigned(w[i].substr(w[i].find('-') + 1));
+             for (auto n = Unsigned(w[i].substr(0, w[i].find('-'))); n <= last; ++n)
+                 trace.Disable(n);
+         }
      }},
-    {"override", [](CTraceBuilder& trace,
-                    const Words& w) { trace.OverrideText(Unsigned(w[1]), Unquoted(w[2])); }},
+    {"override",
+     [](CTraceBuilder& trace, const Words& w) {
+         const auto last = Unsigned(w[1].substr(w[1].find('-') + 1));
+         for (auto n = Unsigned(w[1].substr(0, w[1].find('-'))); n <= last; ++n) {
+             trace.OverrideText(n, Unquoted(w[2]));
+         }
+     }},
+    {"patch",
+     [](CTraceBuilder& trace, const Words& w) { trace.Patch(Unsigned(w[1]), Unsigned(w[2])); }},
+    {"cut", [](CTraceBuilder& trace, const Words& w) { trace.CutAt(Unsigned(w[1])); }},
     {"footer",
      [](CTraceBuilder& trace, const Words& w) {
          if (w[1] == "on" || w[1] == "off") {
@@ -246,6 +300,11 @@ private:
             } else if (section.word != "trace") {
                 kept.push_back(section);
             }
+            if (section.word == "peak") {
+                m_options.measureMemory = true;
+                m_options.timeoutSeconds = 60;
+                m_size = text.trace.Build().size();
+            }
         }
         m_case.sections = kept;
         return text;
@@ -255,6 +314,8 @@ private:
                 std::size_t end) {
         std::istringstream ways(arguments + "|");
         for (std::string way; std::getline(ways, way, '|');) {
+            // What the sanitizer takes would count as well.
+            if (m_options.measureMemory && IsSanitized()) continue;
             const ::testing::ScopedTrace shown(__FILE__, __LINE__, "run " + way);
             const SRunResult run = RunTrace(trace, SplitWords(way), m_options);
             bool messages = false;
@@ -312,6 +373,23 @@ private:
             EXPECT_NE(("\n" + run.out).find("\n" + expected), std::string::npos)
                 << expected << "is not in\n"
                 << run.out;
+        } else if (section.word == "errors") {
+            EXPECT_EQ(run.err, expected);
+        } else if (section.word == "starts") {
+            const Lines lines = run.Lines();
+            for (const std::string& start : Expected(section)) {
+                EXPECT_EQ(
+                    std::count_if(lines.begin(), lines.end(),
+                                  [&](const std::string& one) { return one.rfind(start, 0) == 0; }),
+                    NumberOf(words.at(0)))
+                    << start << "\n"
+                    << run.out;
+            }
+        } else if (section.word == "peak") {
+            EXPECT_GT(run.maxResidentKilobytes, 0);
+            EXPECT_LE(run.maxResidentKilobytes,
+                      static_cast<long>(m_size * Unsigned(words.at(0)) >> 10) +
+                          (long{Unsigned(words.at(1))} << 10));
         } else if (section.word == "unprinted") {
             for (const std::string& text : Expected(section)) {
                 EXPECT_FALSE(run.Printed(text)) << text;
@@ -346,6 +424,7 @@ private:
     SCase m_case;
     SRunOptions m_options;
     std::uint32_t m_started = 0;
+    std::size_t m_size = 0;
 };
 
 class CCaseTest : public ::testing::Test {

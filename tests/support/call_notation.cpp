@@ -205,7 +205,13 @@ std::string TextOf(const std::string& word) {
 std::vector<std::string> Listed(const std::string& word) {
     const std::size_t open = word.find('{');
     if (open == std::string::npos) return {};
-    return SplitWords(word.substr(open + 1, word.rfind('}') - open - 1));
+    std::vector<std::string> listed;
+    for (std::string& one : SplitWords(word.substr(open + 1, word.rfind('}') - open - 1))) {
+        const std::size_t star = one[0] == '"' ? std::string::npos : one.find('*');
+        const auto times = star == std::string::npos ? 1 : NumberOf(one.substr(star + 1));
+        listed.insert(listed.end(), static_cast<std::size_t>(times), one.substr(0, star));
+    }
+    return listed;
 }
 
 bool IsReal(unsigned typeTag) {

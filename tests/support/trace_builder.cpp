@@ -1,7 +1,9 @@
 #include "tests/support/trace_builder.h"
 
+#include <algorithm>
 #include <bit>
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
 
 namespace kestrail {
@@ -356,6 +358,16 @@ void CTraceBuilder::SetConfigAttributes(const std::vector<std::int64_t>& attribu
     m_configAttributes = attributes;
 }
 
+CTraceBuilder& CTraceBuilder::Patch(std::size_t offset, std::uint32_t value) {
+    m_patches.emplace_back(offset, value);
+    return *this;
+}
+
+CTraceBuilder& CTraceBuilder::CutAt(std::size_t size) {
+    m_cutAt = size;
+    return *this;
+}
+
 Bytes CTraceBuilder::BuildHeader() const {
     Bytes out;
     AppendRaw(out, m_magic.data(), m_magic.size());
@@ -392,6 +404,8 @@ Bytes CTraceBuilder::Build() const {
         out.push_back(static_cast<std::uint8_t>(m_secondMark));
         AppendLittle(out, m_stateOffsetSet ? m_stateOffset : statePlace, 8);
     }
+    for (const auto& [offset, value] : m_patches) std::memcpy(&out.at(offset), &value, 4);
+    out.resize(std::min(out.size(), m_cutAt));
     return out;
 }
 

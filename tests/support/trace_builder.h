@@ -209,6 +209,10 @@ public:
     /// The attributes of the configuration that contexts and surfaces are recorded with.
     void SetConfigAttributes(const std::vector<std::int64_t>& attributes);
 
+    /// The file is changed at that offset, or ends there.
+    CTraceBuilder& Patch(std::size_t offset, std::uint32_t value);
+    CTraceBuilder& CutAt(std::size_t size);
+
     std::uint32_t Version() const { return m_version; }
     /// Number of calls added so far to the section in hand, markers and thread records left out.
     std::uint32_t CallCount() const { return m_callCount; }
@@ -243,6 +247,8 @@ private:
     std::uint32_t m_callCount = 0;
     std::uint32_t m_frame = 0;
     std::vector<std::int64_t> m_configAttributes;
+    std::vector<std::pair<std::size_t, std::uint32_t>> m_patches;
+    std::size_t m_cutAt = ~std::size_t{0};
 };
 
 }  // namespace kestrail
