@@ -1,10 +1,10 @@
 // Writes small sound traces into a folder: every call that has a row, in every version.
 #include <cstdio>
 #include <filesystem>
-#include <stdexcept>
 #include <string>
 
 #include "tests/program/table_call.h"
+#include "tests/support/call_notation.h"
 
 namespace kestrail {
 namespace {
@@ -12,27 +12,13 @@ namespace {
 /// Few calls make a small file, which the fuzzer is quick with.
 constexpr std::size_t kCallsOfTrace = 8;
 
-CRecordBuilder RecordOf(const SOpening& opening, const SFamilyRows& rows,
-                        const std::string& entry) {
-    const SPrototype* prototype = FindPrototype(rows.family, entry);
-    try {
-        if (prototype != nullptr) return MakeTableCall(opening, *prototype, rows).record;
-    } catch (const std::out_of_range&) {
-        // Records that are unlike their prototypes: small numbers do for a start.
-    }
-    CRecordBuilder record = rows.api == 0 ? opening.trace.Gl() : opening.trace.Ext(0, rows.api);
-    for (int i = 0; i < 8; ++i) record.U32(1);
-    return record;
-}
-
 void WriteFamily(const SFamilyRows& rows, std::uint32_t version, const std::string& start) {
     const SOpening opening = Open(rows, version);
     for (std::size_t first = 0; first < rows.entries.size(); first += kCallsOfTrace) {
         CTraceBuilder trace = opening.trace;
         const std::size_t end = std::min(first + kCallsOfTrace, rows.entries.size());
         for (std::size_t i = first; i < end; ++i) {
-            trace.Add(static_cast<std::uint16_t>(rows.first + i),
-                      RecordOf(opening, rows, rows.entries[i]));
+            AddCall(trace, MakeTableCall(opening, rows, rows.entries[i]).line);
             if (i == first + kCallsOfTrace / 2) trace.SwapBuffers();
         }
         trace.SwapBuffers();

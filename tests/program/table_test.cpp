@@ -2,7 +2,7 @@
 
 #include "tests/program/program_test.h"
 #include "tests/program/table_call.h"
-#include "tests/support/table_rows.h"
+#include "tests/support/call_notation.h"
 
 // Walks every entry point: the record of each is played, and the host must have seen every value in
 // its place. A wrong row, swapped parameters or the wrong table of names show as another value.
@@ -31,11 +31,10 @@ TEST_P(CTable, EveryCallReachesTheHostByItsPrototype) {
         const std::string& entry = rows.entries[i];
         const auto mark = rows.played.find(entry);
         const Played played = mark == rows.played.end() ? Played::Yes : mark->second;
-        const SPrototype* prototype = FindPrototype(rows.family, entry);
-        if (played == Played::ByHand || prototype == nullptr) continue;
-        const STableCall call = MakeTableCall(opening, *prototype, rows);
+        if (played == Played::ByHand) continue;
+        const STableCall call = MakeTableCall(opening, rows, entry);
         CTraceBuilder trace = opening.trace;
-        trace.Add(static_cast<std::uint16_t>(rows.first + i), call.record);
+        AddCall(trace, call.line);
         const SRunResult run = RunTrace(trace);
         EXPECT_TRUE(run.Ok()) << entry << ": " << run.Ending();
         EXPECT_EQ(run.CallLines().size(), trace.CallCount()) << entry;

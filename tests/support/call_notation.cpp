@@ -8,7 +8,6 @@
 #include <stdexcept>
 
 #include "tests/host/host_state.h"
-#include "tests/support/table_rows.h"
 
 namespace kestrail {
 namespace {
@@ -124,12 +123,7 @@ std::string VectorWord(const SPrototype& prototype, const std::string& name,
     }
     // What ES 3.0 added counts scalars, the rest counts items.
     if (!isValue || prototype.family == "Es3") return "[" + scalar + "]";
-    std::size_t item = 1;
-    for (char letter : prototype.entry) {
-        if (letter >= '1' && letter <= '4') item = static_cast<std::size_t>(letter - '0');
-    }
-    if (prototype.entry.rfind("glUniformMatrix", 0) == 0) item *= item;
-    return "[" + scalar + "*" + std::to_string(item) + "]";
+    return "[" + scalar + "*" + std::to_string(ItemSize(prototype, name)) + "]";
 }
 
 std::string SlotWord(const SPrototype& prototype, std::size_t i) {
@@ -399,6 +393,17 @@ std::string WithValues(const std::string& text) {
         at = text.cbegin() + i->position() + i->length();
     }
     return out.append(at, text.cend());
+}
+
+std::size_t ItemSize(const SPrototype& prototype, const std::string& name) {
+    const std::string& entry = prototype.entry;
+    if (name == "m") return 16;
+    if (name == "eqn" || name == "equation" || entry.rfind("glClearBuffer", 0) == 0) return 4;
+    const std::size_t first = entry.find_first_of("1234");
+    if ((name != "value" && name != "v") || first == std::string::npos) return 1;
+    const auto digit = [&](std::size_t at) { return static_cast<std::size_t>(entry[at] - '0'); };
+    const bool matrix = entry.rfind("glUniformMatrix", 0) == 0;
+    return digit(first) * (matrix ? digit(entry.find_last_of("1234")) : 1);
 }
 
 const SCallLayout& FindLayout(const std::string& name, const std::string& family) {

@@ -14,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/table_rows.h"
 #include "tests/support/trace_builder.h"
 
 namespace kestrail {
@@ -42,6 +43,9 @@ struct SCallLayout {
 /// `family` (egl, es1, es2, es3 or ext) is where a name is looked for before all others. Throws
 /// std::runtime_error if none holds it.
 const SCallLayout& FindLayout(const std::string& name, const std::string& family);
+
+/// How many scalars one item behind a pointer holds, by what the prototype calls it.
+std::size_t ItemSize(const SPrototype& prototype, const std::string& name);
 
 /// Adds the record of a line. Throws std::runtime_error with what is wrong with the line.
 void AddCall(CTraceBuilder& trace, const std::string& line, bool es1Trace = false);
