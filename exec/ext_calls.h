@@ -31,8 +31,9 @@ EPlayed PlayGlMapBufferOES(Context& c) {
     return EPlayed::kPlayed;
 }
 
-/// Copies what the application wrote while the buffer was mapped, then unmaps it. A buffer that is
-/// not mapped, or smaller than the record, is left alone.
+/// Copies what the application wrote while the buffer was mapped, then unmaps it: also when there
+/// was no room for the bytes, since no draw may read a mapped buffer. One that is not mapped is
+/// left alone.
 template <typename Context>
 EPlayed PlayGlUnmapBufferOES(Context& c) {
     constexpr std::uint32_t kBufferSize = 34660;
@@ -50,17 +51,21 @@ EPlayed PlayGlUnmapBufferOES(Context& c) {
     if (data.GetData() != nullptr) c.host.glGetBufferParameteriv(target, kBufferSize, &size);
     void* pointer = nullptr;
     c.host.glGetBufferPointervOES(target, kBufferMapPointer, &pointer);
+    EPlayed played = EPlayed::kPlayed;
     if (data.GetData() != nullptr && pointer != nullptr) {
         const auto& ranges = c.player.eglNames.Mapped();
         const auto range = ranges.find(pointer);
         std::int64_t room = size;
         if (range != ranges.end()) room = std::min(room, range->second);
-        if (std::int64_t{data.GetSize()} > room) return EPlayed::kFailed;
-        std::memcpy(pointer, data.GetData(), data.GetSize());
+        if (std::int64_t{data.GetSize()} <= room) {
+            std::memcpy(pointer, data.GetData(), data.GetSize());
+        } else {
+            played = EPlayed::kFailed;
+        }
     }
     c.host.glUnmapBufferOES(target);
     c.player.eglNames.Mapped().erase(pointer);
-    return EPlayed::kPlayed;
+    return played;
 }
 
 }  // namespace kestrail
