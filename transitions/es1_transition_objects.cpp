@@ -49,7 +49,9 @@ void UploadImage(SEs1Transition& t, std::uint32_t name, const STextureImage1Stat
 
 void SetArrays(SEs1Transition& t, const SClientArraysState& arrays) {
     const auto bind = [&t](const SClientArrayState& array) {
-        t.host.glBindBuffer(GL_ARRAY_BUFFER, t.names.Buffers().Get(array.buffer));
+        // An array may outlive its buffer in the record.
+        const GLuint live = t.names.Buffers().Get(array.buffer);
+        t.host.glBindBuffer(GL_ARRAY_BUFFER, live != CEs1Names::kUnknown ? live : array.buffer);
         return AsPointer(array.pointer);
     };
     const auto& color = arrays.color;
