@@ -89,11 +89,10 @@ void TransitionFramebuffers(CEs2State& target, const CEs2State& current) {
     for (std::int32_t i = 0; i < before.Count(); ++i) {
         const std::uint32_t name = before.KeyAt(i);
         if (kept[static_cast<std::size_t>(i)] || name == 0) continue;
-        if (name == target.boundFramebuffer) target.boundFramebuffer = 0;
         const GLuint live = names.Framebuffers().Get(name);
-        if (live == CEs2Names::kUnknown) continue;
         host.glDeleteFramebuffers(1, &live);
         names.Framebuffers().Erase(name);
+        if (name == target.boundFramebuffer) target.boundFramebuffer = 0;
     }
     const GLuint bound = names.Framebuffers().Get(target.boundFramebuffer);
     host.glBindFramebuffer(GL_FRAMEBUFFER, bound);
