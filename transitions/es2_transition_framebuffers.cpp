@@ -87,11 +87,11 @@ void TransitionFramebuffers(CEs2State& target, const CEs2State& current) {
         AttachAll(host, names, framebuffer);
     }
     for (std::int32_t i = 0; i < before.Count(); ++i) {
+        if (kept[static_cast<std::size_t>(i)]) continue;
         const std::uint32_t name = before.KeyAt(i);
-        if (kept[static_cast<std::size_t>(i)] || name == 0) continue;
         const GLuint live = names.Framebuffers().Get(name);
+        // The translation stays: a bind makes the framebuffer of that name anew.
         host.glDeleteFramebuffers(1, &live);
-        names.Framebuffers().Erase(name);
         if (name == target.boundFramebuffer) target.boundFramebuffer = 0;
     }
     const GLuint bound = names.Framebuffers().Get(target.boundFramebuffer);
