@@ -23,12 +23,12 @@ void Initialize(SEglPlay& c, EGLDisplay display) {
 
 EPlayed PlayEglBindAPI(SEglPlay& c) {
     const EGLenum api = c.Value<TEGLenum>(0);
-    if (!IsApiPlayed(api)) return EPlayed::kFailed;
-    c.host.eglBindAPI(api);
+    if (c.host.eglBindAPI(api) != EGL_FALSE) c.names.SetBoundApi(api);
     return EPlayed::kPlayed;
 }
 
 EPlayed PlayEglCreateContext(SEglPlay& c) {
+    if (!MakesContexts(c.names.BoundApi())) return EPlayed::kFailed;
     const EGLDisplay display = LiveDisplay(c);
     const EGLConfig config = FindEglConfig(c.names, display, c.Value<TuintType<4>>(1),
                                            c.At<SEglAttribList>(4).GetRawArray());
@@ -69,7 +69,9 @@ EPlayed PlayEglMakeCurrent(SEglPlay& c) {
     const EGLSurface read = c.names.GetSurface(display, c.Value<TEGLSurface>(2));
     const EGLContext context = c.names.GetContext(display, c.Value<TEGLContext>(3));
     const EGLBoolean made = c.host.eglMakeCurrent(display, draw, read, context);
-    if (made != EGL_FALSE) c.names.UseContext(context);
+    // With OpenVG bound, a release leaves the context of ES current.
+    const bool kept = context == EGL_NO_CONTEXT && c.names.BoundApi() == EGL_OPENVG_API;
+    if (made != EGL_FALSE && !kept) c.names.UseContext(context);
     if (context == EGL_NO_CONTEXT) return EPlayed::kPlayed;
     if (CheckEglError(c.player) && c.player.sync) c.host.eglSwapInterval(display, 0);
     CheckEglError(c.player);
@@ -78,7 +80,9 @@ EPlayed PlayEglMakeCurrent(SEglPlay& c) {
 }
 
 EPlayed PlayEglReleaseThread(SEglPlay& c) {
-    if (c.host.eglReleaseThread() != EGL_FALSE) c.names.UseContext(EGL_NO_CONTEXT);
+    if (c.host.eglReleaseThread() == EGL_FALSE) return EPlayed::kPlayed;
+    c.names.UseContext(EGL_NO_CONTEXT);
+    c.names.SetBoundApi(EGL_OPENGL_ES_API);
     return EPlayed::kPlayed;
 }
 

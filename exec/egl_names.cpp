@@ -137,6 +137,7 @@ void CEglNames::ResetNames() {
     s_state.contextStates.Clear();
     UseContext(EGL_NO_CONTEXT);
     s_state.contextValid = false;
+    s_state.boundApi = EGL_OPENGL_ES_API;
     s_state.liveWidth = s_state.liveHeight = 0;
     s_state.recordedWidth = s_state.recordedHeight = 0;
     s_state.surfaceDisplay = EGL_NO_DISPLAY;

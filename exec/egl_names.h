@@ -19,10 +19,11 @@ namespace kestrail {
 /// EGL_NONE in the place of a name ends.
 std::int32_t ContextVersion(const EGLint* attributes);
 
-/// Whether contexts of an API may be made. Those of desktop GL have entry points under the same
-/// names as those of ES, with other data: no trace holds what they read.
-inline bool IsApiPlayed(EGLenum api) {
-    return api != EGL_OPENGL_API;
+/// Whether contexts are made while that API is bound, 0 for none so far. Those of desktop GL have
+/// entry points under the same names as those of ES, with other data: no trace holds what they
+/// read.
+inline bool MakesContexts(EGLenum api) {
+    return api == 0 || api == EGL_OPENGL_ES_API;
 }
 
 /// The attributes that a context is made with: the same ones, but in `room` where they ask for a
@@ -77,6 +78,10 @@ public:
     bool ContextValid() const { return s_state.contextValid; }
     void SetContextValid(bool valid) { s_state.contextValid = valid; }
 
+    /// What the host last took from eglBindAPI.
+    EGLenum BoundApi() const { return s_state.boundApi; }
+    void SetBoundApi(EGLenum api) { s_state.boundApi = api; }
+
     /// Of the context in use.
     SContextState& Context() { return *s_state.context; }
     SPixelStore& PixelStore() { return s_state.context->pixelStore; }
@@ -103,6 +108,7 @@ private:
         SContextState* context;
         MappedRanges mapped;
         bool contextValid = false;
+        EGLenum boundApi = EGL_OPENGL_ES_API;
         std::int32_t liveWidth = 0;
         std::int32_t liveHeight = 0;
         std::int32_t recordedWidth = 0;

@@ -49,10 +49,12 @@ void Initialize(SEglTransition& t, EGLDisplay live) {
     t.names.SetContextValid(true);
 }
 
-void BindApi(SEglTransition& t) {
-    if (t.target.boundApi != 0 && IsApiPlayed(t.target.boundApi)) {
-        t.host.eglBindAPI(t.target.boundApi);
-    }
+void BindApi(SEglTransition& t, EGLenum api) {
+    if (t.host.eglBindAPI(api) != EGL_FALSE) t.names.SetBoundApi(api);
+}
+
+void SwitchApi(SEglTransition& t, EGLenum api) {
+    if (t.names.BoundApi() != api) BindApi(t, api);
 }
 
 FoundFlags MakeDisplays(SEglTransition& t) {
@@ -65,7 +67,7 @@ FoundFlags MakeDisplays(SEglTransition& t) {
         if (known != nullptr) {
             if (display.initialised != 1 || known->initialised != 0) continue;
             Initialize(t, live);
-            BindApi(t);
+            if (t.target.boundApi != 0) BindApi(t, t.target.boundApi);
             continue;
         }
         if (live == EGL_NO_DISPLAY) {
@@ -75,7 +77,7 @@ FoundFlags MakeDisplays(SEglTransition& t) {
         }
         if (display.initialised == 1) Initialize(t, live);
         if (t.target.boundApi != 0) {
-            BindApi(t);
+            BindApi(t, t.target.boundApi);
             t.ClearErrors();
         }
     }
@@ -132,7 +134,7 @@ void MakeSurfaces(SEglTransition& t) {
 
 void MakeContext(SEglTransition& t, const SEglContextRecord& context) {
     const EGLDisplay live = t.names.GetDisplay(context.display);
-    if (live == EGL_NO_DISPLAY) return;
+    if (live == EGL_NO_DISPLAY || !MakesContexts(context.api)) return;
     const EGLint* attributes = HostList(*context.attributes);
     const EGLConfig config = FindEglConfig(t.names, live, context.config, attributes);
     // The context to share with is handed over as it was recorded.
@@ -211,10 +213,13 @@ void TransitionEglState(CEglState& target, std::uint32_t /*frame*/, const CEglSt
     transition.ClearErrors();
     MakeSurfaces(transition);
     transition.ClearErrors();
+    // Contexts are made and released for ES, whatever a frame or the application has bound.
+    SwitchApi(transition, EGL_OPENGL_ES_API);
     MakeContexts(transition);
     transition.ClearErrors();
     MakeCurrent(transition);
     EndDisplays(transition, displays);
+    SwitchApi(transition, target.boundApi != 0 ? target.boundApi : EGL_OPENGL_ES_API);
     transition.ClearErrors();
 }
 

@@ -52,6 +52,7 @@ struct SEglContextRecord {
     std::uint32_t display = 0;
     std::uint32_t config = 0;
     std::uint32_t shareContext = 0;
+    std::uint32_t api = 0;  ///< that was bound when it was made, 0 for the usual one
     SSharedEglAttributes attributes;
     SSharedEglAttributes configAttributes;
 };

@@ -52,6 +52,7 @@ bool CEgl_eglCreateContext_v1::UpdateState(CEglState& state) {
     context.display = dpy.GetValue();
     context.config = config.GetValue();
     context.shareContext = share_context.GetValue();
+    context.api = state.boundApi;
     context.attributes = CopyAttributes(attrib_list_contex);
     context.configAttributes = CopyAttributes(attrib_list_config);
     const SEglAttributes& attributes = *context.attributes;
