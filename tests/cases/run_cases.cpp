@@ -72,15 +72,15 @@ private:
     using Directive = std::function<void(CTraceBuilder&, const Words&)>;
 
     /// Repeats the calls until they take that many MiB. The number of the time stands for each #,
-    /// multiplied or divided first: #*12, #%32. Built once, as there are tens of thousands.
+    /// changed by what stands behind it: #*12, #%32+4. Built once, as there are tens of thousands.
     void Fill(std::uint32_t mebibytes, std::string calls) {
-        static const std::regex number("#(\\*(\\d+))?(%(\\d+))?");
+        static const std::regex number("#(\\*(\\d+))?(%(\\d+))?(\\+(\\d+))?");
         constexpr std::uint32_t mark = 0x5A5A5A00;
         std::vector<std::function<std::uint32_t(std::uint32_t)>> numbers;
         for (std::smatch match; std::regex_search(calls, match, number);) {
-            numbers.push_back([times = Or(match[2], 1), most = Or(match[4], ~0U)](std::uint32_t n) {
-                return n * times % most;
-            });
+            numbers.push_back(
+                [times = Or(match[2], 1), most = Or(match[4], ~0U),
+                 more = Or(match[6], 0)](std::uint32_t n) { return n * times % most + more; });
             calls.replace(static_cast<std::size_t>(match.position()),
                           static_cast<std::size_t>(match.length()),
                           std::to_string(mark + numbers.size() - 1));

@@ -16,12 +16,6 @@
 
 namespace kestrail {
 
-/// What a trace takes in memory at most while it is held whole and played in sequence, whatever its
-/// file contains: this many bytes for each of its bytes, and so many beside. The least record has 6
-/// bytes and makes a call object.
-inline constexpr std::uint64_t kMemoryPerByte = 64;
-inline constexpr std::uint64_t kMemoryBeside = std::uint64_t{48} << 20;
-
 /// What `OpenTrace` gives back.
 enum EOpenResult : unsigned {
     kOpened = 0,
