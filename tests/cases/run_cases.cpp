@@ -46,7 +46,7 @@ public:
             if (word.rfind("window=", 0) == 0) window = word.substr(7);
         }
         m_es1 = kind == "es1";
-        if (kind != "none") Add("startup " + kind.substr(2) + " " + window);
+        if (kind.rfind("es", 0) == 0) Add("startup " + kind.substr(2) + " " + window);
     }
 
     void Add(const std::string& line) {
@@ -285,7 +285,8 @@ private:
         if (head == all.end()) throw std::runtime_error("a case needs a trace");
         CTraceText text(SplitWords(head->rest));
         const auto started = text.trace.CallCount();
-        m_started = head->rest.rfind("none", 0) == 0 ? 0 : started;
+        m_started = started;
+        m_absent = head->rest == "absent";
         for (const std::string& line : head->lines) text.Add(line);
         std::vector<SSection> kept;
         for (const SSection& section : all) {
@@ -317,7 +318,8 @@ private:
             // What the sanitizer takes would count as well.
             if (m_options.measureMemory && IsSanitized()) continue;
             const ::testing::ScopedTrace shown(__FILE__, __LINE__, "run " + way);
-            const SRunResult run = RunTrace(trace, SplitWords(way), m_options);
+            const SRunResult run = m_absent ? RunProgram(SplitWords(way), m_options)
+                                            : RunTrace(trace, SplitWords(way), m_options);
             bool messages = false;
             bool ends = false;
             for (std::size_t i = first; i < end; ++i) {
@@ -373,6 +375,11 @@ private:
             EXPECT_NE(("\n" + run.out).find("\n" + expected), std::string::npos)
                 << expected << "is not in\n"
                 << run.out;
+        } else if (section.word == "output") {
+            std::string out = run.out;
+            const std::size_t path = out.find(KESTRAIL_PLAYER);
+            if (path != std::string::npos) out.replace(path, sizeof KESTRAIL_PLAYER - 1, "PLAYER");
+            EXPECT_EQ(out, expected);
         } else if (section.word == "errors") {
             EXPECT_EQ(run.err, expected);
         } else if (section.word == "starts") {
@@ -424,6 +431,7 @@ private:
     SCase m_case;
     SRunOptions m_options;
     std::uint32_t m_started = 0;
+    bool m_absent = false;
     std::size_t m_size = 0;
 };
 
