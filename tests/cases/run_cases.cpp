@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
 #include <functional>
 #include <map>
 #include <regex>
@@ -294,6 +295,14 @@ private:
                 m_options.script = WithValues(Joined(section.lines));
             } else if (section.word == "library") {
                 m_options.host = section.rest;
+            } else if (section.word == "files") {
+                const std::string hosts = KESTRAIL_HOST_FOLDER "/";
+                const Words words = SplitWords(section.rest);
+                for (const std::string& name : words) std::ofstream(m_folder.File(name)) << "text";
+                m_options.host.clear();
+                m_options.environment = {"LD_LIBRARY_PATH=" + m_folder.Path() + ":" + hosts +
+                                         "recording"};
+                m_options.folder = words.size() == 1 ? hosts + "recording" : m_folder.Path();
             } else if (section.word == "environment") {
                 m_options.environment = section.lines;
             } else if (section.word == "memory") {
@@ -430,6 +439,7 @@ private:
 
     SCase m_case;
     SRunOptions m_options;
+    CTempFolder m_folder;
     std::uint32_t m_started = 0;
     bool m_absent = false;
     std::size_t m_size = 0;
