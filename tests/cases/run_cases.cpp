@@ -389,6 +389,14 @@ private:
             const std::size_t path = out.find(KESTRAIL_PLAYER);
             if (path != std::string::npos) out.replace(path, sizeof KESTRAIL_PLAYER - 1, "PLAYER");
             EXPECT_EQ(out, expected);
+        } else if (section.word == "frames") {
+            constexpr std::size_t number = sizeof("KESTRAIL(M) Frame(P): ") - 1;
+            const Lines lines = run.CallLines();
+            std::string frames;
+            for (std::size_t i = m_started; i < lines.size(); ++i) {
+                frames += " " + lines[i].substr(number, lines[i].find(' ', number) - number);
+            }
+            EXPECT_EQ(frames, " " + section.rest);
         } else if (section.word == "errors") {
             EXPECT_EQ(run.err, expected);
         } else if (section.word == "starts") {
