@@ -12,51 +12,36 @@ namespace {
 
 class CTable : public ::testing::TestWithParam<const SFamilyRows*> {};
 
-TEST_P(CTable, NamesPublishedEntryPoints) {
-    const SFamilyRows& rows = *GetParam();
-    for (const std::string& entry : rows.entries) {
-        EXPECT_NE(FindPrototype(rows.family, entry), nullptr) << entry;
-    }
-    for (const auto& [entry, played] : rows.played) {
-        EXPECT_EQ(std::count(rows.entries.begin(), rows.entries.end(), entry), 1) << entry;
-    }
-}
-
 TEST_P(CTable, EveryCallReachesTheHostByItsPrototype) {
     const SFamilyRows& rows = *GetParam();
     const SOpening opening = Open(rows);
-    const SRunResult base = RunTrace(opening.trace);
-    ASSERT_TRUE(base.Ok()) << base.Ending();
-    for (std::size_t i = 0; i < rows.entries.size(); ++i) {
-        const std::string& entry = rows.entries[i];
+    const std::size_t opened = RunTrace(opening.trace).calls.size();
+    for (const std::string& entry : rows.entries) {
         const auto mark = rows.played.find(entry);
         const Played played = mark == rows.played.end() ? Played::Yes : mark->second;
         if (played == Played::ByHand) continue;
         const STableCall call = MakeTableCall(opening, rows, entry);
+        SCOPED_TRACE(call.line);
         CTraceBuilder trace = opening.trace;
         AddCall(trace, call.line);
         const SRunResult run = RunTrace(trace);
-        EXPECT_TRUE(run.Ok()) << entry << ": " << run.Ending();
-        EXPECT_EQ(run.CallLines().size(), trace.CallCount()) << entry;
-        EXPECT_TRUE(run.Messages().empty())
-            << entry << ": " << ::testing::PrintToString(run.Messages());
-        ASSERT_GE(run.calls.size(), base.calls.size()) << entry;
-        const Lines seen(run.calls.begin() + static_cast<std::ptrdiff_t>(base.calls.size()),
-                         run.calls.end());
-        const std::string check = rows.api == 1 ? "es1.glGetError() = 0" : "glGetError() = 0";
-        if (played == Played::No) {
-            EXPECT_EQ(seen, Lines{}) << entry;
-        } else if (played == Played::Checked) {
-            EXPECT_EQ(seen, Lines{check}) << entry;
-        } else {
-            Lines own;
-            for (const std::string& line : seen) {
-                if (line.rfind(rows.prefix + entry + "(", 0) == 0) {
-                    own.push_back(line.substr(0, call.expected.size()));
-                }
-            }
-            EXPECT_EQ(own, Lines{call.expected}) << ::testing::PrintToString(seen);
+        EXPECT_TRUE(run.Ok()) << run.Ending();
+        EXPECT_EQ(run.CallLines().size(), trace.CallCount());
+        EXPECT_EQ(run.Messages(), Lines{});
+        ASSERT_GE(run.calls.size(), opened);
+        Lines seen(run.calls.begin() + static_cast<std::ptrdiff_t>(opened), run.calls.end());
+        Lines expected;
+        if (played == Played::Checked) {
+            expected = {rows.api == 1 ? "es1.glGetError() = 0" : "glGetError() = 0"};
         }
+        if (played == Played::Yes) {
+            // The host is asked for errors as well, and logs its answers behind a call.
+            expected = {call.expected};
+            const std::string own = rows.prefix + entry + "(";
+            std::erase_if(seen, [&](const std::string& line) { return line.rfind(own, 0) != 0; });
+            for (std::string& line : seen) line.resize(std::min(line.size(), expected[0].size()));
+        }
+        EXPECT_EQ(seen, expected);
     }
 }
 
