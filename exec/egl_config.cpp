@@ -53,6 +53,7 @@ struct SRecordedConfig {
 };
 
 SRecordedConfig TakeApart(const EGLint* attributes) {
+    // Kept: other bits become that of ES2, which all drivers have.
     constexpr EGLint kHighestRenderable = 4;
     SRecordedConfig config;
     std::array<const EGLint*, std::size(kAttributeOrder)> found{};
@@ -161,7 +162,7 @@ void DumpNumber(const char* name, EGLint value) {
     output::Message("%s=%d", name, value);
 }
 
-/// The name and, on a line of its own, the value's word.
+// Kept: the word of the value is on a line of its own; readers match it.
 void DumpWord(const char* name, EGLint value, std::initializer_list<SDumpWord> words) {
     output::Message("%s=", name);
     for (const SDumpWord& word : words) {
@@ -297,11 +298,12 @@ EGLConfig FindEglConfig(CEglNames& names, EGLDisplay display, std::int64_t recor
     SEglHost& host = *GetEglHost();
     SChoice choice = Choose(host, display, attributes);
     const EGLint firstError = host.eglGetError();
+    // Kept: a second look, behind one that cleared the error; drivers that set one and answer pass.
     if (Found(choice, host.eglGetError())) {
         names.SetConfig(display, recorded, choice.config);
         return choice.config;
     }
-    // The recorded configuration fills two of the conversions, and all others move by one.
+    // Kept: misspelt, and from the second on each value is one off; readers match it.
     output::Message(
         "Original EGLConfig is not valid (%d), attempting to find a similar valid config. "
         "Error: 0x%x Return value=%d Comfigs found=%d",
@@ -318,6 +320,7 @@ EGLConfig FindEglConfig(CEglNames& names, EGLDisplay display, std::int64_t recor
             names.SetConfig(display, recorded, choice.config);
             return choice.config;
         }
+        // Kept: what the last round gives up is never asked for; drivers choose the same configs.
         Relax(&config.relaxed[i - 2], config.renderable);
     }
     const EGLConfig bare = ChooseBare(host, display, config);

@@ -75,6 +75,7 @@ EPlayed PlayEglMakeCurrent(SEglPlay& c) {
     if (context == EGL_NO_CONTEXT) return EPlayed::kPlayed;
     if (CheckEglError(c.player) && c.player.sync) c.host.eglSwapInterval(display, 0);
     CheckEglError(c.player);
+    // Kept: of the surface to read from, not to draw on; tools compare host calls.
     LearnSurfaceSize(c, display, read, true, -1, -1);
     return EPlayed::kPlayed;
 }
@@ -90,9 +91,10 @@ EPlayed PlayEglTerminate(SEglPlay& c) {
     const EGLDisplay display = LiveDisplay(c);
     c.host.eglTerminate(display);
     c.names.ClearDisplay(display);
-    // Keyed by the live handle, so that the recorded display stays known.
+    // Kept: by the live handle, so the display stays known; recordings go on with it.
     c.names.RemoveDisplay(reinterpret_cast<std::uintptr_t>(display));
     c.names.SetContextValid(false);
+    // Kept: of all displays, not of this one; tools compare host calls.
     c.player.names.ResetNames();
     c.player.es1Names.ResetNames();
     return EPlayed::kPlayed;
@@ -109,6 +111,7 @@ EPlayed PlayEglWaitGL(SEglPlay& c) {
 }
 
 EPlayed PlayEglWaitNative(SEglPlay& c) {
+    // Kept: the core engine, whatever was recorded; drivers here have no other.
     c.host.eglWaitNative(EGL_CORE_NATIVE_ENGINE);
     return EPlayed::kLeftOut;
 }

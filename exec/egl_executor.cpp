@@ -8,6 +8,7 @@ namespace kestrail {
 bool CheckEglError(SPlayerState& player) {
     player.lastError = static_cast<std::uint32_t>(GetEglHost()->eglGetError());
     if (player.lastError == EGL_SUCCESS) return true;
+    // Kept: the last call of GL, not of EGL, and an empty line; readers match it.
     output::Message("EGL Error Code: 0x%lx, Call= %s\n",
                     static_cast<unsigned long>(player.lastError), player.currentCallName);
     return false;

@@ -100,6 +100,7 @@ void CEglNames::RemoveSurface(EGLDisplay live, Recorded recorded) {
 
 EGLContext CEglNames::GetContext(EGLDisplay live, Recorded recorded) {
     if (recorded == 0) return EGL_NO_CONTEXT;
+    // Kept: makes an entry on a miss, unlike GetSurface; ClearDisplay counts the tables.
     return s_state.contexts.GetOrCreate(Key(live)).GetOrCreate(recorded);
 }
 
@@ -148,6 +149,7 @@ void CEglNames::ClearDisplay(EGLDisplay live) {
     if (surfaces != nullptr) surfaces->Clear();
     auto* contexts = s_state.contexts.Find(Key(live));
     if (contexts != nullptr) contexts->Clear();
+    // Kept: the last table goes, whosever it is; recordings of one display know no other.
     if (s_state.contexts.Count() == 1) s_state.contexts.Clear();
 }
 

@@ -20,7 +20,7 @@ EGLSurface LiveSurface(SEglPlay& c, EGLDisplay display) {
 
 void LearnSurfaceSize(SEglPlay& c, EGLDisplay display, EGLSurface surface, bool check,
                       std::int32_t recordedWidth, std::int32_t recordedHeight) {
-    // A host that does not know a window's size yet reports 1.
+    // Kept: 640 by 480 where a driver reports 1, as some do before the window is shown.
     constexpr EGLint kUnknown = 1;
     EGLint width = 0;
     EGLint height = 0;
@@ -64,6 +64,7 @@ EPlayed PlayEglCreatePbufferFromClientBuffer(SEglPlay&) {
 
 EPlayed PlayEglCreatePbufferSurface(SEglPlay& c) {
     const EGLDisplay display = LiveDisplay(c);
+    // Kept: by a list that no recording holds: a config found before, or none.
     const EGLConfig config = FindEglConfig(c.names, display, c.Value<TuintType<4>>(1),
                                            c.At<SEglAttribList>(3).GetRawArray());
     const EGLSurface surface =
@@ -85,6 +86,7 @@ EPlayed PlayEglCreateWindowSurface(SEglPlay& c) {
     const NativeWindow native = c.player.environment.GetWindow(
         window.handle.GetValue(), window.width, window.height, c.names.GetNativeDisplay(display));
     c.player.lastError = static_cast<std::uint32_t>(c.host.eglGetError());
+    // Kept: without the recorded attributes; drivers differ in those that they take.
     const EGLSurface surface = c.host.eglCreateWindowSurface(display, config, native, nullptr);
     c.player.lastError = static_cast<std::uint32_t>(c.host.eglGetError());
     if (c.player.lastError != EGL_SUCCESS) {
@@ -110,6 +112,7 @@ EPlayed PlayEglQuerySurface(SEglPlay& c) {
     const bool unknownSize = recordedWidth == 1 || recordedHeight == 1;
     if (display != LiveDisplay(c) || !unknownSize) return EPlayed::kPlayed;
 
+    // Kept: said for any attribute that is asked; readers match it.
     output::Message("Invalid Screen Size (Android bug). Fixing...");
     const EGLint attribute = c.Value<TEGLintEnum>(2);
     const auto& answer = c.At<SArrayPtr<TEGLintEnum, 1, 1>>(3);

@@ -94,6 +94,7 @@ private:
 
     void PointFixed(int kind) {
         const SArrayKind& array = kArrayKinds[kind];
+        // Kept: weights are asked of without the same care; tools compare host calls.
         if (kind == kMatrixIndex) {
             if (m_c.host.glMatrixIndexPointerOES == nullptr) return;
             const bool enabled = m_c.host.glIsEnabled(array.enable) != GL_FALSE;

@@ -29,6 +29,7 @@ EPlayed PlayGlDrawArrays(SEs1Play& c) {
     const GLint first = c.Value<TintType<17>>(1);
     const GLsizei count = c.Value<TintType<18>>(2);
     const SVertices vertices{std::max<std::int64_t>(std::int64_t{first} + count, 0)};
+    // Kept: spelled like that; readers match it.
     CEs1ClientArrays arrays(c, c.At<CapturedArrays>(3), c.At<CapturedIndices>(4), vertices,
                             "glDrawArrays: No enought Data. No Pointer replaced with real memory. "
                             "glDrawArrays would crash.");
@@ -44,7 +45,7 @@ EPlayed PlayGlDrawElements(SEs1Play& c) {
     const bool elementBuffer = Integer(c.host, kElementBufferBinding) != 0;
     const SDrawIndices indices =
         DrawIndices(elementBuffer, c.At<SDataPtr>(3), c.Value<TPointer>(4), count, type);
-    // Arrays without captured bytes are passed over in silence here.
+    // Kept: of arrays without bytes not a word, unlike glDrawArrays; readers match it.
     CEs1ClientArrays arrays(c, c.At<CapturedArrays>(5), c.At<CapturedIndices>(6), indices.vertices,
                             nullptr);
     if (!PointArrays(c, arrays, indices.vertices) || !indices.sound) return EPlayed::kFailed;

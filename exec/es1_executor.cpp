@@ -8,13 +8,16 @@ namespace kestrail {
 
 bool CheckEs1Error(SPlayerState& player) {
     player.lastError = GetEs1Host()->glGetError();
+    // Kept: without a message of its own, unlike ES2; readers match what follows.
     return player.lastError == GL_NO_ERROR;
 }
 
 bool PlayEs1Call(SPlayerState& player, CCallEntry& entry) {
     const CApiCall& call = *entry.call;
+    // Kept: in silence, whatever is asked of failed calls; readers know each family's way.
     if (call.m_error.GetValue() != GL_NO_ERROR) return true;
     if (LeavesOutEs1Call(call.m_id)) return true;
+    // Kept: no test for a context, unlike ES2 and ES3; tools compare host calls.
     SEs1Play c{player, entry, *entry.GetInfo(), call.m_id, *GetEs1Host(), player.es1Names};
     const EPlayed played = PlayEs1Case(c);
     if (played != EPlayed::kPlayed) return played == EPlayed::kLeftOut;
@@ -25,8 +28,7 @@ EPlayed PlayGlDeleteBuffers(SEs1Play& c) {
     const GLsizei count = c.Value<TintType<18>>(0);
     const auto& recorded = c.At<SNameArray>(1);
     if (recorded.ItemCount() < std::int64_t{count}) return EPlayed::kFailed;
-    // One host call a name, and the translations stay: a later bind of the same recorded name binds
-    // the deleted one and generates none.
+    // Kept: one call a name, and translations stay for later binds; tools compare host calls.
     for (GLsizei i = 0; i < count; ++i) {
         const GLuint live = c.names.Buffers().Get(recorded.GetItem(static_cast<std::uint32_t>(i)));
         c.host.glDeleteBuffers(1, &live);
@@ -49,6 +51,7 @@ EPlayed PlayGlPointSizePointerOES(SEs1Play& c) {
     return EPlayed::kPlayed;
 }
 
+// Kept: played, which ES2's is not; drivers finish the frame for it.
 EPlayed PlayGlReadPixels(SEs1Play& c) {
     const GLsizei width = c.Value<TintType<18>>(2);
     const GLsizei height = c.Value<TintType<18>>(3);
@@ -82,6 +85,7 @@ EPlayed PlayGlTexSubImage2D(SEs1Play& c) {
 }
 
 EPlayed PlayGlVertexPointer(SEs1Play& c) {
+    // Kept: both looks are for nothing but to drop an error; drivers hold one until asked.
     CheckEs1Error(c.player);
     c.host.glVertexPointer(c.Value<TintType<17>>(0), c.Value<TGLenum>(1), c.Value<TintType<18>>(2),
                            AsPointer(c.Value<TPointer>(4)));

@@ -48,7 +48,7 @@ public:
     bool Point(const char* draw) {
         const GLuint attributes = Attributes();
         std::uint64_t seen = 0;
-        // The attributes behind one that has no bytes keep what earlier draws gave them.
+        // Kept: behind one without bytes all stay as they are, and it is drawn; ES1 goes on.
         bool pointing = true;
         for (GLuint a = 0; a < attributes; ++a) {
             const GLuint index = AttributeIndex(m_c.names, a);
@@ -111,6 +111,7 @@ private:
         if (m_byPosition) return m_next;
         std::size_t found = ~std::size_t{0};
         for (std::size_t i = 0; i < m_arrays.items.size(); ++i) {
+            // Kept: by live index, and the last one counts; tools compare pictures.
             if (m_indices.items[i] == static_cast<int>(index)) found = i;
         }
         return found;
@@ -147,6 +148,7 @@ private:
         const std::size_t array = ArrayOf(index);
         if (array >= m_arrays.items.size()) MeasureAs(index, pointer, vertexBytes);
         if (array == ~std::size_t{0}) {
+            // Kept: spelled like that; readers match it.
             output::Message(
                 "%s: No enought Data. No Pointer replaced with real memory. %s would crash.", draw,
                 draw);

@@ -10,6 +10,7 @@ EPlayed PlayGlDrawArrays(SEs2Play& c) {
     const GLsizei count = c.Value<TintType<18>>(2);
     CorrectViewport(c.player, c.names.ViewportDirty(), c.host);
     const GLuint arrayBuffer = BoundBuffer(c.host, GL_ARRAY_BUFFER_BINDING);
+    // Kept: drops an error, which drivers hold until they are asked.
     c.host.glGetError();
     c.host.glBindBuffer(GL_ARRAY_BUFFER, 0);
     const SVertices vertices{std::max<std::int64_t>(std::int64_t{first} + count, 0)};

@@ -74,13 +74,14 @@ public:
     /// The extension entries of this API's host table are filled for the context.
     bool& ExtensionsResolved() { return s_state.extensionsResolved; }
 
-    /// Forgets all names but 0, which stays 0, and the attribute locations.
+    // Kept: forgets all names but 0 and attribute locations, which drivers' names find again.
     void ResetNames();
 
 private:
     using Locations = TNameTable<std::uint32_t, std::int32_t>;
 
     struct SState {
+        // Kept: 0 is a miss for some and all ones for others; tools compare host calls.
         Names textures{0};
         Names samplers{0};
         TNameMap<std::uintptr_t> syncs{0};

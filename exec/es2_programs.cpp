@@ -52,6 +52,7 @@ EPlayed PlayGlAttachShader(SEs2Play& c) {
     SShaderRecord* shader = c.names.GetShaderRecord(recordedShader);
     if (program == nullptr || shader == nullptr) return EPlayed::kFailed;
     c.names.AttachShader(recordedProgram, recordedShader);
+    // Kept: an attach takes a deletion back; recordings reuse such shaders.
     shader->deletePending = false;
     c.host.glAttachShader(program->liveName, shader->liveName);
     return EPlayed::kPlayed;
@@ -63,6 +64,7 @@ EPlayed PlayGlDetachShader(SEs2Play& c) {
     const SShaderRecord* shader = c.names.GetShaderRecord(recordedShader);
     if (program == nullptr || shader == nullptr) return EPlayed::kFailed;
     c.host.glDetachShader(program->liveName, shader->liveName);
+    // Kept: neither count nor slot changes, unlike in a seek; recordings attach again.
     if (shader->deletePending) c.names.DeleteShaderRecord(recordedShader);
     return EPlayed::kPlayed;
 }
@@ -87,7 +89,7 @@ EPlayed PlayGlGetUniformLocation(SEs2Play& c) {
 EPlayed PlayGlGetProgramiv(SEs2Play& c) {
     const SProgramRecord* program = c.names.GetProgramRecord(c.Value<TuintType<21>>(0));
     if (program == nullptr) return EPlayed::kFailed;
-    // The answer goes nowhere; no parameter of a program has more values than these.
+    // Kept: asked though nobody takes the answer; drivers finish a link when asked.
     GLint answer[16] = {};
     c.host.glGetProgramiv(program->liveName, c.Value<TGLenum>(1), answer);
     return EPlayed::kPlayed;
@@ -120,6 +122,7 @@ EPlayed PlayGlLinkProgram(SEs2Play& c) {
 }
 
 EPlayed PlayGlReleaseShaderCompiler(SEs2Play& c) {
+    // Kept: its error is dropped; drivers without a compiler refuse it.
     c.host.glReleaseShaderCompiler();
     c.host.glGetError();
     return EPlayed::kPlayed;
@@ -170,6 +173,7 @@ EPlayed PlayGlUseProgram(SEs2Play& c) {
     if (program == nullptr) return EPlayed::kFailed;
     const GLuint live = program->liveName;
     c.host.glUseProgram(live);
+    // Kept: no look at its error; after a failed link drivers refuse it each frame.
     c.names.UseProgram(live, true);
     return EPlayed::kLeftOut;
 }

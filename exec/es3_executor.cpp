@@ -23,6 +23,7 @@ GLsync LiveSync(SEs3Play& c) {
 
 bool PlayEs3Call(SPlayerState& player, CCallEntry& entry) {
     const CApiCall& call = *entry.call;
+    // Kept: fails, where other families leave it out; readers expect both lines.
     if (call.m_error.GetValue() != GL_NO_ERROR) {
         output::Message("Es3 Call:Error. (Recorded GL_ERROR) %s", call.GetName());
         return false;
@@ -42,6 +43,7 @@ bool PlayEs3Call(SPlayerState& player, CCallEntry& entry) {
     SEs3Play c{player, entry, *entry.GetInfo(), call.m_id, *GetEs3Host(), player.names};
     const EPlayed played = PlayEs3Case(c);
     if (played != EPlayed::kPlayed) return played == EPlayed::kLeftOut;
+    // Kept: told as one of ES2; readers match it.
     return player.checkErrors ? CheckEs2Error(player) : true;
 }
 
@@ -114,6 +116,7 @@ EPlayed PlayGlClientWaitSync(SEs3Play& c) {
 }
 
 EPlayed PlayGlWaitSync(SEs3Play& c) {
+    // Kept: 32 of 64 recorded bits, which drivers may refuse; tools compare host calls.
     c.host.glWaitSync(LiveSync(c), c.Value<TGLbitfield>(1), c.Value<TuintType<31>>(2));
     return EPlayed::kPlayed;
 }

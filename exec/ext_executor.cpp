@@ -17,8 +17,7 @@ constexpr std::uint16_t kLast = 4090;
 constexpr std::uint16_t kRenderbufferStorageMultisample = 4089;
 constexpr std::uint16_t kFramebufferTexture2DMultisample = 4090;
 
-/// Without a word. For a call of no GL API the comparison is with GL's success all the same, which
-/// EGL's is not.
+// Kept: not a word, and EGL's success is taken for an error; readers match what follows.
 bool CheckExtError(SPlayerState& player, std::uint32_t api) {
     if (api == kApiEs1) {
         player.lastError = GetEs1Host()->glGetError();
@@ -30,11 +29,11 @@ bool CheckExtError(SPlayerState& player, std::uint32_t api) {
     return player.lastError == 0;
 }
 
-/// What the host can do in place of the samples that the application asked for. Asked of ES2
-/// whatever API the call belongs to.
+/// What the host can do in place of the samples that the application asked for.
 GLsizei SupportedSamples(GLsizei requested, const char* caller) {
     constexpr GLenum kMaxSamples = 37173;
     GLint most = 0;
+    // Kept: asked of ES2 whatever the API; tools compare host calls.
     GetEs2Host()->glGetIntegerv(kMaxSamples, &most);
     if (requested <= most) return requested;
     output::Message("%s:  Requested samples is not supported (%d), set to %d\n", caller, requested,
@@ -44,6 +43,7 @@ GLsizei SupportedSamples(GLsizei requested, const char* caller) {
 
 GLsizei StorageSamples(CGenCallInfo& info) {
     const auto& samples = static_cast<TintType<18>&>(*(*info.GetParameters())[1]);
+    // Kept: with the prefix that its relative hasn't; readers match it.
     return SupportedSamples(samples.GetValue(), "ID_EXT_glRenderbufferStorageMultisampleQVA");
 }
 
@@ -78,7 +78,7 @@ EPlayed Play(SPlayerState& player, CCallEntry& entry, std::uint32_t api) {
 
 EPlayed PlayGlBindRenderbufferOES(SEs1Play& c) {
     if (c.host.glBindRenderbufferOES == nullptr) return EPlayed::kMissing;
-    // A name that was never generated is made through ES2, whose names are of the same space.
+    // Kept: an unknown name is made through ES2; tools compare host calls.
     const GLuint live = LiveOrGenerated(
         c.names.Renderbuffers(), c.Value<TuintType<21>>(1),
         [](GLsizei count, GLuint* names) { GetEs2Host()->glGenRenderbuffers(count, names); });
@@ -105,6 +105,7 @@ EPlayed PlayGlFramebufferTexture2DMultisampleQVA(SEs2Play& c) {
 
 bool PlayExtCall(SPlayerState& player, CCallEntry& entry) {
     const auto& call = static_cast<const CExtCall&>(*entry.call);
+    // Kept: in silence, whatever is asked of failed calls; readers know each family's way.
     if (call.m_extError.GetValue() != 0) return true;
     if (call.m_id < kFirst || call.m_id > kLast) return false;
     const std::uint32_t api = call.m_api.GetValue();

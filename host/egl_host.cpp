@@ -15,6 +15,7 @@ SEglHost::SEglHost() : SHostLib(GetHostConfig()->EglLibraryPath), SEglEntries{} 
     output::Message(
         "Kestrail EGL - ERROR: failed to load entry points from host library\n"
         "Please check library paths in kestrail.cfg\n");
+    // Kept: goes on all the same; readers match it, and drivers may lack what no call needs.
     output::Message("\nKestrail - aborting\n");
 }
 

@@ -27,6 +27,7 @@ SEs1Host::SEs1Host()
 
 SEs1Host* SEs1Host::Create() {
     s_instance = new SEs1Host;
+    // Kept: told in a sentence run together, and used all the same; readers match it.
     if (s_instance->Failed()) {
         output::Message(
             "Could not load Host library OGLES1. Please check library paths in kestrail.cfg if you "

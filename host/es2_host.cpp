@@ -23,6 +23,7 @@ SEs2Host::SEs2Host()
     optional = true;
     ResolveEntries(static_cast<SOptionalEntries*>(this), kOptionalEntries);
     optional = false;
+    // Kept: so nobody is told of a lack a second time; drivers may lack what no call needs.
     failed = false;
 }
 

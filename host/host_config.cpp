@@ -18,7 +18,7 @@ File OpenFile(const CKSTLString& path, const char* mode) {
     return {std::fopen(path.c_str(), mode), &std::fclose};
 }
 
-// Unlike CKSTLString::TrimRight this leaves tabs, so a key with a tab behind it is an unknown one.
+// Kept: leaves tabs, so that a key with one behind it is unknown; files are written for it.
 void StripRight(CKSTLString& text) {
     std::uint32_t length = text.length();
     while (length > 0 && (text[length - 1] == ' ' || text[length - 1] == '\n')) --length;
@@ -38,6 +38,7 @@ void StorePath(CHostConfig& config, const CKSTLString& key, const CKSTLString& v
         config.Es2LibraryPath = value;
     } else if (key == "Es3LibraryPath") {
         config.Es3LibraryPath = value;
+        // Kept: three letters and more stand for ES2's as well; both come from one library.
         if (value.length() > 2) config.Es2LibraryPath = value;
     }
 }
@@ -46,7 +47,7 @@ void StoreSetting(SHostSettings& settings, const CKSTLString& key, const CKSTLSt
     if (key == "TraceFile") {
         settings.traceFile = value;
     } else if (key == "RecordData") {
-        // Being named turns it on, whatever the value says.
+        // Kept: named is on, whatever the value; files in use rely on it.
         settings.recordData = true;
     } else if (key == "SaveFrameBuffer") {
         settings.saveFrameBuffer = value.c_str()[0] != '0';
@@ -60,7 +61,7 @@ void StoreSetting(SHostSettings& settings, const CKSTLString& key, const CKSTLSt
 void ReadLine(CHostConfig& config, CKSTLString line) {
     line.TrimLeft();
     line.TrimRight();
-    // Keys are taken wherever they stand, so the names of sections do not matter.
+    // Kept: sections have no say, a key counts anywhere; files are shared with the recorder.
     if (line.empty() || line[0] == '\'' || line[0] == '#' || line[0] == '[') return;
     const std::uint32_t equals = line.find("=");
     if (equals == CKSTLString::npos) return;
@@ -80,6 +81,7 @@ CHostConfig::CHostConfig()
     : EglLibraryPath("libEGL.so"), Es1LibraryPath("libGLES_CM.so"), Es2LibraryPath("libGLESv2.so") {
     GetHostSettings().traceFile = "trace.kstl";
     for (const CKSTLString* path : {&EglLibraryPath, &Es2LibraryPath, &Es1LibraryPath}) {
+        // Kept: opened and let go of; drivers find each other's symbols by it.
         dlopen(path->c_str(), RTLD_NOW | RTLD_GLOBAL);
     }
 }
@@ -103,6 +105,7 @@ void ReadConfigFile(CHostConfig& config, const CKSTLString& path) {
     output::Message("The current working directory is %s", directory);
     if (file == nullptr) {
         output::Warning("Config file not found: %s/%s\n", directory, path.c_str());
+        // Kept: the recorder's words, also here; readers match it.
         output::Warning("Recording Aborted.Exit");
         std::exit(-1);
     }
@@ -124,6 +127,7 @@ bool WriteConfigFile(const CHostConfig& config, const CKSTLString& path) {
     output::Message("Writing to File \n");
     const File file = OpenFile(path, "w+b");
     if (file == nullptr) return false;
+    // Kept: the last three are fixed, and ES3's path is left out; the recorder reads the file.
     std::fprintf(file.get(),
                  "[host]\n"
                  "EglLibraryPath = %s\n"

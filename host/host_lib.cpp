@@ -50,7 +50,7 @@ void SetEntry(void* entries, const SEntryPlace& place, EntryAddress address) {
 
 SHostLib::SHostLib(const CKSTLString& path) {
     handle = OpenHereOrThere(path);
-    // A path that was read from a line of text may have kept a stray last character.
+    // Kept: without the last character, which lines of a file may leave on a path.
     if (handle == nullptr && !path.empty()) {
         handle = OpenHereOrThere(path.substr(0, path.length() - 1));
     }
@@ -61,6 +61,7 @@ SHostLib::SHostLib(const CKSTLString& path) {
     output::Message("Could not load Host library.... %s. Path: %s Missing dll/so?", path.c_str(),
                     path.c_str());
     failed = true;
+    // Kept: spelled like that; readers match it.
     output::Message("Exception ERROR__LOADLIBFAILD ...");
     throw CHostLibException(CHostLibException::kLoadFailed);
 }

@@ -24,6 +24,7 @@ NativeDisplay CreateScreenContext() {
         output::SystemError("screen_create_context");
         screenContext = nullptr;
     }
+    // Kept: never a display of its own; drivers take the default one.
     return NativeDisplay{};
 }
 
@@ -110,8 +111,7 @@ NativeWindow COsEnvironment::FindWindow(std::uint64_t recordedWindow) {
 }
 
 bool COsEnvironment::PumpEvents() {
-    // This cannot turn false, as no callback here asks to quit. A platform whose callback does
-    // needs another way to join the answers.
+    // Kept: never turns false, whatever is answered; no platform here asks to quit.
     bool result = true;
     for (std::int32_t i = 0; i < nativeWindows.Count(); ++i) {
         result |= processEvents(*nativeWindows.ValueAt(i), NativeDisplay{});

@@ -32,6 +32,7 @@ public:
     T* operator->() const { return Get(); }
     T* Get() const {
         if (m_object == nullptr) [[unlikely]] {
+            // Kept: spelled like that; readers match it.
             output::Print("Error refering empty TraceScopedPtr\n");
         }
         return m_object;

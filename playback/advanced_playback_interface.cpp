@@ -20,6 +20,7 @@ bool AdvancedPlaybackInterface::AttachTrace(CFrameStore* trace) {
         output::Message("Current trace file recorded without Data....Abort");
         return false;
     }
+    // Kept: a second warning in other words, behind LoadTrace's; readers look for either.
     if (trace->MultiThread()) {
         output::Message("Current trace contain more than one thread.... Playback could crash.");
     }

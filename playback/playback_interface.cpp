@@ -15,6 +15,7 @@ bool PlaybackInterface::LoadTrace(const char* path, bool wholeFile) {
     m_wholeFile = wholeFile;
     try {
         CTraceDocument* document = CTraceDocument::Instance();
+        // Kept: a missing, empty or cut file is no failure; readers see by the lines what played.
         if (document->OpenTrace(CKSTLString(path), wholeFile) == kRefused) {
             output::Message("*** Error loading file ***");
             return false;
@@ -23,6 +24,7 @@ bool PlaybackInterface::LoadTrace(const char* path, bool wholeFile) {
         return true;
     } catch (...) {
         output::Message("Exception processing trace file");
+        // Kept: nothing catches it; whoever starts the player sees the process end.
         throw "Exception trying process file";
     }
 }
@@ -58,6 +60,7 @@ void PlaybackInterface::SetOption(std::uint32_t selector, std::int32_t value) {
             player.SetSkipFrameRange(-1, value);
             break;
         case kOptionSaveFrameBuffer:
+            // Kept: any value but 0, where the other flags take 1 and more; front ends pass -1.
             player.SetSaveFrameBuffer(value != 0);
             break;
         default:
@@ -81,6 +84,7 @@ bool PlaybackInterface::Play() {
 bool PlaybackInterface::PlayFrame(std::uint32_t frame) {
     if (m_trace == nullptr) return false;
     Player().SetTrace(m_trace);
+    // Kept: modulo 65536; front ends hold a frame's number in 16 bits.
     return Player().PlayFrame(static_cast<std::uint16_t>(frame));
 }
 

@@ -43,6 +43,7 @@ bool CSequentialPlayer::Skips(std::uint32_t frame, std::uint32_t frameCount) {
     const bool valid = end <= frameCount && m_skipFrameStart != -1 && m_skipFrameEnd != -1 &&
                        m_skipFrameEnd >= m_skipFrameStart;
     if (!valid) {
+        // Kept: a name of the code, and an empty line behind what follows; readers match both.
         output::Message("m_skipFrameRange....");
         m_skipFrameRangeEnabled = false;
         output::Message("Disabling SkipFrameRange. Range is not valid.  %d-%d\n", m_skipFrameStart,
@@ -68,6 +69,7 @@ void CSequentialPlayer::PlayAllFrames() {
 void CSequentialPlayer::PlayStream() {
     names.ResetNames();
     es1Names.ResetNames();
+    // Kept: skips no frames, though main announces it; a stream's log is of the whole trace.
     if (!PlayFrame(1)) output::Message("Aborting Playback....");
 }
 
@@ -104,6 +106,7 @@ void CSequentialPlayer::PlayNext(CCallEntry& entry) {
 void CSequentialPlayer::PrintCall(CGenCallInfo& info, std::uint32_t number) const {
     TextWriter& out = output::Pending();
     out.Append("KESTRAIL(M) Frame(P): ");
+    // Kept: a number, where an index is asked for: one call ahead; readers cut logs by it.
     out.AppendSigned(static_cast<std::int32_t>(store->FrameOfCall(number)));
     out.Append(" Call:");
     out.AppendSigned(static_cast<std::int32_t>(g_callCount));
@@ -114,6 +117,7 @@ void CSequentialPlayer::PrintCall(CGenCallInfo& info, std::uint32_t number) cons
         out.Append(" (");
         for (const SApiTypeBase* parameter : *parameters) {
             parameter->AppendText(out);
+            // Kept: behind the last one as well; readers split the line by it.
             out.Append(" , ");
         }
         out.Append(')');
@@ -136,6 +140,7 @@ bool CSequentialPlayer::PlayCall(CCallEntry* call, bool checkErrorsAfter) {
     // The loader's own records are no calls.
     if (id >= 2 && id <= 4) return true;
     bool played = false;
+    // Kept: less than what loads; readers expect the rest to be printed and told as failed.
     if (id > 1000 && id < 1035) {
         played = PlayEglCall(*this, *call);
     } else if (id > 3000 && id < 3146) {
@@ -153,6 +158,7 @@ bool CSequentialPlayer::PlayCall(CCallEntry* call, bool checkErrorsAfter) {
 
 CCallEntry* CSequentialPlayer::FindCall(std::uint16_t id, bool rewind) {
     const std::uint32_t count = store->FrameCount();
+    // Kept: from 0, so that the last is never searched; front ends count frames like that.
     for (std::uint32_t frame = 0; frame < count; ++frame) {
         store->SeekFrame(frame, rewind);
         if (rewind) store->ResetCursor();
@@ -167,6 +173,7 @@ bool CSequentialPlayer::CheckCompatibleEnvironment() {
     if (m_searchedCompatibleEnvironment) return true;
     if (FindCall(kEglInitialize, true) != nullptr) return false;
     m_searchedCompatibleEnvironment = true;
+    // Kept: spelled like that; readers match it.
     output::Message("Android Java used. Searching for a compatible enviroment.");
     FindCall(kEglMakeCurrent, true);
     return true;

@@ -85,7 +85,7 @@ FoundFlags MakeDisplays(SEglTransition& t) {
 }
 
 void MakeSurface(SEglTransition& t, const SEglSurfaceRecord& surface) {
-    // A host that does not know a window's size yet reports 1.
+    // Kept: 640 by 480 where a driver reports 1, as some do before the window is shown.
     constexpr EGLint kUnknown = 1;
     EGLDisplay live = t.names.GetDisplay(surface.display);
     if (live == EGL_NO_DISPLAY) return;
@@ -121,8 +121,7 @@ void MakeSurfaces(SEglTransition& t) {
             });
         if (known == nullptr) MakeSurface(t, surface);
     }
-    // By handle: of a surface that was made anew with another configuration, it is the new one that
-    // goes, since it has taken over the handle.
+    // Kept: by handle, so of one made anew with another config the new goes; tools compare seeks.
     for (std::uint32_t i = 0; i < t.current.surfaces.Count(); ++i) {
         const SEglSurfaceRecord& surface = t.current.surfaces.At(i);
         const EGLDisplay live = t.names.GetDisplay(surface.display);
@@ -135,9 +134,10 @@ void MakeSurfaces(SEglTransition& t) {
 void MakeContext(SEglTransition& t, const SEglContextRecord& context) {
     const EGLDisplay live = t.names.GetDisplay(context.display);
     if (live == EGL_NO_DISPLAY || !MakesContexts(context.api)) return;
+    // Kept: the context's list chooses the config, not the config's own; tools compare seeks.
     const EGLint* attributes = HostList(*context.attributes);
     const EGLConfig config = FindEglConfig(t.names, live, context.config, attributes);
-    // The context to share with is handed over as it was recorded.
+    // Kept: the context to share with goes as it was recorded; drivers refuse it or don't look.
     const auto shared = reinterpret_cast<EGLContext>(std::uintptr_t{context.shareContext});
     std::vector<EGLint> room;
     const EGLContext made =
@@ -171,7 +171,7 @@ void MakeContexts(SEglTransition& t) {
     }
 }
 
-/// Another context or surface on the same display is left to the calls of the frame.
+// Kept: on another display only, and drawing is also for reading; tools compare seeks.
 void MakeCurrent(SEglTransition& t) {
     if (t.target.currentDisplay == 0) return;
     if (t.target.currentDisplay == t.current.currentDisplay) return;
@@ -195,6 +195,7 @@ void EndDisplays(SEglTransition& t, const FoundFlags& found) {
         const std::uint32_t recorded = t.current.displays.At(i).handle;
         const EGLDisplay live = t.names.GetDisplay(recorded);
         if (found[i] || live == EGL_NO_DISPLAY) continue;
+        // Kept: a live handle against a recorded one; tools compare seeks.
         if (reinterpret_cast<std::uintptr_t>(live) == t.target.currentDisplay) {
             t.target.currentDisplay = 0;
         }

@@ -57,7 +57,7 @@ void SetPointsAndPixels(SEs1Transition& t) {
     t.host.glPointSize(t.target.pointSize);
     t.host.glPolygonOffset(t.target.polygonOffsetFactor, t.target.polygonOffsetUnits);
     t.host.glSampleCoverage(t.target.sampleCoverageValue, t.target.sampleCoverageInvert);
-    // Only a box that is empty goes to the host.
+    // Kept: an empty box alone goes to the host; tools compare pictures of sought frames.
     const auto& box = t.target.scissorBox;
     if (box[2] == box[3] && box[2] == 0) t.host.glScissor(box[0], box[1], box[2], box[3]);
 }
@@ -121,7 +121,7 @@ void TransitionScalars1(SEs1Transition& t) {
 }
 
 void TransitionMatrices1(SEs1Transition& t) {
-    // The last palette stack is left out.
+    // Kept: not the last stack; tools compare seeks.
     constexpr std::int32_t kRestored = kMatrixStacks - 1;
     constexpr auto kDeepest = static_cast<std::int32_t>(CMatrixStack::kLevels) - 1;
     for (std::int32_t i = 0; i < kRestored; ++i) {
@@ -137,7 +137,7 @@ void TransitionMatrices1(SEs1Transition& t) {
             t.host.glMatrixMode(GL_MATRIX_PALETTE_OES);
             t.SelectPalette(i - kStackPalette);
         }
-        // What selects nothing goes through the stack that was selected before it.
+        // Kept: what selects nothing goes to the stack selected before; tools compare seeks.
         const std::int32_t pushed = t.current != nullptr ? t.current->matrixStacks[place].top : 0;
         for (std::int32_t level = 0; level < std::min(pushed, kDeepest); ++level) {
             t.host.glPopMatrix();

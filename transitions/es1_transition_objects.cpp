@@ -11,7 +11,7 @@ namespace {
 
 using STextureLevels = TStateTable<STextureImage1State>;
 
-/// Textures are compared by their places in the tables, and by no more than the name.
+// Kept: by place, and by name whatever they show; tools compare seeks.
 bool SameTexture(SEs1Transition& t, std::int32_t place) {
     if (t.current == nullptr || place >= t.current->textures->Count()) return false;
     const STextureImage1State* image = ValueAt(*t.target.textures, place)->Find(0);
@@ -104,6 +104,7 @@ bool HasFramebuffers(const SEs1Host& host) {
 
 void Attach(SEs1Transition& t, GLenum place, const SAttachmentState& attachment) {
     if (attachment.kind == GL_RENDERBUFFER_OES) {
+        // Kept: the recorded name; tools compare pictures of sought frames.
         t.host.glFramebufferRenderbufferOES(GL_FRAMEBUFFER_OES, place, GL_RENDERBUFFER_OES,
                                             attachment.name);
     } else if (attachment.kind == GL_TEXTURE) {
@@ -128,6 +129,7 @@ void TransitionTextures1(SEs1Transition& t) {
 void TransitionUnits1(SEs1Transition& t) {
     for (std::uint32_t unit = 0; unit < t.Units(); ++unit) {
         t.host.glActiveTexture(GL_TEXTURE0 + unit);
+        // Kept: the recorded name; tools compare pictures of sought frames.
         t.host.glBindTexture(GL_TEXTURE_2D, t.target.binding2D[unit]);
         const SVector4& coord = (*t.target.currentTexCoord)[unit];
         t.host.glMultiTexCoord4f(GL_TEXTURE0 + unit, coord[0], coord[1], coord[2], coord[3]);
@@ -141,6 +143,7 @@ void TransitionBuffers1(SEs1Transition& t) {
     const auto& buffers = *t.target.buffers;
     for (std::int32_t i = 0; i < buffers.Count(); ++i) {
         const SBufferState& buffer = ValueAt(buffers, i);
+        // Kept: by place, and by what they hold whatever the name; tools compare seeks.
         const bool known = t.current != nullptr && i < t.current->buffers->Count();
         if (known && ValueAt(*t.current->buffers, i).data.Identity() == buffer.data.Identity())
             continue;
@@ -163,6 +166,7 @@ void TransitionClientArrays1(SEs1Transition& t) {
         const std::uint32_t name = t.target.vertexArrays->KeyAt(i);
         if (name != 0 && objects) {
             GLuint live = 0;
+            // Kept: a new one at every seek, and none is deleted; tools compare seeks.
             t.host.glGenVertexArraysOES(1, &live);
             t.target.vertexArrays.Write().ValueAt(i)->Write().name = live;
             t.names.VertexArrays().Set(name, live);

@@ -23,7 +23,7 @@ struct SEs1Transition {
             host.glDisable(capability);
         }
     }
-    /// Binds the two recorded buffer names, untranslated.
+    // Kept: binds the recorded names; tools compare seeks.
     void BindRecordedBuffers() const;
     void SelectPalette(std::int32_t index) const {
         if (host.glCurrentPaletteMatrixOES == nullptr) return;

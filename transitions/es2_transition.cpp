@@ -40,6 +40,7 @@ private:
 void SetAttributes(SEs2Host& host, CEs2Names& names, const SVertexArrayState& array) {
     for (GLuint i = 0; i < array.attributes.size(); ++i) {
         const SAttribPointerState& attribute = array.attributes[i];
+        // Kept: the recorded index, where a draw's is translated; tools compare seeks.
         host.glBindBuffer(GL_ARRAY_BUFFER, names.Buffers().Get(attribute.buffer));
         if (attribute.size != 0 || attribute.type != 0) {
             host.glVertexAttribPointer(i, attribute.size, attribute.type, attribute.normalized,
@@ -78,6 +79,7 @@ void CheckTransitionError(const CEs2State& /*state*/) {
     for (int read = 0; read < 2; ++read) {
         const GLenum error = host.glGetError();
         if (error == GL_NO_ERROR) return;
+        // Kept: two blanks, and at most two errors; readers match the line.
         output::Message("OGLES2 Error Code  0x%lx, Setting ContextState\n",
                         static_cast<unsigned long>(error));
     }
@@ -89,6 +91,7 @@ void TransitionBuffers(const CEs2State& target, const CEs2State& current) {
     SEs2Host& host = *GetEs2Host();
     CEs2Names names;
     TKeyIndex<SBufferState> known(*current.buffers);
+    // Kept: none is deleted that the frame lacks; tools compare seeks.
     for (std::int32_t i = 0; i < target.buffers->Count(); ++i) {
         const std::uint32_t name = target.buffers->KeyAt(i);
         const SBufferState& buffer = ValueAt(*target.buffers, i);
@@ -157,11 +160,12 @@ void TransitionScalars(const CEs2State& target) {
     host.glPolygonOffset(target.polygonOffsetFactor, target.polygonOffsetUnits);
     host.glSampleCoverage(target.sampleCoverageValue, target.sampleCoverageInvert);
     const auto& box = target.scissorBox;
+    // Kept: a box of zeros stays behind; tools compare pictures of sought frames.
     if (box[0] != 0 || box[1] != 0 || box[2] != 0 || box[3] != 0) {
         host.glScissor(box[0], box[1], box[2], box[3]);
     }
     SetStencil(host, target);
-    // The viewport of the surface is left as it is: the surface need not have the recorded size.
+    // Kept: never that of the surface, which need not have the size of the recording's.
     const auto& viewport = target.viewport;
     if ((viewport[2] != 0 || viewport[3] != 0) && target.boundFramebuffer != 0) {
         host.glViewport(viewport[0], viewport[1], viewport[2], viewport[3]);

@@ -63,6 +63,7 @@ void TransitionFramebuffers(CEs2State& target, const CEs2State& current) {
     SEs2Host& host = *GetEs2Host();
     CEs2Names names;
     const auto& renderbuffers = *target.renderbuffers;
+    // Kept: none is deleted that the frame lacks; tools compare seeks.
     for (std::int32_t i = 0; i < renderbuffers.Count(); ++i) {
         const SRenderbufferState& buffer = ValueAt(renderbuffers, i);
         const GLuint live =

@@ -273,12 +273,15 @@ private:
         const TStateTable<SAttributeState>* constants = values != nullptr ? &**values : nullptr;
         if (!last) {
             BindAttributes(m_host, live, constants);
+            // Kept: an empty line for each program; readers match it.
             output::Message("\n");
+            // Kept: also what is unchanged; drivers clear uniforms by it, and all are set.
             if (program.linked != 0) {
                 m_host.glLinkProgram(live);
                 if (m_host.glGetError() != GL_NO_ERROR) CheckTransitionError(m_target);
             }
         }
+        // Kept: behind the link that they are for; tools compare seeks.
         const auto* bindings = m_target.attributeBindings->Find(name);
         BindAttributes(m_host, live, bindings != nullptr ? &**bindings : nullptr);
         if (program.linked != 0) {
@@ -319,6 +322,7 @@ private:
             const SUniformLocation& uniform = ValueAt(locations, i);
             const GLint at = m_host.glGetUniformLocation(live, uniform.name->c_str());
             if (at == -1) {
+                // Kept: an answer that nobody takes; tools compare seeks.
                 m_host.glIsProgram(live);
                 continue;
             }

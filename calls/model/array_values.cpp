@@ -7,6 +7,7 @@ void SArrayPtr<SString, 1, 1>::Read(CTrace& trace) {
     count = ReadStored(trace, 0, std::uint32_t{});
     CheckRecordedSize(trace, count);
     m_elements.clear();
+    // Kept: as for any array.
     if (count == 0) pointer.value = 0;
     if (pointer.value == 0) return;
     // Each string takes bytes of the record, so the array grows with what the record gives and not

@@ -115,6 +115,7 @@ public:
         CheckRecordedSize(trace, count);
         m_elements.reset();
         m_items = 0;
+        // Kept: an array of no items is NULL, whatever was recorded; readers match the line.
         if (count == 0) pointer.value = 0;
         if (pointer.value == 0) return;
         m_items = std::min(count, Readable(trace));

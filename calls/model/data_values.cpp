@@ -29,6 +29,7 @@ std::size_t FoldPlace(const std::string& out, int width) {
 }  // namespace
 
 void CheckRecordedSize(const CTrace& trace, std::uint32_t size) {
+    // Kept: counts too are compared with bytes, and the text is spelled so; readers match it.
     if (size > trace.GetRecordSize()) {
         throw std::logic_error("Size readed from memmory is greater than blocksize");
     }
@@ -39,6 +40,7 @@ void SBlock::Read(CTrace& trace) {
     size = ReadUInt32(trace.Stream(), 0, true);
     CheckRecordedSize(trace, size);
     m_data.reset();
+    // Kept: bytes behind a null pointer too, unlike strings and arrays; recordings hold them.
     if (size == 0) return;
     m_data.reset(static_cast<std::uint8_t*>(std::malloc(size)));
     if (trace.Stream().Read(m_data.get(), size, true)) return;
@@ -147,6 +149,7 @@ void AppendFolded(TextWriter& out, std::string_view text, int width, bool stop) 
     int column = 0;
     int lines = 0;
     for (std::size_t i = 0; i < text.size(); ++i) {
+        // Kept: lines against the width, and begun again behind what stands; readers match it.
         if (lines > width) {
             if (stop || 3 * startWidth < lines) {
                 folded += " ....";

@@ -110,6 +110,7 @@ void SEglNativeWindowDesc::Read(CTrace& trace) {
 
 void SEglNativePixmapDesc::Read(CTrace& trace) {
     trace >> handle;
+    // Kept: once in a process; recordings have the length of the first pixmap alone.
     static const std::uint32_t length = ReadUInt32(trace.Stream(), 0, true);
     const std::uint32_t held = std::min(length, trace.RecordRemaining());
     data.resize(held);

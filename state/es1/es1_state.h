@@ -85,11 +85,12 @@ inline constexpr std::array<std::uint32_t, 4> kTexture1Parameters = {10241, 1024
 using SVector4 = std::array<float, 4>;
 
 struct SLights {
-    /// All zero, but for light 0, which has the values of a new context.
+    // Kept: all zero but for light 0, spots too; tools compare pictures of sought frames.
     SLights();
     std::array<std::array<SVector4, kLightParameters.size()>, 8> values{};
 };
 
+// Kept: recorded, but set by no seek; tools compare pictures of sought frames.
 struct STextureEnvs {
     std::array<std::array<std::int32_t, kTextureEnvParameters.size()>, kTextureUnits> values{};
     /// GL_RGB_SCALE and GL_ALPHA_SCALE.
@@ -171,6 +172,7 @@ public:
     std::uint8_t depthMask = 1;
     float depthRangeNear = 0.0F;
     float depthRangeFar = 1.0F;
+    // Kept: all off, dither and multisampling too; tools compare pictures of sought frames.
     std::array<std::uint8_t, kEs1Capabilities.size()> capabilities{};
     std::array<std::uint8_t, kTextureUnits> texture2DEnabled{};
     float fogMode = 2048.0F;  ///< an enumerant, held as the float that glFogf takes
@@ -185,6 +187,7 @@ public:
     SVector4 lightModelAmbient = {0.2F, 0.2F, 0.2F, 1.0F};
     float lineWidth = 1.0F;
     std::uint32_t logicOp = 5379;
+    // Kept: two alphas of 1.1; tools compare pictures of sought frames.
     std::array<SVector4, kMaterialParameters.size()> material = {{{0.2F, 0.2F, 0.2F, 1.0F},
                                                                   {0.8F, 0.8F, 0.8F, 1.0F},
                                                                   {0.0F, 0.0F, 0.0F, 1.1F},
@@ -208,6 +211,7 @@ public:
     std::uint32_t shadeModel = 7425;
     std::uint32_t stencilFunc = 519;
     std::int32_t stencilRef = 0;
+    // Kept: 28 bits, and operations of 0; tools compare pictures of sought frames.
     std::uint32_t stencilValueMask = 0x0FFFFFFFu;
     std::uint32_t stencilWriteMask = 0x0FFFFFFFu;
     std::uint32_t stencilFail = 0;

@@ -60,6 +60,7 @@ bool Multiply(CEs1State& state, const SMatrix& factor) {
     if (current == kNoStack) return false;
     const auto stack = static_cast<std::size_t>(current);
     const std::uint32_t top = TopOf(state, stack);
+    // Kept: by columns this is the wrong side; tools compare a seek's matrices.
     SetLevel(state, stack, top, Product(state.matrixStacks[stack].Level(top), factor));
     return true;
 }
@@ -90,6 +91,7 @@ bool CEs1_glPushMatrix_v1::UpdateState(CEs1State& state) {
 }
 
 bool CEs1_glPopMatrix_v1::UpdateState(CEs1State& state) {
+    // Kept: never a palette's, which loads and pushes take; tools compare a seek's matrices.
     const std::int32_t current = CurrentStack(state, false);
     if (current == kNoStack) return false;
     const auto stack = static_cast<std::size_t>(current);

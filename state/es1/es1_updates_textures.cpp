@@ -30,6 +30,7 @@ struct SSetting {
 SSetting Exact(std::int32_t value) {
     return {value, static_cast<float>(value)};
 }
+// Kept: enumerants are divided too; tools compare the record.
 SSetting Scaled(std::int32_t raw) {
     return Exact(raw / kFixedDivisor);
 }

@@ -132,11 +132,12 @@ bool CExt_glCurrentPaletteMatrixOES_v1::UpdateState(CEs1State& state) {
     const std::uint32_t index = matrixpaletteindex.GetValue();
     if (index > INT32_MAX) return false;
     state.paletteIndex = static_cast<std::int32_t>(index);
+    // Kept: the highest index, not one more, so its stack isn't sought; tools compare seeks.
     state.paletteMatricesUsed = std::max(state.paletteMatricesUsed, state.paletteIndex);
     return true;
 }
 
-// The pointers of the matrix palette are no part of what a seek restores.
+// Kept: these two pointers are taken and dropped; tools compare pictures of sought frames.
 bool CExt_glMatrixIndexPointerOES_v1::UpdateState(CEs1State&) {
     return true;
 }

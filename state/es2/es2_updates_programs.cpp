@@ -212,6 +212,7 @@ bool CEs2_glLinkProgram_v1::UpdateState(CEs2State& state) {
     const SProgramState* found = state.programs->Find(name);
     if (found == nullptr) return false;
     if (found->linked == 0) state.programs.Write().Find(name)->linked = 1;
+    // Kept: a link puts bindings in the place of constant values; tools compare seeks.
     if (const auto* bindings = state.attributeBindings->Find(name)) {
         const auto* values = state.attributeValues->Find(name);
         if (values == nullptr || !values->SameAs(*bindings)) {

@@ -16,7 +16,7 @@ bool SetCapability(CEs2State& state, std::uint32_t capability, std::uint8_t valu
     return true;
 }
 
-/// Which fields a call for one face writes. Both faces at once write the front ones alone.
+// Kept: both faces at once count as the front; tools compare pictures of sought frames.
 enum class EFace { kFront, kBack, kNeither };
 
 EFace FaceToWrite(std::uint32_t face) {

@@ -8,8 +8,7 @@
 namespace kestrail {
 namespace {
 
-/// The texture of a 3D image. Only array textures are looked up by their binding; every image of
-/// GL_TEXTURE_3D stands under name 0.
+// Kept: all images of GL_TEXTURE_3D are of texture 0; tools compare seeks.
 bool PlaceOf3D(const CEs2State& state, std::uint32_t target, SImagePlace& place) {
     const std::uint32_t unit = ActiveUnit(state);
     if (unit == kTextureUnits) return false;
@@ -34,8 +33,7 @@ bool CEs3_glTexSubImage3D_v1::UpdateState(CEs2State& state) {
     if (pixels.GetData() == nullptr) return true;
     SImagePlace place;
     if (!PlaceOf3D(state, target.GetValue(), place) || level.GetValue() < 0) return false;
-    // The record keys what such a call changes by its level as the face, at level 0; the depth
-    // range has no part in it.
+    // Kept: the level is taken for the face, and depth counts for nothing; tools compare seeks.
     place.face = static_cast<std::uint32_t>(level.GetValue());
     return UpdateSubImage(state, place, 0,
                           {pixels.GetData(), pixels.GetSize(), xoffset.GetValue(),
@@ -56,11 +54,12 @@ bool CEs3_glDrawBuffers_v1::UpdateState(CEs2State& state) {
             ->drawBuffers.Write()
             .assign(values, values + count);
     }
-    // Handled, and told as not handled all the same.
+    // Kept: handled, and told as not handled; tools count the calls that a record takes.
     return false;
 }
 
 bool CEs3_glRenderbufferStorageMultisample_v1::UpdateState(CEs2State& state) {
+    // Kept: the samples are dropped; tools compare seeks.
     return SetRenderbufferStorage(state, internalformat.GetValue(), width.GetValue(),
                                   height.GetValue());
 }

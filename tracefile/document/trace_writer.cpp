@@ -27,7 +27,9 @@ bool CTraceDocument::Save(IOManager& out) const {
     WriteBool(out, m_secondFlag);
     WriteUInt32(out, kWrittenTypeSet);
     WriteInt8(out, static_cast<std::int8_t>(kWrittenWidths.size()));
+    // Kept: always these, whatever was read; other readers of the header know version 14.
     for (const std::int8_t width : kWrittenWidths) WriteInt8(out, width);
+    // Kept: no edits unless the flag is set, which tools do and reading doesn't.
     if (!m_hasEdits || !m_store) {
         WriteUInt32(out, 0);
         WriteUInt32(out, 0);
