@@ -187,6 +187,7 @@ void MakeCurrent(SEglTransition& t) {
     t.host.eglQuerySurface(live, draw, EGL_HEIGHT, &height);
     std::int32_t recordedWidth = -1;
     std::int32_t recordedHeight = -1;
+    // Kept: no 640 by 480 in the place of 1 here; tools compare seeks.
     t.names.SurfaceGeometry(width, height, recordedWidth, recordedHeight, live);
 }
 
