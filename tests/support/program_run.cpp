@@ -61,7 +61,8 @@ std::vector<std::string> Environment(const SRunOptions& options, const std::stri
         environment.push_back("LD_LIBRARY_PATH=" + hosts + "/" + options.host + ":" + hosts +
                               "/recording");
     }
-    for (const char* name : {"PATH", "HOME", "TMPDIR", "ASAN_OPTIONS", "UBSAN_OPTIONS"}) {
+    for (const char* name : {"PATH", "HOME", "TMPDIR", "ASAN_OPTIONS", "UBSAN_OPTIONS",
+                             "KESTRAIL_MUTANT", "KESTRAIL_MUTANTS_REACHED"}) {
         if (const char* value = std::getenv(name)) {
             environment.push_back(std::string(name) + "=" + value);
         }
