@@ -27,8 +27,8 @@ DECLARATION = re.compile(
     r"(?:const|auto|static)\b|[A-Za-z_][\w:]*(?:<.*?>)? [a-z]\w*[({]|"
     r"(?:static |const |constexpr |thread_local )*(?:auto|[A-Za-z_][\w:]*(?: ?<.*>)?)"
     r"(?: const)? ?[&* ]+[A-Za-z_]\w*(?:\[\w*\])? ?[=;]")
-LITERAL = re.compile(r"[\"'&\[{]|(true|false|nullptr|sizeof)\b")
-NOTHING = re.compile(r"return ?(false|0|-1|nullptr|\{\}|EPlayed::kPlayed|[\w:]*\{\})? ?;|(break|continue) ?;")
+NOTHING = re.compile(
+    r"return ?(false|0|-1|nullptr|EPlayed::kPlayed|[\w:]*\{\})? ?;|(break|continue) ?;")
 FIELD = re.compile(r"^(?:mutable )?([\w: <>,*]+?[ *])(\w+) ?(?:= ?.*|\[.*)?;$", re.DOTALL)
 
 
@@ -83,6 +83,16 @@ class Source:
 
 def one_line(text):
     return " ".join(text.split())
+
+
+def look(argument):
+    """What kind of argument it seems to be: only two of one kind can change places and compile."""
+    if re.fullmatch(r".*Value<\w*(?:Pointer|Ptr)\w*>\(\d+\)", argument):
+        return "pointer"
+    if re.fullmatch(r"-?\d[\w.]*|E?GL_\w+|.*GetValue\(\)|.*Value<[^<>]*(<\d+>)?>\(\d+\)",
+                    argument):
+        return "number"
+    return "name" if re.fullmatch(r"[A-Za-z_][\w.>:\[\]-]*", argument) else None
 
 
 class Fields:
@@ -150,9 +160,10 @@ class Finder:
             elif re.match(r"(class|struct|union)\b", head) and "(" not in head:
                 name = re.match(r"\w+ (?:\[ \[ .*? \] \] )?(\w+)", head)
                 self.scope(i + 1, close, name.group(1) if name else None)
-            elif ")" in head and "=" not in head.split("(")[0].split("operator")[0]:
-                while s.word(i - 1) not in (")", "}", "const", "override", "noexcept", "final") and (
-                        ") :" in head and s.word(close + 1) in (",", "{")):
+            elif ")" in head and s.word(i - 1) not in ("=", "{") and (
+                    "operator" in head or "=" not in head.split("(")[0]):
+                while ") :" in head and s.word(close + 1) in (",", "{") and s.word(i - 1) not in (
+                        ")", "}", "const", "override", "noexcept", "final"):
                     i = s.find(close + 1, end, "{")  # that was a member's initialiser
                     close = s.match.get(i, end)
                 self.function(first, i, close, head, owner)
@@ -243,7 +254,8 @@ class Finder:
         self.changes(first, end, first, end, owner, form)
         plain = not any(f" {sign} " in text for sign in FLIPPED)
         if plain and not text.startswith("!"):
-            self.add(first, end, "condition", text, f"!({text})", "{on} ? !({before}) : bool({before})")
+            self.add(first, end, "condition", text, f"!({text})",
+                     "{on} ? !({before}) : bool({before})")
 
     def statement(self, first, semicolon, owner):
         s = self.source
@@ -329,8 +341,7 @@ class Finder:
             i = stop
         for (a, a_end), (b, b_end) in zip(arguments, arguments[1:]):
             one, two = s.span(a, a_end), s.span(b, b_end)
-            # Only what may be of one type; the rest wouldn't compile.
-            if one and two and one != two and LITERAL.match(one) == LITERAL.match(two) is None:
+            if one != two and look(one) and look(one) == look(two):
                 self.change(first, end, "order", a, b_end, f"{two}, {one}", form)
 
     def change(self, first, end, kind, i, stop, new, form):

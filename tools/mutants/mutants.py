@@ -38,6 +38,9 @@ LEAST_A_ROOM = 8
 # More than are wanted are planted at once, as some of them won't compile.
 SPARE = 1.5
 MEMORY_LIMIT = 8 << 30
+# In seconds: tests that take longer come last, and what a run may take beyond thrice its time.
+SLOW = 1
+PATIENCE = 20
 
 
 def log(text):
@@ -84,7 +87,11 @@ class Tree:
                  "-DCMAKE_BUILD_TYPE=Debug", f"-DCMAKE_CXX_FLAGS_DEBUG=-O1 -w -include {switch}"],
                 root)
         targets = checked(["ninja", "-t", "targets", "rule", "CUSTOM_COMMAND"], self.build)
-        checked(["ninja", *re.findall(r"^generated/\S+", targets, re.MULTILINE)], self.build)
+        # The commands alone: what else the files wait for in a build is of no use before it.
+        generated = re.findall(r"^generated/[^\s:]+", targets, re.MULTILINE)
+        for command in checked(["ninja", "-t", "commands", *generated], self.build).splitlines():
+            if re.search(r"python[^ ]* -B ", command):
+                checked(["sh", "-c", command], self.build)
         self.texts = {}
         for folder in (self.sources, self.build):
             for path in sorted(folder.rglob("*")):
@@ -147,8 +154,8 @@ def culprits(tree, output, planted):
     for block in re.split(r"^FAILED: ", output, flags=re.MULTILINE)[1:]:
         block = re.split(r"^\[\d+/\d+\]", block, flags=re.MULTILINE)[0]
         places = {True: set(), False: set()}
-        for match in re.finditer(r"^(?:In file included from |\s+from )?([^\s:]+):(\d+)(:.*)?$", block,
-                                 re.MULTILINE):
+        for match in re.finditer(r"^(?:In file included from |\s+from )?([^\s:]+):(\d+)(:.*)?$",
+                                 block, re.MULTILINE):
             error = "error:" in (match.group(3) or "")
             places[error].add((tree.name(match.group(1)), int(match.group(2))))
         hits = set()
@@ -166,9 +173,11 @@ def culprits(tree, output, planted):
 
 
 def build(tree, ordered, quota):
-    """Builds the tree with mutants in it, and gives back those that count, and how many there are."""
+    """Builds the tree with mutants in it; gives back those that count, and how many there are."""
     numbers, dropped = {}, set()
     planted = {room: [] for room in ordered}
+    # The player first: what doesn't compile there isn't compiled for the tests as well.
+    targets = [["kestrail-playback_g"], []]
     while True:
         for room, found in ordered.items():
             if len(planted[room]) < quota[room]:
@@ -180,12 +189,17 @@ def build(tree, ordered, quota):
         for name, text in tree.texts.items():
             tree.write(name, candidates.plant(text, [c for c in flat if c.file == name]))
         start = time.monotonic()
-        done = run(["ninja", "-j", WORKERS, "-k", "0"], tree.build)
+        done = run(["ninja", "-j", WORKERS, "-k", "0", *targets[0]], tree.build)
         log(f"mutants: built with {len(flat)} in {time.monotonic() - start:.0f} s")
+        if done.returncode == 0 and targets.pop(0):
+            continue
         if done.returncode == 0:
             counted = [c for room, found in planted.items() for c in found[:quota[room]]]
             return sorted(counted, key=lambda c: (c.file, c.start)), len(numbers)
         guilty = culprits(tree, done.stdout, flat)
+        for c in flat:
+            if c.key in guilty:
+                log(f"mutants: doesn't compile: {c.file}:{c.line} {c.before} -> {c.after}")
         log(f"mutants: {len(guilty)} of them don't compile")
         dropped |= guilty
         for found in planted.values():
@@ -203,7 +217,7 @@ class Test:
     filter: str  # of a GoogleTest program; empty for any other
     environment: dict
     folder: str
-    seconds: float = 0
+    seconds: float = 200  # until it is known
     reached: bytes = b""
 
 
@@ -234,15 +248,17 @@ def limit():
     resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
 
 
-def run_tests(tests, seconds, variables, options=()):
-    """Runs tests of one program; gives back its status, None if it took too long, and its words."""
+def run_tests(tests, number=0, options=(), variables=None):
+    """Runs tests of one program with a mutant; gives back whether one fails, and what is said."""
     first = tests[0]
     command = first.command + list(options)
     if first.filter:
         command.append("--gtest_filter=" + ":".join(test.filter for test in tests))
     with tempfile.TemporaryDirectory(prefix="mutants-") as scratch, \
             tempfile.TemporaryFile(mode="w+", errors="replace") as output:
-        environment = {**os.environ, **first.environment, **variables, "TMPDIR": scratch}
+        environment = {**os.environ, **first.environment, **(variables or {}), "TMPDIR": scratch,
+                       "KESTRAIL_MUTANT": str(number)}
+        seconds = 3 * sum(test.seconds for test in tests) + PATIENCE
         process = subprocess.Popen(command, cwd=first.folder, env=environment, stdout=output,
                                    stderr=subprocess.STDOUT, stdin=subprocess.DEVNULL,
                                    start_new_session=True, preexec_fn=limit)
@@ -256,45 +272,36 @@ def run_tests(tests, seconds, variables, options=()):
             pass
         process.wait()
         output.seek(0)
-        return status, output.read()
+        return status != 0, output.read()
 
 
 def show(tests, number, all_tests):
-    """The names of the tests that fail with the mutant."""
-    failed = []
-    # Fast ones first: most mutants are seen by any test.
-    programs = defaultdict(list)
+    """The names of the tests that fail with the mutant: of the first, or of all."""
+    programs, failed = defaultdict(list), []
     for test in tests:
-        slow = test.seconds > 1
-        programs[slow, tuple(test.command), bool(test.filter) or test.name].append(test)
+        # Fast ones first: most mutants are seen by any test.
+        program = (tuple(test.command), not test.filter and test.name)
+        programs[test.seconds > SLOW, program].append(test)
     for _, group in sorted(programs.items(), key=lambda item: item[0][0]):
-        seconds = 3 * sum(test.seconds for test in group) + 20
         options = [] if all_tests or not group[0].filter else ["--gtest_fail_fast"]
-        while group:
-            status, output = run_tests(group, seconds, {"KESTRAIL_MUTANT": str(number)}, options)
-            if status == 0:
+        while group and (all_tests or not failed):
+            seen, words = run_tests(group, number, options)
+            if not seen:
                 break
-            by_filter = {test.filter: test.name for test in group}
-            named = re.findall(r"^\[  FAILED  \] ([^\s,]+)", output, re.MULTILINE)
-            started = re.findall(r"^\[ RUN      \] (\S+)", output, re.MULTILINE)
-            ended = re.findall(r"^\[(?:       OK|  FAILED ) \] ([^\s,]+)", output, re.MULTILINE)
-            broken = started[-1:] if started[-1:] != ended[-1:] else []
-            found = [by_filter[f] for f in dict.fromkeys(named + broken) if f in by_filter]
-            failed += found or [group[0].name]
-            if not (all_tests and broken):
-                break
-            # The program ended before its time: on with the tests behind.
-            place = [test.filter for test in group].index(broken[0]) if broken[0] in by_filter else None
-            group = group[place + 1:] if place is not None else []
-        if failed and not all_tests:
-            break
-    return list(dict.fromkeys(failed))
+            started = re.findall(r"^\[ RUN      \] (\S+)", words, re.MULTILINE)
+            names = re.findall(r"^\[  FAILED  \] ([^\s,]+)", words, re.MULTILINE) + started[-1:]
+            suspects = [test for test in group if test.filter in names] or group[:1]
+            # Once more alone: what fails for want of time alone doesn't see the mutant.
+            failed += [test.name for test in suspects if run_tests([test], number)[0]]
+            group = [test for test in group if test.filter not in started and test not in suspects]
+    return failed
 
 
 def in_parallel(jobs, action):
     """Does all jobs. Those of tests that need the display, which write their pictures to one place,
     are done by the first worker alone."""
-    queues = [[job for job in jobs if job[0] == "render"], [job for job in jobs if job[0] != "render"]]
+    queues = [[job for job in jobs if job[0] == "render"],
+              [job for job in jobs if job[0] != "render"]]
     lock = threading.Lock()
 
     def next_job(worker):
@@ -316,7 +323,7 @@ def in_parallel(jobs, action):
 
 
 def profile(tests, count):
-    """Runs every test by itself without a mutant: how long it takes, and which places it reaches."""
+    """Runs every test by itself without a mutant: how long it takes, which places it reaches."""
     broken = []
 
     def one(_, test):
@@ -324,10 +331,10 @@ def profile(tests, count):
             file.write(bytes(count + 1))
             file.flush()
             start = time.monotonic()
-            status, _ = run_tests([test], 600, {"KESTRAIL_MUTANTS_REACHED": file.name})
+            failed, _ = run_tests([test], variables={"KESTRAIL_MUTANTS_REACHED": file.name})
             test.seconds = time.monotonic() - start
             test.reached = Path(file.name).read_bytes()
-            if status != 0:
+            if failed:
                 broken.append(test)
 
     in_parallel([(test.layer, test) for test in tests], one)
@@ -405,17 +412,18 @@ def main():
     profile(tests, count)
     log(f"mutants: looked which test reaches which, in {time.monotonic() - start:.0f} s")
 
-    results = {}
+    results, journal = {}, (options.work / "journal").open("w")
 
-    def one(layer, number):
-        reaching = [test for test in tests if test.layer == layer and test.reached[number]]
+    def one(layer, mutant):
+        reaching = [test for test in tests if test.layer == layer and test.reached[mutant.number]]
         result = Result(len(reaching))
         if reaching:
-            result.failed = show(reaching, number, options.all_tests)
-        results[number, layer] = result
+            result.failed = show(reaching, mutant.number, options.all_tests)
+        results[mutant.number, layer] = result
+        print(mutant.key, layer, result.reached, *result.failed, file=journal, flush=True)
 
     start = time.monotonic()
-    in_parallel([(layer, number) for number in sorted(c.number for c in mutants) for layer in layers], one)
+    in_parallel([(layer, mutant) for layer in layers for mutant in mutants], one)
     log(f"mutants: tested in {time.monotonic() - start:.0f} s")
     report(mutants, layers, results)
     if options.all_tests:
