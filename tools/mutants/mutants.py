@@ -89,9 +89,15 @@ class Tree:
         targets = checked(["ninja", "-t", "targets", "rule", "CUSTOM_COMMAND"], self.build)
         # The commands alone: what else the files wait for in a build is of no use before it.
         generated = re.findall(r"^generated/[^\s:]+", targets, re.MULTILINE)
+        generators = set()
         for command in checked(["ninja", "-t", "commands", *generated], self.build).splitlines():
-            if re.search(r"python[^ ]* -B ", command):
+            script = re.search(r"python[^ ]* -B (\S+)", command)
+            if script:
                 checked(["sh", "-c", command], self.build)
+                generators.add(script.group(1))
+        # Nor may the build write them again, over what is planted in them.
+        for script in generators:
+            Path(script).write_text("")
         self.texts = {}
         for folder in (self.sources, self.build):
             for path in sorted(folder.rglob("*")):
@@ -230,6 +236,8 @@ class Result:
 def discover(build):
     tests = []
     for entry in json.loads(checked(["ctest", "--show-only=json-v1"], build))["tests"]:
+        if "command" not in entry:  # not built
+            continue
         properties = {p["name"]: p["value"] for p in entry.get("properties", [])}
         command = entry["command"]
         chosen = [word for word in command if word.startswith("--gtest_filter=")]
