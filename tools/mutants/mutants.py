@@ -5,8 +5,9 @@
 
 The copy is made in the folder WORK, with all faults in one build, each behind a switch that is set
 when the tests run. A layer is a label of ctest. Of each layer, a mutant is shown to those tests
-only that reach its place, up to the first that fails. --all-tests goes on after that, and prints at
-the end which tests see a mutant that no other test sees.
+only that reach its place, up to the first that fails. Slow tests, and all that draw, are shown only what
+no fast test of any layer sees: "any" is exact, and so is what those tests see alone. --all-tests
+shows every mutant to every test, and prints at the end which tests see one that no other test sees.
 """
 
 import argparse
@@ -226,6 +227,10 @@ class Test:
     seconds: float = 200  # until it is known
     reached: bytes = b""
 
+    @property
+    def slow(self):
+        return self.seconds > SLOW or self.layer == "render"
+
 
 @dataclass
 class Result:
@@ -241,9 +246,11 @@ def discover(build):
         properties = {p["name"]: p["value"] for p in entry.get("properties", [])}
         command = entry["command"]
         chosen = [word for word in command if word.startswith("--gtest_filter=")]
+        layer = (properties.get("LABELS") or ["none"])[0]
         tests.append(Test(
-            layer=(properties.get("LABELS") or ["none"])[0],
-            name=entry["name"],
+            layer=layer,
+            # The name in ctest may tell an address, as a parameter's text.
+            name=f"{layer}.{chosen[0].split('=', 1)[1]}" if chosen else entry["name"],
             command=[word for word in command if not word.startswith("--gtest_filter=")],
             filter=chosen[0].split("=", 1)[1] if chosen else "",
             environment=dict(v.split("=", 1) for v in properties.get("ENVIRONMENT", [])),
@@ -287,10 +294,8 @@ def show(tests, number, all_tests):
     """The names of the tests that fail with the mutant: of the first, or of all."""
     programs, failed = defaultdict(list), []
     for test in tests:
-        # Fast ones first: most mutants are seen by any test.
-        program = (tuple(test.command), not test.filter and test.name)
-        programs[test.seconds > SLOW, program].append(test)
-    for _, group in sorted(programs.items(), key=lambda item: item[0][0]):
+        programs[tuple(test.command), not test.filter and test.name].append(test)
+    for group in programs.values():
         options = [] if all_tests or not group[0].filter else ["--gtest_fail_fast"]
         while group and (all_tests or not failed):
             seen, words = run_tests(group, number, options)
@@ -422,17 +427,22 @@ def main():
 
     results, journal = {}, (options.work / "journal").open("w")
 
-    def one(layer, mutant):
+    def one(layer, mutant, slow):
         reaching = [test for test in tests if test.layer == layer and test.reached[mutant.number]]
-        result = Result(len(reaching))
-        if reaching:
-            result.failed = show(reaching, mutant.number, options.all_tests)
-        results[mutant.number, layer] = result
-        print(mutant.key, layer, result.reached, *result.failed, file=journal, flush=True)
+        result = results.setdefault((mutant.number, layer), Result(len(reaching)))
+        chosen = [test for test in reaching if options.all_tests or test.slow == slow]
+        if chosen:
+            result.failed += show(chosen, mutant.number, options.all_tests)
+        print(mutant.key, layer, "slow" if slow else "fast", *result.failed, file=journal, flush=True)
 
     start = time.monotonic()
-    in_parallel([(layer, mutant) for layer in layers for mutant in mutants], one)
-    log(f"mutants: tested in {time.monotonic() - start:.0f} s")
+    jobs = [(layer, mutant) for layer in layers for mutant in mutants]
+    in_parallel([(*job, False) for job in jobs], one)
+    log(f"mutants: shown to fast tests in {time.monotonic() - start:.0f} s")
+    if not options.all_tests:
+        seen = {number for (number, _), result in results.items() if result.failed}
+        in_parallel([(*job, True) for job in jobs if job[1].number not in seen], one)
+        log(f"mutants: shown to all in {time.monotonic() - start:.0f} s")
     report(mutants, layers, results)
     if options.all_tests:
         report_tests(mutants, tests, results)
