@@ -261,6 +261,8 @@ def discover(build):
 def limit():
     resource.setrlimit(resource.RLIMIT_AS, (MEMORY_LIMIT, MEMORY_LIMIT))
     resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
+    # A shell's background job ignores it, which tests of ours would inherit.
+    signal.signal(signal.SIGINT, signal.SIG_DFL)
 
 
 def run_tests(tests, number=0, options=(), variables=None):
