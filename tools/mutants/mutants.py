@@ -5,9 +5,10 @@
 
 The copy is made in the folder WORK, with all faults in one build, each behind a switch that is set
 when the tests run. A layer is a label of ctest. Of each layer, a mutant is shown to those tests
-only that reach its place, up to the first that fails. Slow tests, and all that draw, are shown only what
-no fast test of any layer sees: "any" is exact, and so is what those tests see alone. --all-tests
-shows every mutant to every test, and prints at the end which tests see one that no other test sees.
+only that reach its place, up to the first that fails. Slow tests, and all that draw, are shown only
+what no fast test of any layer sees: "any" is exact, and so is what those tests see alone.
+--all-tests shows every mutant to every test, and prints at the end which tests see one that no
+other test sees.
 """
 
 import argparse
@@ -435,7 +436,8 @@ def main():
         chosen = [test for test in reaching if options.all_tests or test.slow == slow]
         if chosen:
             result.failed += show(chosen, mutant.number, options.all_tests)
-        print(mutant.key, layer, "slow" if slow else "fast", *result.failed, file=journal, flush=True)
+        print(mutant.key, layer, "slow" if slow else "fast", *result.failed, file=journal,
+              flush=True)
 
     start = time.monotonic()
     jobs = [(layer, mutant) for layer in layers for mutant in mutants]
