@@ -304,7 +304,9 @@ def show(tests, number, all_tests):
             seen, words = run_tests(group, number, options)
             if not seen:
                 break
-            started = re.findall(r"^\[ RUN      \] (\S+)", words, re.MULTILINE)
+            skipped = re.findall(r"^\[  SKIPPED \] (\S+)", words, re.MULTILINE)
+            started = [name for name in re.findall(r"^\[ RUN      \] (\S+)", words, re.MULTILINE)
+                       if name not in skipped]
             names = re.findall(r"^\[  FAILED  \] ([^\s,]+)", words, re.MULTILINE) + started[-1:]
             suspects = [test for test in group if test.filter in names] or group[:1]
             # Once more alone: what fails for want of time alone doesn't see the mutant.
