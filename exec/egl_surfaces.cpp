@@ -89,6 +89,7 @@ EPlayed PlayEglCreateWindowSurface(SEglPlay& c) {
     // Kept: without the recorded attributes; drivers differ in those that they take.
     const EGLSurface surface = c.host.eglCreateWindowSurface(display, config, native, nullptr);
     c.player.lastError = static_cast<std::uint32_t>(c.host.eglGetError());
+    // Kept: told, and played all the same; readers match it.
     if (c.player.lastError != EGL_SUCCESS) {
         output::Error("eglCreateWindowSurface EGL Error Code: 0x%lx, CallID = %d\n",
                       static_cast<unsigned long>(c.player.lastError), c.id);

@@ -92,6 +92,7 @@ SHostSettings& GetHostSettings() {
 }
 
 CHostConfig* GetHostConfig() {
+    // Kept: reads no file, though messages say to look at kestrail.cfg; readers match them.
     static CHostConfig config;
     return &config;
 }

@@ -94,6 +94,7 @@ void MakeSurface(SEglTransition& t, const SEglSurfaceRecord& surface) {
     const NativeWindow window =
         t.environment.GetWindow(surface.window.handle.GetValue(), surface.window.width,
                                 surface.window.height, t.names.GetNativeDisplay(live));
+    // Kept: without the recorded attributes; drivers differ in those that they take.
     const EGLSurface made = t.host.eglCreateWindowSurface(live, config, window, nullptr);
     t.ClearErrors();
     EGLint width = 0;
@@ -160,6 +161,7 @@ void MakeContexts(SEglTransition& t) {
         const SEglContextRecord& context = t.current.contexts.At(i);
         const EGLDisplay live = t.names.GetDisplay(context.display);
         if (found[i] || live == EGL_NO_DISPLAY) continue;
+        // Kept: nothing stays current, though another context may be; tools compare seeks.
         const EGLContext gone = t.names.GetContext(live, context.handle);
         if (t.host.eglMakeCurrent(live, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT) !=
             EGL_FALSE) {

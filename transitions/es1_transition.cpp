@@ -169,6 +169,7 @@ void TransitionEs1State(CEs1State& target, const CEs1State* current) {
     t.host.glAlphaFunc(target.alphaFunc, target.alphaRef);
     TransitionBuffers1(t);
     t.BindRecordedBuffers();
+    // Kept: lights and clip planes ahead of the matrices that place them; tools compare seeks.
     TransitionScalars1(t);
     TransitionMatrices1(t);
     TransitionClientArrays1(t);

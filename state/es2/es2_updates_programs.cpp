@@ -95,7 +95,7 @@ bool SetMatrices(CEs2State& state, const TintType<17>& location, const TintType<
     return SetUniformArray(state, location, count, array, SUniformState::kMatrix);
 }
 
-/// Sets the constant value of an attribute in the current program.
+// Kept: constants are held by program, though a context has one set; tools compare seeks.
 bool StoreAttribute(CEs2State& state, std::uint32_t index, const float* values,
                     std::uint32_t count) {
     if (values == nullptr || index >= SVertexArrayState::kMaxAttributes) return false;

@@ -191,7 +191,7 @@ bool CTraceDocument::TakeCall(SRecordLoop& loop, std::uint16_t id, std::uint32_t
     if (loop.offset > loop.size) return false;
     m_reader->SetRecordSize(size);
     std::unique_ptr<CApiCall> call = CreateCall(id, *m_reader);
-    // Where the next entry goes on.
+    // Kept: fails behind the last record of old files, which loses its call; readers expect it.
     if (m_noMemory) m_stream.Seek(static_cast<std::int32_t>(loop.offset), SEEK_SET);
     if (!call) return true;
     const CApiCall& made = *call;

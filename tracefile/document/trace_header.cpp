@@ -122,6 +122,7 @@ void CTraceDocument::ReadFooter() {
     }
     m_stateOffset = ReadUInt64(m_stream, 0, true);
     if (m_stateOffset == 0) return backToRecords();
+    // Kept: left behind the footer, where a stream finds no call; damaged recordings end so.
     if (m_stateOffset == kNoFooter) return;
     // Kept: the low half, where loading compares all of it; damaged recordings end by that.
     m_stream.Seek(static_cast<std::int32_t>(m_stateOffset), SEEK_SET);
