@@ -165,7 +165,9 @@ const std::map<std::string, CTraceText::Directive> CTraceText::directives = {
     {"state", [](CTraceBuilder& trace, const Words&) { trace.BeginState(); }},
     {"endstate", [](CTraceBuilder& trace, const Words&) { trace.EndState(); }},
     {"stateoffset",
-     [](CTraceBuilder& trace, const Words& w) { trace.SetStateOffset(Unsigned(w[1])); }},
+     [](CTraceBuilder& trace, const Words& w) {
+         trace.SetStateOffset(static_cast<std::uint64_t>(NumberOf(w[1])));
+     }},
     {"disable",
      [](CTraceBuilder& trace, const Words& w) {
          for (std::size_t i = 1; i < w.size() && !w[i].empty(); ++i) {
