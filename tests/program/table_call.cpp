@@ -1,9 +1,8 @@
 #include "tests/program/table_call.h"
 
 #include <algorithm>
-#include <cctype>
+#include <regex>
 #include <sstream>
-#include <vector>
 
 #include "tests/support/call_notation.h"
 
@@ -51,14 +50,6 @@ void AddOpening(SOpening& opening, const std::string& text) {
     opening.names[table] = {name, live};
 }
 
-using Texts = std::vector<std::string>;
-
-std::string Braced(const Texts& texts, const std::string& separator) {
-    std::string joined;
-    for (const std::string& text : texts) joined += (joined.empty() ? "" : separator) + text;
-    return "{" + joined + "}";
-}
-
 std::string RealText(float value) {
     std::ostringstream text;
     text << value;
@@ -67,6 +58,10 @@ std::string RealText(float value) {
 
 /// A value as it stands in the line, and as the host must see it.
 using Value = std::pair<std::string, std::string>;
+
+Value Same(const std::string& word) {
+    return {word, word[0] == '{' ? std::regex_replace(word, std::regex(" "), ", ") : word};
+}
 
 class CTableCall {
 public:
@@ -78,30 +73,27 @@ public:
         if (place >= m_prototype.types.size()) return {slot == "data" ? "[00*4]" : "4", ""};
         const std::string& type = m_prototype.types[place];
         const std::string& name = m_prototype.names[place];
-        const bool output = type.find('*') != std::string::npos && type.rfind("const", 0) != 0;
-        if (output && Starts("glGen") && slot == "[Uint]") return Named("new", true);
-        if (output) {
-            const std::string bytes = "[00*64]";
-            return {slot == "data" ? bytes : slot == "string" ? "\"text\"" : "{1}", "ptr"};
+        const bool list = slot[0] == '[' || slot[0] == '(';
+        if (type.back() == '*' && type.rfind("const", 0) != 0) {
+            if (Starts("glGen") && slot == "[Uint]") return Named("new", list);
+            return {slot == "data" ? "[00*64]" : slot == "string" ? "\"text\"" : "{1}", "ptr"};
         }
+        const std::string table = slot == "Enum" ? "" : Table(name);
+        if (!table.empty()) return Named(table, list);
         if (name == "pointer") return {"0x1234", "4660"};
-        if (slot == "string") return {"\"some name\"", "\"some name\""};
-        if (slot == "strings") return {"{\"source\"}", "{\"source\"}"};
+        if (name == "length" && list) return Same("{6}");
+        if (slot == "string") return Same("\"some name\"");
+        if (slot == "strings") return Same("{\"source\"}");
         if (slot == "data") return DataOf(name);
-        if (slot[0] == '[' || slot[0] == '(') return VectorOf(slot, name);
-        return ScalarOf(slot, name, static_cast<int>(place));
+        return Same(list ? VectorOf(slot, name) : ScalarOf(slot, name, static_cast<int>(place)));
     }
 
 private:
     bool Starts(const std::string& start) const { return m_prototype.entry.rfind(start, 0) == 0; }
 
-    bool Has(const std::string& name) const {
-        return std::count(m_prototype.names.begin(), m_prototype.names.end(), name) != 0;
-    }
-
-    Value Named(const std::string& table, bool braced) const {
+    Value Named(const std::string& table, bool list) const {
         const auto& [recorded, live] = m_opening.names.at(table);
-        return braced ? Value("{" + recorded + "}", "{" + live + "}") : Value(recorded, live);
+        return list ? Value("{" + recorded + "}", "{" + live + "}") : Value(recorded, live);
     }
 
     /// The table that a parameter's name goes through, or none.
@@ -115,50 +107,42 @@ private:
 
     Value DataOf(const std::string& name) const {
         if (name != "pixels") return {"[01020304]", "<01020304:4>"};
-        const std::string size = Has("depth") ? "96" : "32";
+        const auto& names = m_prototype.names;
+        const bool deep = std::count(names.begin(), names.end(), "depth") != 0;
+        const std::string size = deep ? "96" : "32";
         return {"[ee*" + size + "]", "<eeeeeeeeeeeeeeeeeeeeeeeeeeeeeeee:" + size + ">"};
     }
 
-    Value VectorOf(const std::string& slot, const std::string& name) const {
-        const std::string table = Table(name);
-        if (!table.empty()) return Named(table, true);
-        if (name == "length") return {"{6}", "{6}"};
+    std::string VectorOf(const std::string& slot, const std::string& name) const {
         const bool several = name == "attachments" || (name == "value" && Starts("glUniform"));
-        Texts texts;
+        std::string word = "{";
         for (std::size_t i = 0; i < ItemSize(m_prototype, name) * (several ? 2 : 1); ++i) {
-            texts.push_back(slot.find("Float") == 1 ? RealText(0.25F * static_cast<float>(i))
-                                                    : std::to_string(i + 3));
+            word += (i == 0 ? "" : " ");
+            word += slot.find("Float") == 1 ? RealText(0.25F * static_cast<float>(i))
+                                            : std::to_string(i + 3);
         }
-        return {Braced(texts, " "), Braced(texts, ", ")};
+        return word + "}";
     }
 
-    /// What says how much stands behind a pointer has to be true.
-    int TrueSize(const std::string& name, int otherwise) const {
-        static const std::map<std::string, int> sizes = {
-            {"n", 1},     {"size", 4},   {"imageSize", 4}, {"length", 4},
-            {"width", 2}, {"height", 1}, {"depth", 3},     {"numAttachments", 2}};
-        if (name == "count") return Starts("glUniform") ? 2 : 1;
-        const auto size = sizes.find(name);
-        return size == sizes.end() ? otherwise : size->second;
-    }
-
-    Value ScalarOf(const std::string& slot, const std::string& name, int place) const {
-        if (slot == "Float" || slot == "Clampf") {
-            const std::string text = RealText(0.5F + static_cast<float>(place));
-            return {text, text};
-        }
-        const std::string table = slot == "Enum" ? "" : Table(name);
-        if (!table.empty()) return Named(table, false);
-        int value = (slot == "Boolean" || slot == "Ubyte" ? 100 : 0x2000) + place;
-        if (slot == "Int" || slot == "Fixed") value = -200 - place;
+    std::string ScalarOf(const std::string& slot, const std::string& name, int place) const {
+        if (slot == "Float" || slot == "Clampf") return RealText(0.5F + static_cast<float>(place));
+        // More samples than the host's most would be cut.
+        if (name == "samples" && m_rows.api == 2) return "3";
+        if (name == "buffer" && Starts("glClearBuffer")) return "6144";
+        if (slot == "Int" || slot == "Fixed") return std::to_string(-200 - place);
+        // What says how much stands behind a pointer has to be true.
+        static const std::map<std::string, std::string> sizes = {
+            {"n", "1"},     {"size", "4"},   {"imageSize", "4"}, {"length", "4"},
+            {"width", "2"}, {"height", "1"}, {"depth", "3"},     {"numAttachments", "2"}};
         const bool pointers =
             std::any_of(m_prototype.types.begin(), m_prototype.types.end(),
                         [](const std::string& type) { return type.back() == '*'; });
-        if (slot.rfind("Sizei", 0) == 0 && pointers) value = TrueSize(name, value);
-        if (name == "buffer" && Starts("glClearBuffer")) value = 0x1800;
-        // More than the host's most would be cut.
-        if (name == "samples" && m_rows.api == 2) value = 3;
-        return {std::to_string(value), std::to_string(value)};
+        if (slot.rfind("Sizei", 0) == 0 && pointers) {
+            if (name == "count") return Starts("glUniform") ? "2" : "1";
+            const auto size = sizes.find(name);
+            if (size != sizes.end()) return size->second;
+        }
+        return std::to_string((slot == "Boolean" || slot == "Ubyte" ? 100 : 0x2000) + place);
     }
 
     const SOpening& m_opening;
@@ -184,15 +168,13 @@ STableCall MakeTableCall(const SOpening& opening, const SFamilyRows& rows,
     const SCallLayout& layout = FindLayout(entry, family);
     const SPrototype& prototype = *FindPrototype(rows.family, entry);
     const CTableCall values(opening, rows, prototype);
-    STableCall call{family + "." + entry, ""};
-    Texts seen;
+    STableCall call{family + "." + entry, rows.prefix + entry + "("};
     for (std::size_t i = 0; i < layout.slots.size(); ++i) {
-        const Value value = values.ValueOf(layout.slots[i], i);
-        call.line += " " + value.first;
-        if (i < prototype.types.size()) seen.push_back(value.second);
+        const auto [word, seen] = values.ValueOf(layout.slots[i], i);
+        call.line += " " + word;
+        if (i < prototype.types.size()) call.expected += (i == 0 ? "" : ", ") + seen;
     }
-    const std::string arguments = Braced(seen, ", ");
-    call.expected = rows.prefix + entry + "(" + arguments.substr(1, arguments.size() - 2) + ")";
+    call.expected += ")";
     if (layout.result == "string") call.line += " = \"text\"";
     if (layout.result == "Uint" || layout.result == "Pointer") call.line += " = 55";
     if (rows.api != 0) call.line += " @" + std::to_string(rows.api);
