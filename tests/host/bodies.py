@@ -148,8 +148,11 @@ RECORDING = {
         infoLog[bufSize - 1] = '\\0';
     }
     call.End();""",
-    "glGetAttachedShaders": """if (count != nullptr) *count = maxCount > 0 ? 1 : 0;
-    if (shaders != nullptr && maxCount > 0) shaders[0] = 77;
+    "glGetAttachedShaders": """const SAnswer* answer = call.Answer();
+    std::istringstream names(answer != nullptr ? answer->text : "77");
+    GLsizei found = 0;
+    while (shaders != nullptr && found < maxCount && names >> shaders[found]) ++found;
+    if (count != nullptr) *count = found;
     call.End();""",
     "glGetUniformLocation": "return static_cast<GLint>(call.Result(NewLocation()));",
     "glGetAttribLocation": "return static_cast<GLint>(call.Result(NewAttribute()));",

@@ -207,7 +207,7 @@ def write_library(out, dirs, library, flavour, omitted):
         out.write(f"#include <{include}>\n")
     if library == "egl":
         out.write("#include <GLES3/gl3.h>\n")
-    out.write("#include <cstdint>\n#include <cstring>\n")
+    out.write("#include <cstdint>\n#include <cstring>\n#include <sstream>\n")
     own = "host_state.h" if flavour == "recording" else "idle_state.h"
     out.write(f'\n#include "{own}"\n\nusing namespace kestrail::host;\n\n')
     if library == "egl":
