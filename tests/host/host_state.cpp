@@ -1,5 +1,8 @@
 #include "host_state.h"
 
+#include <GLES/gl.h>
+#include <GLES/glext.h>
+#include <GLES3/gl3.h>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -186,13 +189,8 @@ void CCall::Handle(const void* value) {
 void CCall::Pointer(const void* value) {
     Begin();
     const auto address = reinterpret_cast<std::uintptr_t>(value);
-    if (value == nullptr) {
-        m_line += "NULL";
-    } else if (address < lowestAddress) {
-        m_line += std::to_string(address);
-    } else {
-        m_line += "ptr";
-    }
+    const std::string offset = value == nullptr ? "NULL" : std::to_string(address);
+    m_line += address < lowestAddress ? offset : "ptr";
 }
 
 void CCall::Numbers(const std::int32_t* values, long long count) {
@@ -212,11 +210,7 @@ void CCall::Reals(const float* values, long long count) {
 
 void CCall::Text(const char* text) {
     Begin();
-    if (text == nullptr) {
-        m_line += "NULL";
-    } else {
-        m_line += Quoted(text);
-    }
+    m_line += text == nullptr ? "NULL" : Quoted(text);
 }
 
 void CCall::Data(const void* data, long long size) {
@@ -235,22 +229,13 @@ void CCall::Attributes(const std::int32_t* list) {
 
 void CCall::Strings(const char* const* texts, long long count, const std::int32_t* lengths) {
     Begin();
-    if (texts == nullptr) {
-        m_line += "NULL";
-        return;
-    }
-    m_line += "{";
-    for (long long i = 0; i < std::min(count, shownItems); ++i) {
-        if (i > 0) m_line += ", ";
-        if (texts[i] == nullptr) {
-            m_line += "NULL";
-        } else if (lengths != nullptr && lengths[i] >= 0) {
-            m_line += Quoted({texts[i], static_cast<std::size_t>(lengths[i])});
-        } else {
-            m_line += Quoted(texts[i]);
-        }
-    }
-    m_line += "}";
+    long long next = 0;
+    m_line += ListText(texts, count, [&](const char* text) -> std::string {
+        const std::int32_t length = lengths != nullptr ? lengths[next++] : -1;
+        if (text == nullptr) return "NULL";
+        return Quoted(length < 0 ? std::string_view(text)
+                                 : std::string_view(text, static_cast<std::size_t>(length)));
+    });
 }
 
 void CCall::Note(const std::string& note) {
@@ -350,38 +335,25 @@ unsigned NewHandleNumber(HandleKind kind) {
 }
 
 long long ParameterCount(unsigned pname) {
-    switch (pname) {
-        case 0x0B53:  // GL_LIGHT_MODEL_AMBIENT
-        case 0x0B66:  // GL_FOG_COLOR
-        case 0x1200:  // GL_AMBIENT to GL_POSITION
-        case 0x1201:
-        case 0x1202:
-        case 0x1203:
-        case 0x1600:  // GL_EMISSION
-        case 0x1602:  // GL_AMBIENT_AND_DIFFUSE
-        case 0x2201:  // GL_TEXTURE_ENV_COLOR
-        case 0x8B9D:  // GL_TEXTURE_CROP_RECT_OES
-            return 4;
-        case 0x1204:  // GL_SPOT_DIRECTION
-        case 0x8129:  // GL_POINT_DISTANCE_ATTENUATION
-            return 3;
-        default:
-            return 1;
-    }
+    static const std::map<unsigned, long long> counts = {{GL_LIGHT_MODEL_AMBIENT, 4},
+                                                         {GL_FOG_COLOR, 4},
+                                                         {GL_AMBIENT, 4},
+                                                         {GL_DIFFUSE, 4},
+                                                         {GL_SPECULAR, 4},
+                                                         {GL_POSITION, 4},
+                                                         {GL_EMISSION, 4},
+                                                         {GL_AMBIENT_AND_DIFFUSE, 4},
+                                                         {GL_TEXTURE_ENV_COLOR, 4},
+                                                         {GL_TEXTURE_CROP_RECT_OES, 4},
+                                                         {GL_SPOT_DIRECTION, 3},
+                                                         {GL_POINT_DISTANCE_ATTENUATION, 3}};
+    const auto found = counts.find(pname);
+    return found == counts.end() ? 1 : found->second;
 }
 
 long long TypeSize(unsigned type) {
-    switch (type) {
-        case 0x1400:  // GL_BYTE
-        case 0x1401:
-            return 1;
-        case 0x1402:  // GL_SHORT
-        case 0x1403:
-        case 0x140B:  // GL_HALF_FLOAT
-            return 2;
-        default:
-            return 4;
-    }
+    if (type == GL_BYTE || type == GL_UNSIGNED_BYTE) return 1;
+    return type == GL_SHORT || type == GL_UNSIGNED_SHORT || type == GL_HALF_FLOAT ? 2 : 4;
 }
 
 long long ImageSize(long long width, long long height, long long depth, unsigned format,
@@ -420,13 +392,8 @@ long long HighestIndex(const void* indices, unsigned type, long long count) {
     long long highest = -1;
     for (long long i = 0; i < count; ++i) {
         long long index = 0;
-        if (TypeSize(type) == 1) {
-            index = static_cast<const std::uint8_t*>(indices)[i];
-        } else if (TypeSize(type) == 2) {
-            index = static_cast<const std::uint16_t*>(indices)[i];
-        } else {
-            index = static_cast<const std::uint32_t*>(indices)[i];
-        }
+        const auto size = static_cast<std::size_t>(TypeSize(type));
+        std::memcpy(&index, static_cast<const char*>(indices) + i * TypeSize(type), size);
         highest = std::max(highest, index);
     }
     return highest;
@@ -483,58 +450,42 @@ std::int32_t ClientArrayInteger(unsigned pname) {
 
 void Integerv(CCall& call, unsigned pname, std::int32_t* data) {
     const SGlState& state = State();
-    switch (pname) {
-        case 0x0BA2:  // GL_VIEWPORT
-            if (data != nullptr) std::copy_n(state.viewport, 4, data);
-            call.End();
-            return;
-        case 0x8869:  // GL_MAX_VERTEX_ATTRIBS
-            return OneInteger(call, static_cast<std::int32_t>(maxAttributes), data);
-        case 0x8CA6:  // GL_FRAMEBUFFER_BINDING
-            return OneInteger(call, state.framebuffer, data);
-        case 0x8894:  // GL_ARRAY_BUFFER_BINDING
-            return OneInteger(call, state.arrayBuffer, data);
-        case 0x8895:  // GL_ELEMENT_ARRAY_BUFFER_BINDING
-            return OneInteger(call, state.elementBuffer, data);
-        case 0x8B8D:  // GL_CURRENT_PROGRAM
-            return OneInteger(call, state.currentProgram, data);
-        case 0x84E1:  // GL_CLIENT_ACTIVE_TEXTURE
-            return OneInteger(call, state.clientActiveTexture, data);
-        case 0x84E2:  // GL_MAX_TEXTURE_UNITS
-            return OneInteger(call, 8, data);
-        case 0x9135:  // the most samples of the multisampling extension
-            return OneInteger(call, 4, data);
-        case 0x0CF5:  // GL_UNPACK_ALIGNMENT
-            return OneInteger(call, state.unpackAlignment, data);
-        case 0x88EF:  // GL_PIXEL_UNPACK_BUFFER_BINDING
-            return OneInteger(call, state.unpackBuffer, data);
-        default:
-            break;
+    if (pname == GL_VIEWPORT) {
+        if (data != nullptr) std::copy_n(state.viewport, 4, data);
+        return call.End();
     }
+    const std::map<unsigned, std::int32_t> known = {
+        {GL_MAX_VERTEX_ATTRIBS, static_cast<std::int32_t>(maxAttributes)},
+        {GL_FRAMEBUFFER_BINDING, state.framebuffer},
+        {GL_ARRAY_BUFFER_BINDING, state.arrayBuffer},
+        {GL_ELEMENT_ARRAY_BUFFER_BINDING, state.elementBuffer},
+        {GL_CURRENT_PROGRAM, state.currentProgram},
+        {GL_CLIENT_ACTIVE_TEXTURE, state.clientActiveTexture},
+        {GL_MAX_TEXTURE_UNITS, 8},
+        {0x9135, 4},  // the most samples of the multisampling extension
+        {GL_UNPACK_ALIGNMENT, state.unpackAlignment},
+        {GL_PIXEL_UNPACK_BUFFER_BINDING, state.unpackBuffer}};
     const auto stored = state.pixelStore.find(pname);
-    OneInteger(call, stored != state.pixelStore.end() ? stored->second : ClientArrayInteger(pname),
+    const auto found = known.find(pname);
+    OneInteger(call,
+               found != known.end()               ? found->second
+               : stored != state.pixelStore.end() ? stored->second
+                                                  : ClientArrayInteger(pname),
                data);
 }
 
 void VertexAttribiv(CCall& call, unsigned index, unsigned pname, std::int32_t* data) {
     static const SAttribute none;
     const SAttribute& attribute = index < maxAttributes ? State().attributes[index] : none;
-    switch (pname) {
-        case 0x8622:
-            return OneInteger(call, attribute.enabled, data);
-        case 0x8623:
-            return OneInteger(call, attribute.size, data);
-        case 0x8624:
-            return OneInteger(call, attribute.stride, data);
-        case 0x8625:
-            return OneInteger(call, attribute.type, data);
-        case 0x886A:
-            return OneInteger(call, attribute.normalized, data);
-        case 0x889F:
-            return OneInteger(call, attribute.buffer, data);
-        default:
-            return OneInteger(call, 0, data);
-    }
+    const std::map<unsigned, std::int32_t> known = {
+        {GL_VERTEX_ATTRIB_ARRAY_ENABLED, attribute.enabled},
+        {GL_VERTEX_ATTRIB_ARRAY_SIZE, attribute.size},
+        {GL_VERTEX_ATTRIB_ARRAY_STRIDE, attribute.stride},
+        {GL_VERTEX_ATTRIB_ARRAY_TYPE, attribute.type},
+        {GL_VERTEX_ATTRIB_ARRAY_NORMALIZED, attribute.normalized},
+        {GL_VERTEX_ATTRIB_ARRAY_BUFFER_BINDING, attribute.buffer}};
+    const auto found = known.find(pname);
+    OneInteger(call, found != known.end() ? found->second : 0, data);
 }
 
 void BufferParameteriv(CCall& call, unsigned pname, std::int32_t* data) {
