@@ -1,8 +1,15 @@
 # The program opens its host libraries by the names of its home platform. Where the system installs
 # them under others, a folder of links stands in, which the executable finds by its RUNPATH.
 # LD_LIBRARY_PATH is searched before a RUNPATH, so other libraries can still be put in their place.
+#
+# The build tree is laid out as what is installed, so that both have the same RUNPATH: one that is
+# padded to be changed later has empty entries, which stand for the current folder.
+include(GNUInstallDirs)
+
 function(kestrail_use_host_links target)
-  set(folder ${CMAKE_BINARY_DIR}/hostlibs)
+  set(bin ${PROJECT_BINARY_DIR}/bin)
+  file(RELATIVE_PATH way ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR}/kestrail)
+  cmake_path(ABSOLUTE_PATH way BASE_DIRECTORY ${bin} NORMALIZE OUTPUT_VARIABLE folder)
   file(MAKE_DIRECTORY ${folder})
   foreach(pair "libEGL.so libEGL.so.1" "libGLES_CM.so libGLESv1_CM.so.1"
                "libGLESv2.so libGLESv2.so.2")
@@ -13,10 +20,11 @@ function(kestrail_use_host_links target)
               PATH_SUFFIXES ${CMAKE_LIBRARY_ARCHITECTURE} REQUIRED)
     mark_as_advanced(KESTRAIL_SYSTEM_${name})
     file(CREATE_LINK ${KESTRAIL_SYSTEM_${name}} ${folder}/${name} SYMBOLIC)
-    install(FILES ${folder}/${name} DESTINATION lib/kestrail)
+    install(FILES ${folder}/${name} DESTINATION ${CMAKE_INSTALL_LIBDIR}/kestrail)
   endforeach()
   target_link_options(${target} PRIVATE -Wl,--enable-new-dtags)
-  set_target_properties(${target} PROPERTIES BUILD_RPATH "$ORIGIN/hostlibs" INSTALL_RPATH
-                                             "$ORIGIN/../lib/kestrail")
-  install(TARGETS ${target} DESTINATION bin)
+  set_target_properties(
+    ${target} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${bin} BUILD_WITH_INSTALL_RPATH ON
+                         INSTALL_RPATH "$ORIGIN/${way}")
+  install(TARGETS ${target})
 endfunction()
