@@ -3,6 +3,7 @@
 
     package_test.py runpaths READELF FOLDER             the RUNPATHs of all programs and libraries
     package_test.py install READELF CMAKE BUILD HOST    installs, moves and plays
+    package_test.py play SCRIPT                         what the script says without a trace
 """
 
 import re
@@ -62,8 +63,15 @@ def check_install(readelf, cmake, build, host):
         assert "eglSwapBuffers(" in log.read_text(), log.read_text()
 
 
+def check_play(script):
+    with tempfile.TemporaryDirectory() as folder:
+        for trace in (folder, folder + "/missing.kstl"):
+            done = subprocess.run([script, trace], capture_output=True, text=True, check=False)
+            assert done.returncode != 0 and trace in done.stderr and not done.stdout, done
+
+
 def main():
-    check = {"runpaths": check_run_paths, "install": check_install}
+    check = {"runpaths": check_run_paths, "install": check_install, "play": check_play}
     check[sys.argv[1]](sys.argv[2], *[Path(argument) for argument in sys.argv[3:]])
 
 
