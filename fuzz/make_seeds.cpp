@@ -49,7 +49,7 @@ int main(int count, char** arguments) {
     const std::filesystem::path folder = arguments[1];
     std::filesystem::create_directories(folder);
     for (std::uint32_t version = 7; version <= 14; ++version) {
-        const std::string name = "v" + std::to_string(version);
+        const std::string name = std::string("v").append(std::to_string(version));
         for (const SFamilyRows* rows :
              {&Es1Rows(), &Es2Rows(), &Es3Rows(), &ExtRows(), &MultisampleRows()}) {
             std::string family = name + "-";

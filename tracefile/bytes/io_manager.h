@@ -46,7 +46,6 @@ private:
     bool ReadWithRefill(void* buffer, std::uint32_t size);
 
     std::FILE* m_writeFile = nullptr;
-    std::uint32_t m_writeSize = 0;
     CKSTLString m_name;
     MemoryManager* m_memory;
     bool m_readMode = true;
