@@ -11,11 +11,14 @@ if(CMAKE_CXX_COMPILER_ID MATCHES Clang)
   target_compile_options(kestrail_options INTERFACE -Wno-sign-conversion)
 endif()
 if(KESTRAIL_SANITIZE)
-  # Instrumented, the standard library's own headers look as if they used what is not initialised.
   target_compile_options(
     kestrail_options INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=undefined
-                               -fno-omit-frame-pointer -Wno-maybe-uninitialized)
+                               -fno-omit-frame-pointer)
   target_link_options(kestrail_options INTERFACE -fsanitize=address,undefined)
+  if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
+    # Instrumented, the standard library's own headers look as if they used what is not initialised.
+    target_compile_options(kestrail_options INTERFACE -Wno-maybe-uninitialized)
+  endif()
 endif()
 if(KESTRAIL_FUZZ)
   # Entry points of the host are called through types of our own.
