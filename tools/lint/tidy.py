@@ -17,19 +17,24 @@ from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 
 AT_ONCE = 2
+# The compiler's precompiled headers are none that clang-tidy can read.
+PRECOMPILED = re.compile(r" -Winvalid-pch| -include \S*/cmake_pch\.hxx")
 
 
 def output_of(command, folder):
     return subprocess.run(command, cwd=folder, check=True, capture_output=True, text=True).stdout
 
 
-def sources(root, build):
-    """The compile commands of the sources outside of the build folder, by source."""
-    commands = {}
+def sources(root, build, stamps):
+    """The compile commands of the sources outside of the build folder, by source, without
+    precompiled headers; so they go into a list in the folder of stamps too."""
+    commands, entries = {}, []
     for entry in json.loads((build / "compile_commands.json").read_text()):
         path = (Path(entry["directory"]) / entry["file"]).resolve()
-        if path.is_relative_to(root) and not path.is_relative_to(build):
-            commands.setdefault(path, entry["command"])
+        if path.is_relative_to(root) and not path.is_relative_to(build) and path not in commands:
+            entry["command"] = commands[path] = PRECOMPILED.sub("", entry["command"])
+            entries.append(entry)
+    (stamps / "compile_commands.json").write_text(json.dumps(entries))
     return commands
 
 
@@ -39,7 +44,8 @@ def included(root, build):
     for block in output_of(["ninja", "-t", "deps"], build).split("\n\n"):
         lines = [line.strip() for line in block.splitlines()]
         paths = [(build / line).resolve() for line in lines[1:]]
-        ours = [path for path in paths if path.is_relative_to(root) or path.is_relative_to(build)]
+        ours = [path for path in paths if not path.name.startswith("cmake_pch.")
+                and (path.is_relative_to(root) or path.is_relative_to(build))]
         if ours and lines[0].endswith("(VALID)"):
             files[ours[0]] = ours
     return files
@@ -48,15 +54,15 @@ def included(root, build):
 class Tidy:
     def __init__(self, root, build):
         self.root, self.build = root, build
-        self.commands = sources(root, build)
+        self.stamps = build / "lint"
+        self.stamps.mkdir(exist_ok=True)
+        self.commands = sources(root, build, self.stamps)
         self.files = included(root, build)
         rooms = sorted({path.relative_to(root).parts[0] for path in self.commands})
         self.filter = f"--header-filter=^{re.escape(str(root))}/({'|'.join(rooms)})/"
         self.common = output_of(["clang-tidy", "--version"], root).encode()
         for checks in sorted(root.glob("**/.clang-tidy")):
             self.common += checks.read_bytes()
-        self.stamps = build / "lint"
-        self.stamps.mkdir(exist_ok=True)
 
     def digest(self, source):
         """Of all that a verdict depends on; None when the build doesn't know the source."""
@@ -75,7 +81,7 @@ class Tidy:
         digest = self.digest(source)
         if digest and stamp.exists() and stamp.read_text() == digest:
             return None
-        done = subprocess.run(["clang-tidy", "-p", str(self.build), "--quiet", self.filter,
+        done = subprocess.run(["clang-tidy", "-p", str(self.stamps), "--quiet", self.filter,
                                str(source)], capture_output=True, text=True, check=False)
         if done.returncode != 0:
             stamp.unlink(missing_ok=True)

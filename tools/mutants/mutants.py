@@ -86,7 +86,8 @@ class Tree:
             (work / "shared").symlink_to(root.parent / "shared")
         switch = Path(__file__).resolve().parent / "switch.h"
         checked(["cmake", "-S", self.sources, "-B", self.build, "-G", "Ninja",
-                 "-DCMAKE_BUILD_TYPE=Debug", f"-DCMAKE_CXX_FLAGS_DEBUG=-O1 -w -include {switch}"],
+                 "-DCMAKE_BUILD_TYPE=Debug", f"-DCMAKE_CXX_FLAGS_DEBUG=-O1 -w -include {switch}",
+                 "-DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON"],
                 root)
         targets = checked(["ninja", "-t", "targets", "rule", "CUSTOM_COMMAND"], self.build)
         # The commands alone: what else the files wait for in a build is of no use before it.
