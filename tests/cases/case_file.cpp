@@ -1,5 +1,6 @@
 #include "tests/cases/case_file.h"
 
+#include <algorithm>
 #include <fstream>
 #include <map>
 #include <regex>
@@ -118,7 +119,9 @@ std::vector<std::vector<SCase>> ReadCases(const std::string& path) {
         const std::string word = text.substr(0, space);
         const std::string rest = space == std::string::npos ? "" : Trimmed(text.substr(space));
         if (word == "define") {
-            lines = &fragments[rest];
+            const std::size_t end = std::min(rest.find(' '), rest.size());
+            lines = &fragments[rest.substr(0, end)];
+            if (end < rest.size()) lines->push_back(Trimmed(rest.substr(end)));
         } else if (word == "case") {
             cases.push_back({rest, "", {}});
             lines = nullptr;
