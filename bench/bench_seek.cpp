@@ -35,10 +35,23 @@ std::vector<std::int64_t> NamesTo(std::uint32_t count) {
     return names;
 }
 
+CRecordBuilder Image(const CTraceBuilder& trace, std::int64_t width, std::int64_t height,
+                     std::uint32_t format, const Bytes& pixels) {
+    CRecordBuilder record = trace.Gl().Enum(3553).Int(0).Int(format);
+    record.Sizei(width).Sizei(height).Int(0);
+    return record.Enum(format).Enum(5121).Data(0x10, pixels).Int(4);
+}
+
+CRecordBuilder ImagePart(const CTraceBuilder& trace, std::int64_t x, std::int64_t y,
+                         std::int64_t width, std::int64_t height, std::uint32_t format,
+                         const Bytes& pixels) {
+    CRecordBuilder record = trace.Gl().Enum(3553).Int(0).Int(x).Int(y).Sizei(width).Sizei(height);
+    return record.Enum(format).Enum(5121).Data(0x10, pixels);
+}
+
 void AddImage(CTraceBuilder& trace, std::uint32_t name, std::uint32_t side = 2) {
     trace.Add(2007, trace.Gl().Enum(3553).Uint(name));
-    trace.Add(2106,
-              trace.Image(side, side, 6408,
+    trace.Add(2106, Image(trace, side, side, 6408,
                           Bytes(std::size_t{side} * side * 4, static_cast<std::uint8_t>(name))));
 }
 
@@ -180,9 +193,9 @@ const SBenchTrace& PartsTrace() {
         AddBuffer(trace, 1, kContents);
         for (std::uint32_t frame = 0; frame < kFramesOfParts; ++frame) {
             const auto value = static_cast<std::uint8_t>(frame);
-            trace.Add(2111, trace.ImagePart(frame * kPart % kSide,
-                                            frame * kPart / kSide * kPart % kSide, kPart, kPart,
-                                            6408, Bytes(std::size_t{kPart} * kPart * 4, value)));
+            trace.Add(2111,
+                      ImagePart(trace, frame * kPart % kSide, frame * kPart / kSide * kPart % kSide,
+                                kPart, kPart, 6408, Bytes(std::size_t{kPart} * kPart * 4, value)));
             trace.Add(2014, trace.Gl()
                                 .Enum(34962)
                                 .Intptr(frame * kBytes % kContents)

@@ -213,7 +213,7 @@ private:
         if (Below(4) == 0) offset = Edge();
         if (Below(8) == 0) offset |= std::uint64_t{Edge()} << 32;
         CTraceBuilder builder;
-        builder.SetStateOffset(offset);
+        builder.settings.stateOffset = offset;
         const Bytes built = builder.Build();
         m_parts.tail.assign(built.end() - 10, built.end());
         if (Below(8) == 0) ChangeAsBytes(m_parts.tail);

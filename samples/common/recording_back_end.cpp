@@ -4,7 +4,7 @@ namespace kestrail::samples {
 
 bool CRecordingBackEnd::Open(int clientVersion, int width, int height) {
     const std::vector<std::int32_t> config = ConfigAttributes(clientVersion);
-    m_trace.SetConfigAttributes({config.begin(), config.end()});
+    m_trace.settings.configAttributes = {config.begin(), config.end()};
     m_trace.Thread();
     m_trace.StartUp(clientVersion, static_cast<std::uint32_t>(width),
                     static_cast<std::uint32_t>(height));

@@ -81,8 +81,8 @@ TEST(BadInput, WidthsOfEveryKindAreBounded) {
     for (const int width : {0, 1, 2, 3, 8, 9, 100, 127, -128}) {
         for (const int count : {33, 0, 127, -1, -128}) {
             CTraceBuilder trace = RichTrace();
-            trace.SetWidths(WidthTable(33, static_cast<std::int8_t>(width)));
-            trace.SetWidthCount(static_cast<std::int8_t>(count));
+            trace.settings.widths = WidthTable(33, static_cast<std::int8_t>(width));
+            trace.settings.widthCount = static_cast<std::int8_t>(count);
             ExpectBounded(RunTrace(trace), std::to_string(width) + ", " + std::to_string(count));
         }
     }

@@ -155,51 +155,13 @@ CRecordBuilder& CRecordBuilder::ClientArray(std::int64_t index, std::uint64_t po
     return Data(pointer, bytes);
 }
 
-CTraceBuilder::CTraceBuilder(std::uint32_t version)
-    : m_version(version),
-      m_widths(StandardWidths()),
-      m_footer(version >= 12),
-      m_configAttributes(DefaultConfigAttributes()) {
+CTraceBuilder::CTraceBuilder(std::uint32_t version) : m_version(version) {
+    settings.footer = version >= 12;
+    settings.configAttributes = DefaultConfigAttributes();
     if (version == 7) {
-        m_typeSet = 1;
-        m_widths.resize(28);
+        settings.typeSet = 1;
+        settings.widths.resize(28);
     }
-}
-
-CTraceBuilder& CTraceBuilder::SetMagic(std::string_view magic) {
-    m_magic = magic;
-    return *this;
-}
-
-CTraceBuilder& CTraceBuilder::SetByteOrderMark(std::uint32_t mark) {
-    m_mark = mark;
-    return *this;
-}
-
-CTraceBuilder& CTraceBuilder::SetDataFlag(std::uint8_t flag) {
-    m_dataFlag = flag;
-    return *this;
-}
-
-CTraceBuilder& CTraceBuilder::SetSecondFlag(std::uint8_t flag) {
-    m_secondFlag = flag;
-    return *this;
-}
-
-CTraceBuilder& CTraceBuilder::SetTypeSet(std::uint32_t typeSet) {
-    m_typeSet = typeSet;
-    return *this;
-}
-
-CTraceBuilder& CTraceBuilder::SetWidths(const WidthTable& widths) {
-    m_widths = widths;
-    return *this;
-}
-
-CTraceBuilder& CTraceBuilder::SetWidthCount(std::int8_t count) {
-    m_widthCountSet = true;
-    m_widthCount = count;
-    return *this;
 }
 
 CTraceBuilder& CTraceBuilder::Disable(std::uint32_t callNumber) {
@@ -213,7 +175,7 @@ CTraceBuilder& CTraceBuilder::OverrideText(std::uint32_t callNumber, std::string
 }
 
 CRecordBuilder CTraceBuilder::Plain() const {
-    return CRecordBuilder(m_widths, m_version);
+    return CRecordBuilder(settings.widths, m_version);
 }
 
 CRecordBuilder CTraceBuilder::Egl(std::int32_t error) const {
@@ -226,19 +188,6 @@ CRecordBuilder CTraceBuilder::Gl(std::uint32_t error) const {
 
 CRecordBuilder CTraceBuilder::Ext(std::uint32_t error, std::uint8_t api) const {
     return Plain().Enum(error).Ubyte(api);
-}
-
-CRecordBuilder CTraceBuilder::Image(std::int64_t width, std::int64_t height, std::uint32_t format,
-                                    const Bytes& pixels, std::int64_t alignment) const {
-    CRecordBuilder record = Gl().Enum(3553).Int(0).Int(format).Sizei(width).Sizei(height).Int(0);
-    return record.Enum(format).Enum(5121).Data(pixels.empty() ? 0 : 0x10, pixels).Int(alignment);
-}
-
-CRecordBuilder CTraceBuilder::ImagePart(std::int64_t x, std::int64_t y, std::int64_t width,
-                                        std::int64_t height, std::uint32_t format,
-                                        const Bytes& pixels) const {
-    CRecordBuilder record = Gl().Enum(3553).Int(0).Int(x).Int(y).Sizei(width).Sizei(height);
-    return record.Enum(format).Enum(5121).Data(pixels.empty() ? 0 : 0x10, pixels);
 }
 
 CTraceBuilder& CTraceBuilder::Add(std::uint16_t id, const CRecordBuilder& record) {
@@ -277,23 +226,6 @@ CTraceBuilder& CTraceBuilder::EndState() {
     return *this;
 }
 
-CTraceBuilder& CTraceBuilder::SetFooter(bool present) {
-    m_footer = present;
-    return *this;
-}
-
-CTraceBuilder& CTraceBuilder::SetFooterMarks(std::int8_t first, std::int8_t second) {
-    m_firstMark = first;
-    m_secondMark = second;
-    return *this;
-}
-
-CTraceBuilder& CTraceBuilder::SetStateOffset(std::uint64_t offset) {
-    m_stateOffsetSet = true;
-    m_stateOffset = offset;
-    return *this;
-}
-
 CTraceBuilder& CTraceBuilder::GetDisplay(std::uint32_t dpy) {
     return Add(1014, Egl().Display(dpy).Value(tag::EglNativeDisplay, 0));
 }
@@ -314,7 +246,7 @@ CTraceBuilder& CTraceBuilder::CreateContext(int clientVersion, std::uint32_t ctx
                          .Config(config)
                          .Context(share)
                          .Attributes({0x3098, clientVersion, 0x3038})
-                         .Attributes(m_configAttributes));
+                         .Attributes(settings.configAttributes));
 }
 
 CTraceBuilder& CTraceBuilder::CreateWindowSurface(std::uint32_t width, std::uint32_t height,
@@ -325,13 +257,13 @@ CTraceBuilder& CTraceBuilder::CreateWindowSurface(std::uint32_t width, std::uint
                          .Config(config)
                          .Window(0x500, width, height)
                          .Attributes({})
-                         .Attributes(m_configAttributes));
+                         .Attributes(settings.configAttributes));
 }
 
 CTraceBuilder& CTraceBuilder::MakeCurrent(std::uint32_t srf, std::uint32_t ctx) {
     CRecordBuilder record =
         Egl().EglBoolean(true).Display(display).Surface(srf).Surface(srf).Context(ctx);
-    if (m_version >= 9) record.Config(config).Attributes(m_configAttributes);
+    if (m_version >= 9) record.Config(config).Attributes(settings.configAttributes);
     return Add(1018, record);
 }
 
@@ -354,10 +286,6 @@ CTraceBuilder& CTraceBuilder::StartUp(int clientVersion, std::uint32_t width,
     return MakeCurrent();
 }
 
-void CTraceBuilder::SetConfigAttributes(const std::vector<std::int64_t>& attributes) {
-    m_configAttributes = attributes;
-}
-
 CTraceBuilder& CTraceBuilder::Patch(std::size_t offset, std::uint32_t value) {
     m_patches.emplace_back(offset, value);
     return *this;
@@ -370,17 +298,17 @@ CTraceBuilder& CTraceBuilder::CutAt(std::size_t size) {
 
 Bytes CTraceBuilder::BuildHeader() const {
     Bytes out;
-    AppendRaw(out, m_magic.data(), m_magic.size());
-    AppendLittle(out, m_mark, 4);
+    AppendRaw(out, settings.magic.data(), settings.magic.size());
+    AppendLittle(out, settings.mark, 4);
     AppendLittle(out, m_version, 4);
-    out.push_back(m_dataFlag);
-    if (m_version > 10) out.push_back(m_secondFlag);
-    AppendLittle(out, m_typeSet, 4);
+    out.push_back(settings.dataFlag);
+    if (m_version > 10) out.push_back(settings.secondFlag);
+    AppendLittle(out, settings.typeSet, 4);
     if (m_version > 7) {
-        const auto size = static_cast<std::int8_t>(m_widths.size());
-        out.push_back(static_cast<std::uint8_t>(m_widthCountSet ? m_widthCount : size));
+        const auto size = static_cast<std::int8_t>(settings.widths.size());
+        out.push_back(static_cast<std::uint8_t>(settings.widthCount.value_or(size)));
     }
-    AppendRaw(out, m_widths.data(), m_widths.size());
+    AppendRaw(out, settings.widths.data(), settings.widths.size());
     if (m_version > 12) {
         AppendLittle(out, m_disabled.size(), 4);
         for (std::uint32_t callNumber : m_disabled) AppendLittle(out, callNumber, 4);
@@ -399,10 +327,10 @@ Bytes CTraceBuilder::Build() const {
     AppendRaw(out, m_calls.data(), m_calls.size());
     const std::uint64_t statePlace = m_state.empty() ? 0 : out.size();
     AppendRaw(out, m_state.data(), m_state.size());
-    if (m_footer) {
-        out.push_back(static_cast<std::uint8_t>(m_firstMark));
-        out.push_back(static_cast<std::uint8_t>(m_secondMark));
-        AppendLittle(out, m_stateOffsetSet ? m_stateOffset : statePlace, 8);
+    if (settings.footer) {
+        out.push_back(static_cast<std::uint8_t>(settings.firstMark));
+        out.push_back(static_cast<std::uint8_t>(settings.secondMark));
+        AppendLittle(out, settings.stateOffset.value_or(statePlace), 8);
     }
     for (const auto& [offset, value] : m_patches) std::memcpy(&out.at(offset), &value, 4);
     out.resize(std::min(out.size(), m_cutAt));

@@ -5,7 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <initializer_list>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -138,22 +138,34 @@ private:
     Bytes m_bytes;
 };
 
-/// A trace file in the making. Settings of the header and the footer may be given in any order;
-/// records are kept in the order in which they are added.
+/// What the header and the footer say, and what records are written by. May be changed at any time;
+/// widths hold for the records begun behind the change.
+struct STraceSettings {
+    std::string magic = "Kestrail";
+    std::uint32_t mark = 0xFFFE0100U;
+    std::uint8_t dataFlag = 1, secondFlag = 1;
+    std::uint32_t typeSet = 2;
+    /// In version 7 the table's length isn't on file: 28 entries want a type set of 1, 27 any
+    /// other.
+    WidthTable widths = StandardWidths();
+    /// A table length byte that differs from the table's own size.
+    std::optional<std::int8_t> widthCount;
+    /// From version 12 on unless it is left off here.
+    bool footer = true;
+    std::int8_t firstMark = 19, secondMark = 16;
+    /// Replaces the offset that the state section's place gives.
+    std::optional<std::uint64_t> stateOffset;
+    /// The attributes of the configuration that contexts and surfaces are recorded with.
+    std::vector<std::int64_t> configAttributes;
+};
+
+/// A trace file in the making; records are kept in the order in which they are added.
 class CTraceBuilder {
 public:
     explicit CTraceBuilder(std::uint32_t version = 14);
 
-    CTraceBuilder& SetMagic(std::string_view magic);
-    CTraceBuilder& SetByteOrderMark(std::uint32_t mark);
-    CTraceBuilder& SetDataFlag(std::uint8_t flag);
-    CTraceBuilder& SetSecondFlag(std::uint8_t flag);
-    CTraceBuilder& SetTypeSet(std::uint32_t typeSet);
-    /// Applies to the records begun from here on. In version 7 the table's length isn't on file:
-    /// 28 entries want a type set of 1, 27 any other.
-    CTraceBuilder& SetWidths(const WidthTable& widths);
-    /// A table length byte that differs from the table's own size.
-    CTraceBuilder& SetWidthCount(std::int8_t count);
+    STraceSettings settings;
+
     CTraceBuilder& Disable(std::uint32_t callNumber);
     CTraceBuilder& OverrideText(std::uint32_t callNumber, std::string_view text);
 
@@ -162,13 +174,6 @@ public:
     CRecordBuilder Gl(std::uint32_t error = 0) const;
     CRecordBuilder Ext(std::uint32_t error = 0, std::uint8_t api = 2) const;
     CRecordBuilder Plain() const;
-
-    /// The values of a glTexImage2D or glTexSubImage2D of bytes, at level 0 of GL_TEXTURE_2D; the
-    /// pointer is null without any.
-    CRecordBuilder Image(std::int64_t width, std::int64_t height, std::uint32_t format,
-                         const Bytes& pixels, std::int64_t alignment = 4) const;
-    CRecordBuilder ImagePart(std::int64_t x, std::int64_t y, std::int64_t width,
-                             std::int64_t height, std::uint32_t format, const Bytes& pixels) const;
 
     CTraceBuilder& Add(std::uint16_t id, const CRecordBuilder& record);
     /// A record whose size field may lie.
@@ -181,12 +186,6 @@ public:
     /// What follows goes to the state section behind the call records, until EndState.
     CTraceBuilder& BeginState();
     CTraceBuilder& EndState();
-
-    /// The footer is written from version 12 on unless it is left off here.
-    CTraceBuilder& SetFooter(bool present);
-    CTraceBuilder& SetFooterMarks(std::int8_t first, std::int8_t second);
-    /// Replaces the offset that the state section's place gives.
-    CTraceBuilder& SetStateOffset(std::uint64_t offset);
 
     // EGL start-up on the handles below, and the frame's end.
     static constexpr std::uint32_t display = 0x100;
@@ -206,9 +205,6 @@ public:
                                const Bytes& picture = {}, std::uint32_t srf = surface);
     /// Display, context, window surface and eglMakeCurrent in one.
     CTraceBuilder& StartUp(int clientVersion, std::uint32_t width, std::uint32_t height);
-    /// The attributes of the configuration that contexts and surfaces are recorded with.
-    void SetConfigAttributes(const std::vector<std::int64_t>& attributes);
-
     /// The file is changed at that offset, or ends there.
     CTraceBuilder& Patch(std::size_t offset, std::uint32_t value);
     CTraceBuilder& CutAt(std::size_t size);
@@ -226,27 +222,13 @@ private:
     Bytes& Section() { return m_inState ? m_state : m_calls; }
 
     std::uint32_t m_version;
-    std::string m_magic = "Kestrail";
-    std::uint32_t m_mark = 0xFFFE0100U;
-    std::uint8_t m_dataFlag = 1;
-    std::uint8_t m_secondFlag = 1;
-    std::uint32_t m_typeSet = 2;
-    WidthTable m_widths;
-    bool m_widthCountSet = false;
-    std::int8_t m_widthCount = 0;
     std::vector<std::uint32_t> m_disabled;
     std::vector<std::pair<std::uint32_t, std::string>> m_overrides;
     Bytes m_calls;
     Bytes m_state;
     bool m_inState = false;
-    bool m_footer;
-    std::int8_t m_firstMark = 19;
-    std::int8_t m_secondMark = 16;
-    bool m_stateOffsetSet = false;
-    std::uint64_t m_stateOffset = 0;
     std::uint32_t m_callCount = 0;
     std::uint32_t m_frame = 0;
-    std::vector<std::int64_t> m_configAttributes;
     std::vector<std::pair<std::size_t, std::uint32_t>> m_patches;
     std::size_t m_cutAt = ~std::size_t{0};
 };

@@ -43,7 +43,8 @@ bool Begins(const Bytes& whole, const Bytes& start) {
 TEST_F(TraceDocument, ASavedHeaderIsThatOfTheTrace) {
     for (const bool second : {false, true}) {
         CTraceBuilder trace;
-        trace.SetSecondFlag(second).SwapBuffers();
+        trace.settings.secondFlag = second;
+        trace.SwapBuffers();
         const Bytes plain = trace.Build();
         trace.Disable(1).Disable(0x10203).OverrideText(2, "void main() {}").OverrideText(900, "");
         const Bytes edited = trace.Build();
@@ -60,7 +61,9 @@ TEST_F(TraceDocument, ASavedHeaderIsThatOfTheTrace) {
         EXPECT_EQ(Open(bare), 4U) << "a trace without calls";
     }
     ASSERT_EQ(Open(CTraceBuilder(9).SwapBuffers().Build()), 0U);
-    EXPECT_TRUE(Begins(CTraceBuilder().SetSecondFlag(0).Build(), Saved())) << "of this version";
+    CTraceBuilder flagless;
+    flagless.settings.secondFlag = 0;
+    EXPECT_TRUE(Begins(flagless.Build(), Saved())) << "of this version";
 }
 
 /// The state comes before the calls, again and again.
