@@ -2,112 +2,89 @@
 
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "base/kstl_string.h"
 
 namespace kestrail {
 namespace {
 
-TEST(KstlString, EmptyStringsOwnOneZeroByte) {
+void ExpectText(const CKSTLString& text, const std::string& content, std::uint32_t capacity) {
+    EXPECT_STREQ(text.c_str(), content.c_str());
+    EXPECT_EQ(text.size(), content.size()) << content;
+    EXPECT_EQ(text.capacity(), capacity) << content;
+}
+
+TEST(KstlString, GrowsToExactlyWhatIsNeeded) {
     const char* null = nullptr;
     for (const CKSTLString& empty :
          {CKSTLString(), CKSTLString(null), CKSTLString(null, 0), CKSTLString(""),
           CKSTLString(CKSTLString("abc"), 5), CKSTLString("abc").substr(3)}) {
-        EXPECT_STREQ(empty.c_str(), "");
-        EXPECT_EQ(empty.size(), 0U);
-        EXPECT_EQ(empty.capacity(), 1U);
+        ExpectText(empty, "", 1);
     }
-}
-
-TEST(KstlString, GrowsToExactlyWhatIsNeeded) {
     CKSTLString text("abc");
-    EXPECT_EQ(text.capacity(), 4U);
-    text.append("de");
-    EXPECT_EQ(text.capacity(), 6U);
-    text += 'f';
-    EXPECT_EQ(text.capacity(), 7U);
-    text.assign("xy");
-    EXPECT_EQ(text.capacity(), 7U) << "a shorter content reuses the buffer";
+    ExpectText(text, "abc", 4);
+    ExpectText(text.append("de"), "abcde", 6);
+    ExpectText(text += 'f', "abcdef", 7);
+    // A shorter content reuses the buffer.
+    ExpectText(text.assign("xy"), "xy", 7);
     text.reserve(6);
-    EXPECT_EQ(text.capacity(), 7U);
+    ExpectText(text, "xy", 7);
     text.reserve(7);
-    EXPECT_EQ(text.capacity(), 8U);
-    EXPECT_EQ(text, "xy");
+    ExpectText(text, "xy", 8);
     text.resize(9, '-');
-    EXPECT_EQ(text, "xy-------");
-    EXPECT_EQ(text.capacity(), 10U);
+    ExpectText(text, "xy-------", 10);
     text.resize(1);
-    EXPECT_STREQ(text.c_str(), "x");
-    EXPECT_EQ(text.capacity(), 10U);
+    ExpectText(text, "x", 10);
 }
 
 TEST(KstlString, SourcesInsideTheStringItself) {
     CKSTLString text("0123456789");
-    text.append(text.c_str() + 2, 3);
-    EXPECT_EQ(text, "0123456789234");
-    text.append(text);
-    EXPECT_EQ(text, "01234567892340123456789234");
-    text.assign(text.c_str() + 5);
-    EXPECT_EQ(text, "567892340123456789234");
-    text.assign(text);
-    EXPECT_EQ(text, "567892340123456789234");
-    text.append(text, 1, 2);
-    EXPECT_EQ(text, "56789234012345678923467");
+    EXPECT_EQ(text.append(text.c_str() + 2, 3), "0123456789234");
+    EXPECT_EQ(text.append(text), "01234567892340123456789234");
+    EXPECT_EQ(text.assign(text.c_str() + 5), "567892340123456789234");
+    EXPECT_EQ(text.assign(text), "567892340123456789234");
+    EXPECT_EQ(text.append(text, 1, 2), "56789234012345678923467");
 
     CKSTLString pattern("aXa");
     pattern.Replace(pattern.c_str() + 2, pattern.c_str(), true);
     EXPECT_EQ(pattern, "aXaXaXa");
-
     CKSTLString moved(std::move(pattern));
     EXPECT_EQ(moved, "aXaXaXa");
-    pattern = "again";
-    EXPECT_EQ(pattern, "again");
+    EXPECT_EQ(pattern = "again", "again");
     Format(moved, "<%s>", moved.c_str());
     EXPECT_EQ(moved, "<aXaXaXa>");
 }
 
 TEST(KstlString, RangesAreCutToTheContent) {
+    constexpr std::uint32_t npos = CKSTLString::npos;
     const CKSTLString text("hello world");
-    EXPECT_EQ(text.substr(6), "world");
-    EXPECT_EQ(text.substr(6, 2), "wo");
-    EXPECT_EQ(text.substr(6, 100), "world");
-    EXPECT_EQ(text.substr(99, 1), "");
-
     const struct {
         std::uint32_t start, count;
-        const char* left;
-    } erased[] = {
-        {0, 6, "world"},        {5, CKSTLString::npos, "hello"},
-        {4, 3, "hellorld"},     {8, 100, "hello wo"},
-        {11, 1, "hello world"}, {50, CKSTLString::npos, "hello world"},
-    };
-    for (const auto& row : erased) {
+        const char *taken, *left;
+    } rows[] = {{0, 6, "hello ", "world"},  {5, npos, " world", "hello"},
+                {4, 3, "o w", "hellorld"},  {8, 100, "rld", "hello wo"},
+                {11, 1, "", "hello world"}, {50, npos, "", "hello world"}};
+    for (const auto& [start, count, taken, left] : rows) {
+        EXPECT_EQ(text.substr(start, count), taken);
+        EXPECT_EQ(CKSTLString("<").append(text, start, count), CKSTLString("<") + taken);
         CKSTLString copy(text);
-        copy.erase(row.start, row.count);
-        EXPECT_STREQ(copy.c_str(), row.left);
-        EXPECT_EQ(copy.size(), std::string(row.left).size());
+        copy.erase(start, count);
+        ExpectText(copy, left, 12);
     }
-    CKSTLString appended("<");
-    appended.append(text, 9, 100);
-    appended.append(text, 100, 1);
-    EXPECT_EQ(appended, "<ld");
+    EXPECT_EQ(text.substr(6), "world");
 }
 
 TEST(KstlString, Searching) {
+    constexpr std::uint32_t npos = CKSTLString::npos;
     const CKSTLString text("abcabc");
-    EXPECT_EQ(text.find("bc"), 1U);
-    EXPECT_EQ(text.find("bc", 2), 4U);
-    EXPECT_EQ(text.find(CKSTLString("cb")), CKSTLString::npos);
-    EXPECT_EQ(text.find("a", 100), CKSTLString::npos);
-    EXPECT_EQ(text.find_first_of("cb"), 1U);
-    EXPECT_EQ(text.find_first_not_of("ab"), 2U);
-    EXPECT_EQ(text.find_last_of("ab"), 4U);
-    EXPECT_EQ(text.find_last_of("ab", 3), 3U);
-    EXPECT_EQ(text.find_last_not_of("c"), 4U);
-    EXPECT_EQ(text.find_last_of("x"), CKSTLString::npos);
-
-    EXPECT_TRUE(text == "abcabc");
-    EXPECT_TRUE("abcabd" != text);
+    EXPECT_EQ(
+        (std::vector{text.find("bc"), text.find("bc", 2), text.find(CKSTLString("cb")),
+                     text.find("a", 100), text.find_first_of("cb"), text.find_first_not_of("ab"),
+                     text.find_last_of("ab"), text.find_last_of("ab", 3),
+                     text.find_last_not_of("c"), text.find_last_of("x")}),
+        (std::vector{1U, 4U, npos, npos, 1U, 2U, 4U, 3U, 4U, npos}));
+    EXPECT_TRUE(text == "abcabc" && "abcabd" != text);
     EXPECT_FALSE(text == static_cast<const char*>(nullptr));
     EXPECT_FALSE(CKSTLString() == static_cast<const char*>(nullptr));
 }
@@ -117,18 +94,16 @@ TEST(KstlString, ReplacingTrimmingAndCase) {
         const char *text, *pattern, *replacement;
         bool all;
         const char* result;
-    } replaced[] = {
-        {"a.b.c", ".", "::", true, "a::b::c"}, {"a.b.c", ".", "::", false, "a::b.c"},
-        {"aaa", "a", "aa", true, "aaaaaa"},    {"aaaa", "aa", "a", true, "aa"},
-        {"abc", "x", "y", true, "abc"},        {"", "", "y", true, ""},
-        {"abc", "", "y", true, "abc"},         {"abc", "abc", "", true, ""},
-    };
+    } replaced[] = {{"a.b.c", ".", "::", true, "a::b::c"}, {"a.b.c", ".", "::", false, "a::b.c"},
+                    {"aaa", "a", "aa", true, "aaaaaa"},    {"aaaa", "aa", "a", true, "aa"},
+                    {"abc", "x", "y", true, "abc"},        {"", "", "y", true, ""},
+                    {"abc", "", "y", true, "abc"},         {"abc", "abc", "", true, ""}};
     for (const auto& row : replaced) {
         CKSTLString text(row.text);
         text.Replace(row.pattern, row.replacement, row.all);
         EXPECT_STREQ(text.c_str(), row.result);
     }
-    CKSTLString text(" \t\r\n Mixed Case \n");
+    CKSTLString text(" \t\r\n Mixed Case \n"), blank(" \t ");
     text.TrimLeft();
     EXPECT_EQ(text, "Mixed Case \n");
     text.TrimRight();
@@ -137,7 +112,6 @@ TEST(KstlString, ReplacingTrimmingAndCase) {
     EXPECT_EQ(text, "MIXED CASE");
     text.ToLower();
     EXPECT_EQ(text, "mixed case");
-    CKSTLString blank(" \t ");
     blank.TrimRight();
     EXPECT_EQ(blank, "");
     EXPECT_EQ("<" + CKSTLString("a") + 'b' + "c" + CKSTLString("d"), "<abcd");
@@ -146,8 +120,7 @@ TEST(KstlString, ReplacingTrimmingAndCase) {
 
 TEST(KstlString, FormatsAtAnyLength) {
     const std::string large(100000, 'k');
-    CKSTLString result;
-    CKSTLString buffer("old");
+    CKSTLString result, buffer("old");
     FormatInto(result, buffer, "%s-%d", large.c_str(), 7);
     EXPECT_EQ(result, (large + "-7").c_str());
     EXPECT_EQ(buffer, result);

@@ -13,40 +13,22 @@
 namespace kestrail {
 namespace {
 
-std::string Printed(const char* format, auto value) {
+std::string ByPrintf(const char* format, auto value) {
     char text[128];
     std::snprintf(text, sizeof(text), format, value);
     return text;
 }
 
-/// Empty when the writer agrees with printf, else both texts.
-std::string FixedDifference(float value) {
-    TextWriter writer;
-    writer.AppendFixed(value);
-    const std::string expected = Printed("%f", static_cast<double>(value));
-    if (writer.View() == expected) return {};
-    return std::string(writer.View()) + " for " + expected;
-}
-
 TEST(TextWriter, FixedIsWhatPrintfPrints) {
-    std::vector<float> values = {0.0F,
-                                 1.0F,
-                                 0.1F,
-                                 123.456F,
-                                 1e11F,
-                                 9.9999996e11F,
-                                 1e12F,
-                                 1e20F,
-                                 0.0000005F,
-                                 0.00000049F,
-                                 std::numeric_limits<float>::max(),
-                                 std::numeric_limits<float>::min(),
-                                 std::numeric_limits<float>::denorm_min(),
-                                 std::numeric_limits<float>::infinity(),
-                                 std::numeric_limits<float>::quiet_NaN()};
+    using Limits = std::numeric_limits<float>;
+    std::vector<float> values = {0.0F,          1.0F,  0.1F,  123.456F,   1e11F,
+                                 9.9999996e11F, 1e12F, 1e20F, 0.0000005F, 0.00000049F};
+    for (const float value : {Limits::max(), Limits::min(), Limits::denorm_min(),
+                              Limits::infinity(), Limits::quiet_NaN()}) {
+        values.push_back(value);
+    }
     // Exact halves of the sixth decimal: odd multiples of 2^-7.
-    for (int odd = 1; odd < 2000; odd += 2)
-        values.push_back(std::ldexp(static_cast<float>(odd), -7));
+    for (float odd = 1; odd < 2000; odd += 2) values.push_back(std::ldexp(odd, -7));
     std::mt19937 random(1);
     for (int i = 0; i < 200000; ++i) {
         values.push_back(std::bit_cast<float>(static_cast<std::uint32_t>(random())));
@@ -54,17 +36,21 @@ TEST(TextWriter, FixedIsWhatPrintfPrints) {
     std::uniform_real_distribution<float> usual(-1000.0F, 1000.0F);
     for (int i = 0; i < 50000; ++i) values.push_back(usual(random));
     for (const float value : values) {
-        ASSERT_EQ(FixedDifference(value), "");
-        ASSERT_EQ(FixedDifference(-value), "");
+        TextWriter writer;
+        writer.AppendFixed(value);
+        writer.Append(' ');
+        writer.AppendFixed(-value);
+        const auto wide = static_cast<double>(value);
+        ASSERT_EQ(writer.View(), ByPrintf("%f", wide) + ByPrintf(" %f", -wide));
     }
 }
 
 TEST(TextWriter, IntegersAreWhatPrintfPrints) {
-    std::vector<std::uint64_t> values = {0};
-    for (std::uint64_t power = 1; power < std::uint64_t{1} << 63; power <<= 1) {
-        for (const std::uint64_t value : {power - 1, power, ~power}) values.push_back(value);
+    std::vector<unsigned long long> values = {0};
+    for (unsigned long long power = 1; power < 1ULL << 63; power <<= 1) {
+        for (const auto value : {power - 1, power, ~power}) values.push_back(value);
     }
-    for (const std::uint64_t value : values) {
+    for (const auto value : values) {
         TextWriter writer;
         // Text in front must not change: letters are made upper-case only in the number.
         writer.Append("0xab");
@@ -72,11 +58,8 @@ TEST(TextWriter, IntegersAreWhatPrintfPrints) {
         writer.AppendSigned(static_cast<std::int64_t>(value));
         writer.AppendHex(value);
         writer.AppendUpperHex(value);
-        const auto wide = static_cast<unsigned long long>(value);
-        const std::string expected = "0xab" + Printed("%llu", wide) +
-                                     Printed("%lld", static_cast<long long>(value)) +
-                                     Printed("%llx", wide) + Printed("%llX", wide);
-        ASSERT_EQ(writer.View(), expected);
+        ASSERT_EQ(writer.View(), ByPrintf("0xab%llu", value) + ByPrintf("%lld", value) +
+                                     ByPrintf("%llx", value) + ByPrintf("%llX", value));
     }
 }
 
@@ -91,11 +74,9 @@ TEST(TextWriter, KeepsItsContentWhileItGrows) {
     }
     const std::string large(100000, 'x');
     writer.AppendFormat("%s", large.c_str());
-    expected += large;
-    EXPECT_EQ(writer.View(), expected);
-
+    EXPECT_EQ(writer.View(), expected + large);
     writer.Truncate(3);
-    EXPECT_EQ(writer.View(), expected.substr(0, 3));
+    EXPECT_EQ(writer.View(), "a0|");
     writer.Truncate(10);
     EXPECT_EQ(writer.Size(), 3U);
     writer.Clear();

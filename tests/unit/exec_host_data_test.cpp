@@ -23,34 +23,18 @@ namespace {
 constexpr std::int32_t kMax = std::numeric_limits<std::int32_t>::max();
 constexpr std::int32_t kMin = std::numeric_limits<std::int32_t>::min();
 
-struct SPixel {
-    std::uint32_t format, type;
-    std::int64_t bytes;
-};
-
-constexpr SPixel kPixels[] = {{GL_RGBA, GL_UNSIGNED_BYTE, 4},
-                              {GL_RGB, GL_UNSIGNED_BYTE, 3},
-                              {GL_RGB, GL_UNSIGNED_SHORT_5_6_5, 2},
-                              {GL_RGBA, GL_UNSIGNED_SHORT_4_4_4_4, 2},
-                              {GL_RGBA, GL_UNSIGNED_SHORT_5_5_5_1, 2},
-                              {GL_ALPHA, GL_UNSIGNED_BYTE, 1},
-                              {GL_LUMINANCE, GL_UNSIGNED_BYTE, 1},
-                              {GL_LUMINANCE_ALPHA, GL_UNSIGNED_BYTE, 2},
-                              {GL_RED, GL_HALF_FLOAT, 2},
-                              {GL_RG_INTEGER, GL_SHORT, 4},
-                              {GL_RGB, GL_FLOAT, 12},
-                              {GL_RGBA, GL_HALF_FLOAT_OES, 8},
-                              {GL_RGBA_INTEGER, GL_UNSIGNED_INT, 16},
-                              {GL_BGRA_EXT, GL_UNSIGNED_BYTE, 4},
-                              {GL_SRGB_EXT, GL_UNSIGNED_BYTE, 3},
-                              {GL_SLUMINANCE_ALPHA_NV, GL_UNSIGNED_BYTE, 2},
-                              {GL_RGB, GL_UNSIGNED_INT_10F_11F_11F_REV, 4},
-                              {GL_RGB, GL_UNSIGNED_INT_5_9_9_9_REV, 4},
-                              {GL_RGBA, GL_UNSIGNED_INT_2_10_10_10_REV, 4},
-                              {GL_DEPTH_COMPONENT, GL_UNSIGNED_SHORT, 2},
-                              {GL_DEPTH_COMPONENT, GL_UNSIGNED_INT, 4},
-                              {GL_DEPTH_STENCIL, GL_UNSIGNED_INT_24_8, 4},
-                              {GL_DEPTH_STENCIL, GL_FLOAT_32_UNSIGNED_INT_24_8_REV, 8}};
+/// Formats, types and the bytes of a pixel.
+constexpr const char* kPixels = R"(
+    GL_RGBA GL_UNSIGNED_BYTE 4; GL_RGB GL_UNSIGNED_BYTE 3; GL_RGB GL_UNSIGNED_SHORT_5_6_5 2;
+    GL_RGBA GL_UNSIGNED_SHORT_4_4_4_4 2; GL_RGBA GL_UNSIGNED_SHORT_5_5_5_1 2;
+    GL_ALPHA GL_UNSIGNED_BYTE 1; GL_LUMINANCE GL_UNSIGNED_BYTE 1; GL_RED GL_HALF_FLOAT 2;
+    GL_LUMINANCE_ALPHA GL_UNSIGNED_BYTE 2; GL_RG_INTEGER GL_SHORT 4; GL_RGB GL_FLOAT 12;
+    GL_RGBA GL_HALF_FLOAT_OES 8; GL_RGBA_INTEGER GL_UNSIGNED_INT 16;
+    GL_BGRA_EXT GL_UNSIGNED_BYTE 4; GL_SRGB_EXT GL_UNSIGNED_BYTE 3;
+    GL_SLUMINANCE_ALPHA_NV GL_UNSIGNED_BYTE 2; GL_RGB GL_UNSIGNED_INT_10F_11F_11F_REV 4;
+    GL_RGB GL_UNSIGNED_INT_5_9_9_9_REV 4; GL_RGBA GL_UNSIGNED_INT_2_10_10_10_REV 4;
+    GL_DEPTH_COMPONENT GL_UNSIGNED_SHORT 2; GL_DEPTH_COMPONENT GL_UNSIGNED_INT 4;
+    GL_DEPTH_STENCIL GL_UNSIGNED_INT_24_8 4; GL_DEPTH_STENCIL GL_FLOAT_32_UNSIGNED_INT_24_8_REV 8)";
 
 /// One past the last byte that a host reads which goes from pixel to pixel.
 std::int64_t LastByte(std::int64_t pixel, int width, int height, int depth,
@@ -60,14 +44,10 @@ std::int64_t LastByte(std::int64_t pixel, int width, int height, int depth,
     std::int64_t row = rowPixels * pixel;
     while (row % store.unpackAlignment != 0) ++row;
     std::int64_t last = 0;
-    for (int z = 0; z < depth; ++z) {
-        for (int y = 0; y < height; ++y) {
-            for (int x = 0; x < width; ++x) {
-                const std::int64_t line =
-                    (z + store.unpackSkipImages) * rows + y + store.unpackSkipRows;
-                last = std::max(last, line * row + (x + store.unpackSkipPixels + 1) * pixel);
-            }
-        }
+    for (int i = 0; i < width * height * depth; ++i) {
+        const int x = i % width, y = i / width % height, z = i / width / height;
+        const std::int64_t line = (z + store.unpackSkipImages) * rows + y + store.unpackSkipRows;
+        last = std::max(last, line * row + (x + store.unpackSkipPixels + 1) * pixel);
     }
     return last;
 }
@@ -75,44 +55,30 @@ std::int64_t LastByte(std::int64_t pixel, int width, int height, int depth,
 TEST(ImageBytes, ReachToTheLastPixelThatTheHostReads) {
     std::mt19937 random(7);
     const auto upTo = [&random](int limit) { return static_cast<int>(random() % (limit + 1U)); };
+    const auto pixels = Rows<std::uint32_t>(kPixels);
     for (int i = 0; i < 4000; ++i) {
-        const SPixel& pixel = kPixels[random() % std::size(kPixels)];
-        SPixelStore store;
-        store.unpackAlignment = 1 << upTo(3);
-        if (i % 2 == 1) {
-            store.unpackRowLength = upTo(9);
-            store.unpackImageHeight = upTo(9);
-            store.unpackSkipPixels = upTo(3);
-            store.unpackSkipRows = upTo(3);
-            store.unpackSkipImages = upTo(3);
-        }
+        const auto& pixel = pixels[random() % pixels.size()];
+        SPixelStore store{1 << upTo(3)};
+        if (i % 2 == 1) store = {1 << upTo(3), upTo(9), upTo(9), upTo(3), upTo(3), upTo(3)};
         const int width = upTo(7), height = upTo(5), depth = upTo(3);
-        ASSERT_EQ(ImageBytes(pixel.format, pixel.type, width, height, depth, store),
-                  LastByte(pixel.bytes, width, height, depth, store))
-            << std::hex << pixel.format << ' ' << pixel.type << std::dec << ' ' << width << 'x'
-            << height << 'x' << depth << " by " << store.unpackAlignment;
+        ASSERT_EQ(ImageBytes(pixel[0], pixel[1], width, height, depth, store),
+                  LastByte(pixel[2], width, height, depth, store))
+            << pixel[0] << ' ' << pixel[1] << ' ' << width << 'x' << height << 'x' << depth
+            << " by " << store.unpackAlignment;
     }
     EXPECT_EQ(ImageBytes(GL_RGBA, GL_UNSIGNED_BYTE, -1, 4, 4, {}), 0);
     EXPECT_EQ(ImageBytes(GL_RGBA, GL_UNSIGNED_BYTE, 4, kMin, 4, {}), 0);
 }
 
 TEST(ImageBytes, ImmenseSizesStayImmense) {
-    // No captured block has 4 GiB.
-    constexpr std::int64_t kLargestBlock = 0xFFFFFFFF;
-    SPixelStore all{8, kMax, kMax, kMax, kMax, kMax, 4, 0, 0, 0, 0};
-    SPixelStore rows, images, skips;
-    rows.unpackRowLength = kMax;
-    images.unpackImageHeight = kMax;
-    skips.unpackSkipPixels = skips.unpackSkipRows = skips.unpackSkipImages = kMax;
-    const struct {
-        std::int32_t width, height, depth;
-        SPixelStore store;
-    } cases[] = {{kMax, kMax, kMax, {}}, {kMax, kMax, kMax, all}, {1, 1, 1, all},
-                 {1, 1, 1, skips},       {kMax, 3, 1, {}},        {2, 2, 2, images},
-                 {1, 2, 1, rows},        {kMax, 1, 1, {}}};
-    for (const auto& c : cases) {
-        EXPECT_GT(ImageBytes(GL_RGBA, GL_FLOAT, c.width, c.height, c.depth, c.store),
-                  kLargestBlock);
+    // Width, height, depth, row length, image height, skips; 9 stands for the most.
+    for (const auto& row :
+         Rows("9 9 9 0 0 0 0 0; 9 9 9 9 9 9 9 9; 1 1 1 9 9 9 9 9; 9 1 1 0 0 0 0 0;"
+              "1 1 1 0 0 9 9 9; 9 3 1 0 0 0 0 0; 2 2 2 0 9 0 0 0; 1 2 1 9 0 0 0 0")) {
+        const auto at = [&row](std::size_t i) { return row[i] == 9 ? kMax : row[i]; };
+        const SPixelStore store{8, at(3), at(4), at(5), at(6), at(7)};
+        // No captured block has 4 GiB.
+        EXPECT_GT(ImageBytes(GL_RGBA, GL_FLOAT, at(0), at(1), at(2), store), 0xFFFFFFFF);
     }
 }
 
@@ -121,88 +87,64 @@ TEST(HostData, CapturedBytesOffsetsAndNull) {
     const auto nullWithBytes = ReadFrom<SDataPtr>(Record().Data(0, Bytes(8, 5)));
     const auto offset = ReadFrom<SDataPtr>(Record().Data(0x40));
     const auto null = ReadFrom<SDataPtr>(Record().Data(0));
+    const void *bytes = captured.GetData(), *others = nullWithBytes.GetData(), *unsound = &null;
     const struct {
         const SDataPtr& block;
         std::int64_t needed;
         bool nullAllowed, bufferBound;
-        const void* pointer;
-        bool sound;
-    } cases[] = {
-        {captured, 8, false, false, captured.GetData(), true},
-        {captured, 9, true, false, captured.GetData(), false},
-        {captured, std::int64_t{1} << 40, false, true, captured.GetData(), false},
-        {captured, -5, false, false, captured.GetData(), true},
-        {nullWithBytes, 8, false, false, nullWithBytes.GetData(), true},
-        {offset, 900, false, true, AsPointer(0x40), true},
-        {offset, 900, true, false, nullptr, true},
-        {offset, 900, false, false, nullptr, false},
-        {offset, 0, false, false, nullptr, true},
-        {null, 4, true, false, nullptr, true},
-        {null, 4, false, true, nullptr, true},
-        {null, 4, false, false, nullptr, false},
-    };
+        const void* expected;
+    } cases[] = {{captured, 8, false, false, bytes},
+                 {captured, 9, true, false, unsound},
+                 {captured, std::int64_t{1} << 40, false, true, unsound},
+                 {captured, -5, false, false, bytes},
+                 {nullWithBytes, 8, false, false, others},
+                 {offset, 900, false, true, AsPointer(0x40)},
+                 {offset, 900, true, false, nullptr},
+                 {offset, 900, false, false, unsound},
+                 {offset, 0, false, false, nullptr},
+                 {null, 4, true, false, nullptr},
+                 {null, 4, false, true, nullptr},
+                 {null, 4, false, false, unsound}};
     for (const auto& c : cases) {
         const SHostData data = HostData(c.block, c.needed, c.nullAllowed, c.bufferBound);
-        EXPECT_EQ(data.sound, c.sound) << &c - cases;
-        EXPECT_EQ(c.sound ? data.pointer : nullptr, c.sound ? c.pointer : nullptr) << &c - cases;
+        EXPECT_EQ(data.sound ? data.pointer : unsound, c.expected) << &c - cases;
     }
 }
 
 TEST(HostData, SizesOfVerticesAndParameters) {
-    const struct {
-        std::uint32_t type;
-        std::int32_t size;
-        std::int64_t bytes;
-    } vertices[] = {{GL_BYTE, 3, 3},
-                    {GL_UNSIGNED_SHORT, 2, 4},
-                    {GL_FLOAT, 4, 16},
-                    {GL_HALF_FLOAT, 3, 6},
-                    {GL_FIXED, 3, 12},
-                    {GL_INT_2_10_10_10_REV, 4, 4},
-                    {GL_UNSIGNED_INT_2_10_10_10_REV, 4, 4}};
-    for (const auto& c : vertices) EXPECT_EQ(VertexBytes(c.type, c.size), c.bytes) << c.type;
-    const std::pair<std::uint32_t, std::uint32_t> parameters[] = {
-        {GL_TEXTURE_MIN_FILTER, 1},
-        {GL_TEXTURE_CROP_RECT_OES, 4},
-        {GL_FOG_MODE, 1},
-        {GL_FOG_COLOR, 4},
-        {GL_LIGHT_MODEL_AMBIENT, 4},
-        {GL_LIGHT_MODEL_TWO_SIDE, 1},
-        {GL_AMBIENT, 4},
-        {GL_POSITION, 4},
-        {GL_SPOT_DIRECTION, 3},
-        {GL_SPOT_EXPONENT, 1},
-        {GL_SHININESS, 1},
-        {GL_AMBIENT_AND_DIFFUSE, 4},
-        {GL_TEXTURE_ENV_MODE, 1},
-        {GL_TEXTURE_ENV_COLOR, 4},
-        {GL_POINT_DISTANCE_ATTENUATION, 3},
-        {GL_POINT_SIZE_MIN, 1},
-        {0, 1}};
-    for (const auto& [name, count] : parameters) EXPECT_EQ(ParameterCount(name), count) << name;
-    EXPECT_EQ(ClearValueCount(GL_COLOR), 4U);
-    EXPECT_EQ(ClearValueCount(GL_DEPTH), 1U);
-    EXPECT_EQ(ClearValueCount(GL_STENCIL), 1U);
+    for (const auto& row : Rows("GL_BYTE 3 3; GL_UNSIGNED_SHORT 2 4; GL_FLOAT 4 16; GL_FIXED 3 12;"
+                                "GL_HALF_FLOAT 3 6; GL_INT_2_10_10_10_REV 4 4;"
+                                "GL_UNSIGNED_INT_2_10_10_10_REV 4 4")) {
+        EXPECT_EQ(VertexBytes(static_cast<std::uint32_t>(row[0]), row[1]), row[2]) << row[0];
+    }
+    for (const auto& row : Rows<std::uint32_t>(R"(
+             GL_TEXTURE_MIN_FILTER 1; 0x8B9D 4; GL_FOG_MODE 1; GL_FOG_COLOR 4;
+             GL_LIGHT_MODEL_AMBIENT 4; GL_LIGHT_MODEL_TWO_SIDE 1; GL_AMBIENT 4; GL_POSITION 4;
+             GL_SPOT_DIRECTION 3; GL_SPOT_EXPONENT 1; GL_SHININESS 1; GL_AMBIENT_AND_DIFFUSE 4;
+             GL_TEXTURE_ENV_MODE 1; GL_TEXTURE_ENV_COLOR 4; GL_POINT_DISTANCE_ATTENUATION 3;
+             GL_POINT_SIZE_MIN 1; 0 1)")) {
+        EXPECT_EQ(ParameterCount(row[0]), row[1]) << row[0];
+    }
+    for (const auto& row : Rows<std::uint32_t>("GL_COLOR 4; GL_DEPTH 1; GL_STENCIL 1")) {
+        EXPECT_EQ(ClearValueCount(row[0]), row[1]) << row[0];
+    }
 }
 
 TEST(DrawIndices, AsManyAsTheDrawReads) {
     const auto shorts = ReadFrom<SDataPtr>(Record().Data(0x40, Bytes{1, 0, 0, 1, 9, 0}));
-    const struct {
-        std::uint32_t type;
-        std::int32_t count;
-        bool sound;
-        std::int64_t vertices;
-    } cases[] = {{GL_UNSIGNED_SHORT, 3, true, 257},     {GL_UNSIGNED_SHORT, 2, true, 257},
-                 {GL_UNSIGNED_SHORT, 1, true, 2},       {GL_UNSIGNED_SHORT, 4, false, 0},
-                 {GL_UNSIGNED_BYTE, 6, true, 10},       {GL_UNSIGNED_BYTE, 7, false, 0},
-                 {GL_UNSIGNED_INT, 1, true, 0x1000002}, {GL_UNSIGNED_INT, 2, false, 0},
-                 {GL_UNSIGNED_SHORT, 0, true, 0},       {GL_UNSIGNED_SHORT, -3, true, 0},
-                 {GL_UNSIGNED_INT, kMax, false, 0},     {GL_UNSIGNED_SHORT, kMin, true, 0}};
-    for (const auto& c : cases) {
-        const SDrawIndices indices = DrawIndices(false, shorts, 0x77, c.count, c.type);
-        EXPECT_EQ(indices.sound, c.sound) << c.type << ' ' << c.count;
-        EXPECT_EQ(indices.vertices.count, c.vertices) << c.type << ' ' << c.count;
-        EXPECT_EQ(indices.pointer, c.sound ? shorts.GetData() : nullptr);
+    // Type, count, vertices; less than none where the captured ones are too few.
+    for (const auto& row : Rows<std::int64_t>(R"(
+             GL_UNSIGNED_SHORT 3 257; GL_UNSIGNED_SHORT 2 257; GL_UNSIGNED_SHORT 1 2;
+             GL_UNSIGNED_SHORT 4 -1; GL_UNSIGNED_SHORT 0 0; GL_UNSIGNED_SHORT -3 0;
+             GL_UNSIGNED_SHORT -0x80000000 0; GL_UNSIGNED_BYTE 6 10; GL_UNSIGNED_BYTE 7 -1;
+             GL_UNSIGNED_INT 1 0x1000002; GL_UNSIGNED_INT 2 -1; GL_UNSIGNED_INT 0x7FFFFFFF -1)")) {
+        const SDrawIndices indices =
+            DrawIndices(false, shorts, 0x77, static_cast<std::int32_t>(row[1]),
+                        static_cast<std::uint32_t>(row[0]));
+        EXPECT_EQ(indices.sound, row[2] >= 0) << row[0] << ' ' << row[1];
+        EXPECT_EQ(indices.vertices.count, std::max(row[2], std::int64_t{0}))
+            << row[0] << ' ' << row[1];
+        EXPECT_EQ(indices.pointer, row[2] >= 0 ? shorts.GetData() : nullptr);
     }
     // With a buffer bound only the offset counts.
     const SDrawIndices offset = DrawIndices(true, shorts, 0x77, kMax, GL_UNSIGNED_INT);
@@ -216,16 +158,16 @@ TEST(DrawIndices, AsManyAsTheDrawReads) {
     EXPECT_EQ(VerticesOf(strip, 3, GL_UNSIGNED_SHORT, false), 65536);
     EXPECT_EQ(VerticesOf(strip, 3, GL_UNSIGNED_SHORT, true), 8);
     EXPECT_EQ(VerticesOf(strip, 4, GL_UNSIGNED_SHORT, true), 65535);
-    const SDataPtr none;
-    EXPECT_FALSE(DrawIndices(false, none, 0x77, 1, GL_UNSIGNED_BYTE).sound);
+    EXPECT_FALSE(DrawIndices(false, {}, 0x77, 1, GL_UNSIGNED_BYTE).sound);
+}
+
+std::unique_ptr<SDataPtr> Array(std::size_t size, std::uint8_t value) {
+    return std::make_unique<SDataPtr>(ReadFrom<SDataPtr>(Record().Data(1, Bytes(size, value))));
 }
 
 TEST(ClientMemory, ArraysAreMeasuredToTheLastVertex) {
     CClientMemory memory;
-    const auto block = [](std::size_t size) {
-        return std::make_unique<SDataPtr>(ReadFrom<SDataPtr>(Record().Data(1, Bytes(size, 9))));
-    };
-    std::unique_ptr<SDataPtr> array = block(20);
+    std::unique_ptr<SDataPtr> array = Array(20, 9);
     const CClientMemory::STaken taken = memory.Take(2, array, {4, 0, 5}, true, false);
     EXPECT_TRUE(taken.sound);
     EXPECT_EQ(taken.pointer, array->GetData());
@@ -251,30 +193,25 @@ TEST(ClientMemory, ArraysAreMeasuredToTheLastVertex) {
 TEST(ClientMemory, ZerosStandBehindAnArrayOfUnknownReach) {
     CClientMemory memory;
     constexpr std::int64_t kVertices = 65536;
-    const auto bytesAt = [&](std::size_t size, std::uint8_t value) {
-        auto array =
-            std::make_unique<SDataPtr>(ReadFrom<SDataPtr>(Record().Data(1, Bytes(size, value))));
+    // Nothing stays of a longer one.
+    for (const auto& [size, value] :
+         {std::pair(12U, '\1'), std::pair(30U, '\2'), std::pair(8U, '\3')}) {
+        auto array = Array(size, static_cast<std::uint8_t>(value));
         const CClientMemory::STaken taken = memory.Take(0, array, {4, 0, kVertices}, false, true);
         EXPECT_TRUE(taken.sound);
         EXPECT_TRUE(memory.Reaches(0, taken.pointer, {4, 0, kVertices}));
         EXPECT_FALSE(memory.Reaches(0, taken.pointer, {4, 0, kVertices + 1}));
-        return std::string(static_cast<const char*>(taken.pointer), 4 * kVertices);
-    };
-    const auto expected = [](std::size_t size, char value) {
-        std::string bytes(4 * kVertices, 0);
-        std::fill_n(bytes.begin(), size, value);
-        return bytes;
-    };
-    EXPECT_EQ(bytesAt(12, 1), expected(12, 1));
-    EXPECT_EQ(bytesAt(30, 2), expected(30, 2));
-    EXPECT_EQ(bytesAt(8, 3), expected(8, 3)) << "nothing stays of a longer one";
+        EXPECT_EQ(std::string(static_cast<const char*>(taken.pointer), 4 * kVertices),
+                  std::string(size, value) + std::string(4 * kVertices - size, 0));
+    }
 }
 
 TEST(Viewport, SizeScalesWithTheWindowAndPositionAgainstIt) {
+    using Numbers = std::vector<std::int32_t>;
     const struct {
         SViewport recorded;
         std::int32_t live[2], window[2];
-        SViewport expected;
+        Numbers expected;
     } cases[] = {
         {{8, 9, 10, 20}, {100, 50}, {200, 200}, {16, 36, 5, 5}},
         // Parts of pixels are cut off, towards zero.
@@ -285,11 +222,9 @@ TEST(Viewport, SizeScalesWithTheWindowAndPositionAgainstIt) {
         {{1, 1, kMax, kMin}, {1000, 1000}, {1, 1}, {0, 0, kMax, kMin}},
         {{1, -1, 1, 0}, {0, 0}, {0, 0}, {0, 0, 0, 0}},
     };
-    for (const auto& c : cases) {
-        const SViewport fitted =
-            CorrectedViewport(c.recorded, c.live[0], c.live[1], c.window[0], c.window[1]);
-        EXPECT_EQ(std::vector({fitted.x, fitted.y, fitted.width, fitted.height}),
-                  std::vector({c.expected.x, c.expected.y, c.expected.width, c.expected.height}));
+    for (const auto& [recorded, live, window, expected] : cases) {
+        const SViewport box = CorrectedViewport(recorded, live[0], live[1], window[0], window[1]);
+        EXPECT_EQ((Numbers{box.x, box.y, box.width, box.height}), expected);
     }
 }
 

@@ -1,15 +1,6 @@
 #include "host/host_config.h"
 
-#include <gtest/gtest.h>
-#include <unistd.h>
-
-#include <cstdio>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
-#include <string>
-
-#include "base/output.h"
+#include "tests/unit/unit_support.h"
 
 namespace kestrail {
 namespace {
@@ -19,31 +10,24 @@ protected:
     void SetUp() override {
         static_cast<void>(GetHostConfig());
         GetHostSettings() = SHostSettings{};
-        m_path = testing::TempDir() + "kestrail_config_" + std::to_string(getpid());
     }
-    void TearDown() override { std::filesystem::remove(m_path); }
 
     /// What the reader makes of a file with this content, and what it prints, in `m_printed`.
     CHostConfig Read(const std::string& content) {
         std::ofstream(m_path) << content;
         CHostConfig config;
-        testing::internal::CaptureStdout();
-        ReadConfigFile(config, m_path.c_str());
-        output::Flush();
-        m_printed = testing::internal::GetCapturedStdout();
+        m_printed = Printed([&] { ReadConfigFile(config, m_path.c_str()); });
         return config;
     }
 
-    std::string m_path;
+    const CTempFile m_file{{}};
+    const std::string m_path = m_file.Name().c_str();
     std::string m_printed;
 };
 
 TEST_F(HostConfig, KeysAreTakenFromAnyPlaceAndForm) {
     const std::string longest(480, 'x');
-    const struct {
-        std::string content;
-        std::string egl;
-    } cases[] = {
+    const std::pair<std::string, std::string> contents[] = {
         {"", "libEGL.so"},
         {"EglLibraryPath=a.so", "a.so"},
         {"  EglLibraryPath   =   /lib/x.so  \r\n", "/lib/x.so"},
@@ -58,26 +42,19 @@ TEST_F(HostConfig, KeysAreTakenFromAnyPlaceAndForm) {
         // 499 characters make a line; what follows is the next one.
         {"EglLibraryPath = " + longest + "yyEglLibraryPath = b\n", "b"},
     };
-    for (const auto& row : cases) {
-        EXPECT_STREQ(Read(row.content).EglLibraryPath.c_str(), row.egl.c_str()) << row.content;
+    for (const auto& [content, egl] : contents) {
+        EXPECT_STREQ(Read(content).EglLibraryPath.c_str(), egl.c_str()) << content;
     }
-}
-
-TEST_F(HostConfig, AnEs3PathReplacesTheEs2PathWhenItIsLongEnough) {
-    const struct {
-        const char* content;
-        const char* es2;
-        const char* es3;
-    } cases[] = {
+    // Of three letters and more ES3's path stands for ES2's as well.
+    const char* const libraries[][3] = {
         {"Es3LibraryPath = ab", "libGLESv2.so", "ab"},
         {"Es3LibraryPath = abc", "abc", "abc"},
         {"Es2LibraryPath = two\nEs3LibraryPath = three", "three", "three"},
-        {"Es3LibraryPath = three\nEs2LibraryPath = two", "two", "three"},
-    };
-    for (const auto& row : cases) {
-        const CHostConfig config = Read(row.content);
-        EXPECT_STREQ(config.Es2LibraryPath.c_str(), row.es2) << row.content;
-        EXPECT_STREQ(config.Es3LibraryPath.c_str(), row.es3) << row.content;
+        {"Es3LibraryPath = three\nEs2LibraryPath = two", "two", "three"}};
+    for (const auto& [content, es2, es3] : libraries) {
+        const CHostConfig config = Read(content);
+        EXPECT_STREQ(config.Es2LibraryPath.c_str(), es2) << content;
+        EXPECT_STREQ(config.Es3LibraryPath.c_str(), es3) << content;
     }
 }
 
@@ -107,14 +84,14 @@ TEST_F(HostConfig, TheReaderSaysWhatItFound) {
 
 TEST_F(HostConfig, AMissingFileEndsTheProcess) {
     // The death test looks at standard error only, where the child sends its text.
-    const auto read = [this] {
+    const auto read = [] {
         dup2(STDERR_FILENO, STDOUT_FILENO);
         output::FlushOnAnyExit();
         CHostConfig config;
-        ReadConfigFile(config, m_path.c_str());
+        ReadConfigFile(config, "absent");
     };
     EXPECT_EXIT(read(), testing::ExitedWithCode(255),
-                "WARNING: Config file not found: .*kestrail_config_[0-9]+\n\n"
+                "WARNING: Config file not found: .*/absent\n\n"
                 "KESTRAIL\\(W\\) WARNING: Recording Aborted.Exit\n");
 }
 
@@ -123,16 +100,14 @@ TEST_F(HostConfig, TheWriterGivesPathsAndFixedSettings) {
     config.Es3LibraryPath = "three";
     GetHostSettings().recordData = true;
     GetHostSettings().endFrame = 99;
-    testing::internal::CaptureStdout();
-    const bool written = WriteConfigFile(config, m_path.c_str());
-    const bool nowhere = WriteConfigFile(config, (m_path + "/none/kestrail.cfg").c_str());
-    output::Flush();
-    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+    const std::string printed = Printed([&] {
+        EXPECT_TRUE(WriteConfigFile(config, m_path.c_str()));
+        EXPECT_FALSE(WriteConfigFile(config, (m_path + "/none/kestrail.cfg").c_str()));
+    });
+    EXPECT_EQ(printed,
               "KESTRAIL(M) Writing to File \n\n"
               "KESTRAIL(M) Writing to file complete, please check host library paths.\n\n"
               "KESTRAIL(M) Writing to File \n\n");
-    EXPECT_TRUE(written);
-    EXPECT_FALSE(nowhere);
     std::stringstream content;
     content << std::ifstream(m_path).rdbuf();
     EXPECT_EQ(content.str(),

@@ -1,7 +1,6 @@
-#include <regex>
+#include <gmock/gmock.h>
 
 #include "state/es1/es1_state.h"
-#include "tests/support/call_notation.h"
 #include "tests/unit/unit_support.h"
 #include "tracefile/document/trace_document.h"
 
@@ -13,10 +12,9 @@ namespace {
 template <typename State, typename Apply>
 State AppliedTwice(State& state, const std::string& calls, std::uint32_t once, Apply apply) {
     CTraceBuilder trace;
-    static const std::regex separator(" ; |\n");
-    for (std::sregex_token_iterator call(calls.begin(), calls.end(), separator, -1), end;
-         call != end; ++call) {
-        AddCall(trace, *call, std::is_same_v<State, CEs1State>);
+    std::istringstream lines(calls);
+    for (std::string line; std::getline(lines >> std::ws, line, ';');) {
+        AddCall(trace, line, std::is_same_v<State, CEs1State>);
     }
     const CTempFile file(trace.Build());
     CTraceDocument& document = *CTraceDocument::Instance();
@@ -32,53 +30,51 @@ State AppliedTwice(State& state, const std::string& calls, std::uint32_t once, A
     return between;
 }
 
+/// Which members of two states are one.
+template <typename State, typename... Members>
+std::vector<bool> Shared(const State& a, const State& b, Members... members) {
+    return {(a.*members).SameAs(b.*members)...};
+}
+
+constexpr const char* kEs2Calls = R"(
+    glCreateShader 35633 = 1 ; glCreateProgram = 5 ; glCreateProgram = 6 ; glUseProgram 5 ;
+    glBindTexture 3553 7 ; glTexParameteri 3553 10242 1 ; glDeleteTextures 2 {0 99} ;
+    glBindBuffer 34962 3 ; glBufferSubData 34962 9 1 [aa] ; glDeleteBuffers 1 {99} ;
+    glVertexAttribPointer 2 3 5126 1 12 40 ; glEnableVertexAttribArray 2 ;
+    glDisableVertexAttribArray 1 ; glBindFramebuffer 36160 5 ; es3.glDrawBuffers 1 {36064} ;
+    glFramebufferRenderbuffer 36160 1 36161 4 ; glBindRenderbuffer 36161 4 ;
+    glShaderSource 1 1 {"x"} {1} ; glCompileShader 1 ; glGetUniformLocation 5 "u" = 3 ;
+    glGetUniformLocation 5 "v" = 4 ; glUniform1f 3 nan ; glUniform4f 4 1 2 3 4 ;
+    glVertexAttrib2f 1 2 3 ; glBindAttribLocation 6 1 "a" ; glLinkProgram 6)";
+
 TEST(StateSharing, Es2CallsThatChangeNothingCopyNothing) {
     CEs2State a;
     const CEs2State b = AppliedTwice(
-        a,
-        R"(glCreateShader 35633 = 1 ; glCreateProgram = 5 ; glCreateProgram = 6 ; glUseProgram 5
-glBindTexture 3553 7 ; glTexParameteri 3553 10242 1 ; glDeleteTextures 2 {0 99}
-glBindBuffer 34962 3 ; glBufferSubData 34962 9 1 [aa] ; glDeleteBuffers 1 {99}
-glVertexAttribPointer 2 3 5126 1 12 40 ; glEnableVertexAttribArray 2
-glDisableVertexAttribArray 1 ; glBindFramebuffer 36160 5 ; es3.glDrawBuffers 1 {36064}
-glFramebufferRenderbuffer 36160 1 36161 4 ; glBindRenderbuffer 36161 4
-glShaderSource 1 1 {"x"} {1} ; glCompileShader 1 ; glGetUniformLocation 5 "u" = 3
-glGetUniformLocation 5 "v" = 4 ; glUniform1f 3 nan ; glUniform4f 4 1 2 3 4
-glVertexAttrib2f 1 2 3 ; glBindAttribLocation 6 1 "a" ; glLinkProgram 6)",
-        4, [](CApiCall& call, CEs2State& state) { ApplyEs2Call(call, state); });
-    EXPECT_TRUE(a.buffers.SameAs(b.buffers));
-    EXPECT_TRUE(a.framebuffers.SameAs(b.framebuffers));
-    EXPECT_TRUE(a.programs.SameAs(b.programs));
-    EXPECT_TRUE(a.renderbuffers.SameAs(b.renderbuffers));
-    EXPECT_TRUE(a.shaders.SameAs(b.shaders));
-    EXPECT_TRUE(a.textures.SameAs(b.textures));
-    EXPECT_TRUE(a.binding2D.SameAs(b.binding2D));
-    EXPECT_TRUE(a.uniforms.SameAs(b.uniforms));
-    EXPECT_TRUE(a.attributeValues.SameAs(b.attributeValues));
-    EXPECT_TRUE(a.attributeBindings.SameAs(b.attributeBindings));
-    EXPECT_TRUE(a.vertexArrays.SameAs(b.vertexArrays));
+        a, kEs2Calls, 4, [](CApiCall& call, CEs2State& state) { ApplyEs2Call(call, state); });
+    using S = CEs2State;
+    EXPECT_THAT(Shared(a, b, &S::buffers, &S::framebuffers, &S::programs, &S::renderbuffers,
+                       &S::shaders, &S::textures, &S::binding2D, &S::uniforms, &S::attributeValues,
+                       &S::attributeBindings, &S::vertexArrays),
+                testing::Each(true));
 }
+
+constexpr const char* kEs1Calls = R"(
+    glMatrixMode 5889 ; glPushMatrix ; glTranslatef 1 2 3 ; glPopMatrix ; glBindTexture 3553 7 ;
+    glTexParameteri 3553 10241 9728 ; glTexEnvi 8960 8704 8448 ; glLightfv 16384 4611 {1 2 3 1} ;
+    glLoadIdentity ; glVertexPointer 3 5126 24 100 ; glEnableClientState 32884 ;
+    glBindBuffer 34963 9 ; glBindFramebufferOES 36160 12 ; glBindRenderbufferOES 36161 4 ;
+    glMultiTexCoord4f 33984 1 2 3 nan ; glDeleteTextures 1 {1000} ; glDeleteBuffers 1 {1000})";
 
 TEST(StateSharing, Es1CallsThatChangeNothingCopyNothing) {
     CEs1State a;
-    const CEs1State b = AppliedTwice(
-        a,
-        R"(glMatrixMode 5889 ; glPushMatrix ; glTranslatef 1 2 3 ; glPopMatrix ; glBindTexture 3553 7
-glTexParameteri 3553 10241 9728 ; glTexEnvi 8960 8704 8448 ; glLightfv 16384 4611 {1 2 3 1}
-glLoadIdentity ; glVertexPointer 3 5126 24 100 ; glEnableClientState 32884 ; glBindBuffer 34963 9
-glBindFramebufferOES 36160 12 ; glBindRenderbufferOES 36161 4 ; glMultiTexCoord4f 33984 1 2 3 nan
-glDeleteTextures 1 {1000} ; glDeleteBuffers 1 {1000})",
-        4, [](CApiCall& call, CEs1State& state) {
-            call.m_group == kGroupEs1 ? static_cast<CEs1Call&>(call).UpdateState(state)
-                                      : static_cast<CExtCall&>(call).UpdateState(state);
-        });
-    EXPECT_TRUE(a.textures.SameAs(b.textures));
-    EXPECT_TRUE(a.textureEnvs.SameAs(b.textureEnvs));
-    EXPECT_TRUE(a.lights.SameAs(b.lights));
-    EXPECT_TRUE(a.vertexArrays.SameAs(b.vertexArrays));
-    EXPECT_TRUE(a.framebuffers.SameAs(b.framebuffers));
-    EXPECT_TRUE(a.renderbuffers.SameAs(b.renderbuffers));
-    EXPECT_TRUE(a.currentTexCoord.SameAs(b.currentTexCoord));
+    const CEs1State b = AppliedTwice(a, kEs1Calls, 4, [](CApiCall& call, CEs1State& state) {
+        call.m_group == kGroupEs1 ? static_cast<CEs1Call&>(call).UpdateState(state)
+                                  : static_cast<CExtCall&>(call).UpdateState(state);
+    });
+    using S = CEs1State;
+    EXPECT_THAT(Shared(a, b, &S::textures, &S::textureEnvs, &S::lights, &S::vertexArrays,
+                       &S::framebuffers, &S::renderbuffers, &S::currentTexCoord),
+                testing::Each(true));
     EXPECT_TRUE(a.matrixStacks[1].SameAs(b.matrixStacks[1]));
 }
 

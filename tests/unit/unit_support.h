@@ -1,4 +1,4 @@
-// Records to read values from, and the texts of values.
+// Rows of data, records to read values from, and the texts of values.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -7,26 +7,39 @@
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <string>
+#include <vector>
 
 #include "base/output.h"
 #include "calls/model/api_type.h"
-#include "tests/support/trace_builder.h"
+#include "tests/support/call_notation.h"
 #include "tracefile/bytes/trace.h"
 
 namespace kestrail {
+
+/// Rows of numbers and of names of published enumerants, split by semicolons.
+template <typename Number = std::int32_t>
+std::vector<std::vector<Number>> Rows(const std::string& text) {
+    std::vector<std::vector<Number>> rows;
+    std::istringstream lines(text);
+    for (std::string line, word; std::getline(lines, line, ';');) {
+        rows.emplace_back();
+        for (std::istringstream words(line); words >> word;) {
+            rows.back().push_back(static_cast<Number>(NumberOf(word)));
+        }
+    }
+    return rows;
+}
 
 /// A file that goes away with the object.
 class CTempFile {
 public:
     explicit CTempFile(const Bytes& content) {
         static int s_number = 0;
-        const std::string name =
-            "kestrail_unit_" + std::to_string(getpid()) + "_" + std::to_string(++s_number);
-        m_path = (std::filesystem::temp_directory_path() / name).string();
-        std::ofstream file(m_path, std::ios::binary);
-        file.write(reinterpret_cast<const char*>(content.data()),
-                   static_cast<std::streamsize>(content.size()));
+        m_path = testing::TempDir() + "kestrail_unit_" + std::to_string(getpid()) + "_" +
+                 std::to_string(++s_number);
+        std::ofstream(m_path, std::ios::binary) << std::string(content.begin(), content.end());
     }
     ~CTempFile() { std::filesystem::remove(m_path); }
     CTempFile(const CTempFile&) = delete;
