@@ -1,3 +1,4 @@
+#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -5,25 +6,31 @@
 #include <filesystem>
 #include <fstream>
 
-#include "tests/program/program_test.h"
+#include "tests/support/call_notation.h"
+#include "tests/support/program_run.h"
 
 namespace kestrail {
 namespace {
+
+using Lines = std::vector<std::string>;
+
+CTraceBuilder Es2Trace() {
+    return CTraceBuilder().StartUp(2, 300, 300);
+}
 
 /// A small trace with a value of every kind that has a length on file, and with everything that may
 /// stand in front of the calls and between them.
 CTraceBuilder RichTrace() {
     CTraceBuilder trace = Es2Trace();
     trace.Disable(3).OverrideText(8, "void main() {}").Thread();
-    trace.Add(2054, trace.Gl().Sizei(2).Array(tag::Uint, 0x10, {7, 8}));
-    trace.Add(2027, trace.Gl().Uint(3).Enum(35633));
-    trace.Add(2099,
-              trace.Gl().Uint(3).Sizei(2).Strings(0x10, {"ab", "c"}).Array(tag::Int, 0x10, {2, 1}));
-    trace.Add(2013, trace.Gl().Enum(34962).Sizeiptr(4).Data(0x10, Bytes{1, 2, 3, 4}).Enum(35044));
-    trace.Add(2044, trace.Gl().Uint(1));
-    trace.Add(2141, trace.Gl().Uint(1).Int(1).Enum(5121).Boolean(false).Sizei(0).Pointer(0x99));
-    trace.Add(2041, trace.Gl().Enum(4).Int(0).Sizei(4).ClientArray(1, 0x10, Bytes{1, 2, 3, 4}));
-    trace.Add(2031, trace.Gl().Sizei(1).Array(tag::Uint, 0x10, {7}));
+    for (const char* call :
+         {"glGenTextures 2 {7 8}", "glCreateShader GL_VERTEX_SHADER = 3",
+          "glShaderSource 3 2 {\"ab\" \"c\"} {2 1}",
+          "glBufferData GL_ARRAY_BUFFER 4 [01020304] GL_STATIC_DRAW", "glEnableVertexAttribArray 1",
+          "glVertexAttribPointer 1 1 GL_UNSIGNED_BYTE 0 0 0x99",
+          "glDrawArrays GL_TRIANGLES 0 4 1:[01020304]", "glDeleteTextures 1 {7}"}) {
+        AddCall(trace, call);
+    }
     return trace.SwapBuffers(1, 1, Bytes(4));
 }
 

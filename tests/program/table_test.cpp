@@ -1,14 +1,18 @@
+#include <gtest/gtest.h>
+
 #include <algorithm>
 
-#include "tests/program/program_test.h"
 #include "tests/program/table_call.h"
 #include "tests/support/call_notation.h"
+#include "tests/support/program_run.h"
 
 // Walks every entry point: the record of each is played, and the host must have seen every value in
 // its place. A wrong row, swapped parameters or the wrong table of names show as another value.
 
 namespace kestrail {
 namespace {
+
+using Lines = std::vector<std::string>;
 
 class CTable : public ::testing::TestWithParam<const SFamilyRows*> {};
 

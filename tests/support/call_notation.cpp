@@ -48,69 +48,44 @@ const char* const exceptions = R"(
 5212 glDrawElementsInstanced void Enum Sizei Enum Sizei data Pointer
 )";
 
+// The words for fields of one scalar: word, tag of the width table, C type.
+const char* const scalars = R"(
+Pointer:0:void* Pointer:0:GLsync EglInt:1:EGLint EglBoolean:2:EGLBoolean EglEnum:3:EGLenum
+Config:4:EGLConfig Context:5:EGLContext Display:6:EGLDisplay Surface:7:EGLSurface
+EglClientBuffer:8:EGLClientBuffer EglNativeDisplay:9:EGLNativeDisplayType
+EglNativePixmap:10:EGLNativePixmapType Enum:12:GLenum Boolean:13:GLboolean Bitfield:14:GLbitfield
+Int:17:GLint Sizei:18:GLsizei Ubyte:19:GLubyte Uint:21:GLuint Float:22:GLfloat Clampf:23:GLclampf
+Fixed:24:GLfixed Intptr:25:GLintptr Sizeiptr:26:GLsizeiptr Clampx:27:GLclampx
+EglImage:28:EGLImageKHR EglImageOes:29:GLeglImageOES Int64:30:GLint64 Uint64:31:GLuint64
+)";
+
+/// The scalars with their tags as the values, or with the C types as the keys.
+template <typename Value, typename Pair>
+std::map<std::string, Value> Scalars(Pair pair) {
+    std::map<std::string, Value> map;
+    std::istringstream words(scalars);
+    for (std::string word; words >> word;) {
+        const std::size_t tag = word.find(':'), type = word.rfind(':');
+        map.insert(
+            pair(word.substr(0, tag), word.substr(tag + 1, type - tag - 1), word.substr(type + 1)));
+    }
+    return map;
+}
+
 const std::map<std::string, unsigned>& Tags() {
-    static const std::map<std::string, unsigned> tags = {
-        {"Pointer", tag::Pointer},
-        {"EglInt", tag::EglInt},
-        {"EglBoolean", tag::EglBoolean},
-        {"EglEnum", tag::EglEnum},
-        {"Config", tag::EglConfig},
-        {"Context", tag::EglContext},
-        {"Display", tag::EglDisplay},
-        {"Surface", tag::EglSurface},
-        {"Enum", tag::Enum},
-        {"EglNativeDisplay", tag::EglNativeDisplay},
-        {"Boolean", tag::Boolean},
-        {"EglNativePixmap", tag::EglNativePixmap},
-        {"Bitfield", tag::Bitfield},
-        {"EglClientBuffer", tag::EglClientBuffer},
-        {"Int", tag::Int},
-        {"Sizei", tag::Sizei},
-        {"Ubyte", tag::Ubyte},
-        {"Uint", tag::Uint},
-        {"Float", tag::Float},
-        {"Clampf", tag::Clampf},
-        {"Fixed", tag::Fixed},
-        {"Intptr", tag::Intptr},
-        {"Sizeiptr", tag::Sizeiptr},
-        {"Clampx", tag::Clampx},
-        {"EglImage", tag::EglImage},
-        {"EglImageOes", tag::EglImageOes},
-        {"Int64", tag::Int64},
-        {"Uint64", tag::Uint64}};
+    static const auto tags = Scalars<unsigned>([](const auto& word, const auto& tag, const auto&) {
+        return std::make_pair(word, static_cast<unsigned>(std::stoul(tag)));
+    });
     return tags;
 }
 
 /// The word for a C type that stands for one scalar, without const and star.
 std::string ScalarWord(std::string type) {
-    static const std::map<std::string, std::string> words = {
-        {"GLenum", "Enum"},
-        {"GLboolean", "Boolean"},
-        {"GLbitfield", "Bitfield"},
-        {"GLint", "Int"},
-        {"GLsizei", "Sizei"},
-        {"GLuint", "Uint"},
-        {"GLintptr", "Intptr"},
-        {"GLsizeiptr", "Sizeiptr"},
-        {"GLubyte", "Ubyte"},
-        {"GLfixed", "Fixed"},
-        {"GLclampx", "Clampx"},
-        {"GLuint64", "Uint64"},
-        {"GLint64", "Int64"},
-        {"GLsync", "Pointer"},
-        {"GLfloat", "Float"},
-        {"GLclampf", "Clampf"},
-        {"void *", "Pointer"},
-        {"GLeglImageOES", "EglImageOes"},
-        {"EGLBoolean", "EglBoolean"},
-        {"EGLint", "EglInt"},
-        {"EGLenum", "EglEnum"},
-        {"EGLDisplay", "Display"},
-        {"EGLConfig", "Config"},
-        {"EGLContext", "Context"},
-        {"EGLSurface", "Surface"},
-        {"EGLNativeDisplayType", "EglNativeDisplay"},
-        {"EGLClientBuffer", "EglClientBuffer"}};
+    static const auto words =
+        Scalars<std::string>([](const auto& word, const auto&, const auto& named) {
+            return std::make_pair(named, word);
+        });
+    std::erase(type, ' ');
     const auto found = words.find(type);
     return found == words.end() ? "" : found->second;
 }

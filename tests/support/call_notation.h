@@ -1,13 +1,16 @@
 // Calls as lines of text, turned into records. Layouts follow from the published prototypes, with
-// the exceptions of layouts.txt; the player's own tables have no part in them.
+// the exceptions listed in the source; the player's own tables have no part in them.
 //
 //   [es1.]NAME VALUE... [= RESULT] [!ERROR] [@API]
 //
 // A value is written by what the call's layout has in its place:
-//   numbers      7  -1  0x10  2.5  GL_RGBA  GL_COLOR_BUFFER_BIT|GL_DEPTH_BUFFER_BIT  DPY CFG CTX
-//   SRF bytes        [01 02ff 11*8]  0x20[01]  null  null[01]      pointer (0x10 unless given) and
-//   bytes texts        "a\n"  null lists        {1 2 3}  0x20{1}  {"a" "b"}  null windows
-//   0x500:300x200 a draw's captured arrays, behind all others: 0:[11*8]  3:0x20[22*12]
+//   numbers   7  -1  0x10  2.5  GL_RGBA  GL_COLOR_BUFFER_BIT|GL_DEPTH_BUFFER_BIT
+//             DPY CFG CTX SRF for the handles of a start-up
+//   bytes     [01 02ff 11*8]  0x20[01]  null  null[01]: pointer (0x10 unless given) and bytes
+//   texts     "a\n"  null
+//   lists     {1 2 3}  {7*5}  0x20{1}  {"a" "b"}  null
+//   windows   0x500:300x200
+//   a draw's captured arrays, behind all others: 0:[11*8]  3:0x20[22*12]
 #pragma once
 
 #include <cstdint>
