@@ -1,9 +1,4 @@
-#include <gtest/gtest.h>
-
-#include <sstream>
 #include <stdexcept>
-#include <string>
-#include <vector>
 
 #include "calls/model/array_values.h"
 #include "calls/model/data_values.h"
@@ -96,112 +91,56 @@ TEST(KindText, EveryKindAndTheEdgesOfTheEglRanges) {
     EXPECT_EQ(FormatFlags(1, pairs, 2).view(), "0X1");
 }
 
-TEST(Reading, WidthsComeFromTheTable) {
-    WidthTable widths = StandardWidths();
-    widths[tag::Int] = -2;
-    widths[tag::Ubyte] = 1;
-    widths[tag::Pointer] = 8;
-    widths[tag::Uint] = 0;
-    CRecordStream stream(Bytes{0xFF, 0xFE, 0xFD, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12}, 14,
-                         widths);
-    TintType<17> number;
-    TuintType<19> byte;
-    TPointer pointer;
-    TuintType<21> name;
-    stream.Trace() >> number >> byte >> pointer >> name;
-    EXPECT_EQ((std::vector<std::int64_t>{number.value, byte.value, pointer.value, name.value}),
-              (std::vector<std::int64_t>{0xFEFF, 0xFD, 0x04030201, 0x0C0B0A09}));
-
-    widths[tag::Uint] = 1;
-    widths[tag::Int] = -8;
-    const CRecordBuilder record = CRecordBuilder(widths, 14)
-                                      .Array(tag::Uint, 1, {1, 255, 7})
-                                      .Array(tag::Int, 1, {-1, 5, 6, 7}, 2);
-    CRecordStream arrays(record.Content(), 14, widths);
-    SArrayPtr<TuintType<21>, 1, 1> names;
-    SArrayPtr<TintType<17>, 2, 1> pairs;
-    arrays.Trace() >> names >> pairs;
-    EXPECT_EQ(arrays.Consumed(), record.Content().size());
-    EXPECT_EQ(ShortText(names) + ShortText(pairs), "{ 1, 255, 7 }{ [ -1; 5 ], [ 6; 7 ] }");
-    EXPECT_EQ(pairs.GetRawArray()[3], 7);
-    const auto wide = ReadFrom<SArrayPtr<TuintType<30>, 1, 1>>(Record().Array(tag::Int64, 1, {-2}));
-    EXPECT_EQ(wide.GetItem(0), 0xFFFFFFFEU);
-}
-
-/// Reads a value, and expects it to fail with this text.
-template <typename Value>
-void ExpectError(CRecordStream& stream, const char* text) {
-    try {
-        Value value;
-        stream.Trace() >> value;
-        ADD_FAILURE() << text;
-    } catch (const std::logic_error& error) {
-        EXPECT_STREQ(error.what(), text);
-    }
-}
-
-TEST(Reading, FloatsAreFourBytesOrAnError) {
-    for (const int width : {0, 1, 8, -4, -8}) {
-        WidthTable widths = StandardWidths();
-        widths[tag::Float] = static_cast<std::int8_t>(width);
-        CRecordStream record(Record().ArrayHead(1, 2).U32(0).U32(0).Content(), 14, widths);
-        const char* const text = "GetEsTypeSize(INDEX) != sizeof(float)";
-        ExpectError<SArrayPtr<TfloatType<22>, 1, 1>>(record, text);
-        ExpectError<TfloatType<22>>(record, text);
-    }
-    EXPECT_EQ(ReadFrom<TfloatType<23>>(Record().Clampf(0.25F)).value, 0.25F);
-}
-
-template <typename Value>
-std::string BothTexts(const CRecordBuilder& record) {
-    const Value value = ReadFrom<Value>(record);
-    return ShortText(value) + " " + FullText(value);
-}
-
 TEST(Reading, BlocksKeepTheirBytesBehindANullPointer) {
     const auto null = ReadFrom<SDataPtr>(Record().Data(0, Bytes(10, 7)));
     EXPECT_EQ(null.GetSize(), 10U);
     ASSERT_NE(null.GetData(), nullptr);
     EXPECT_EQ(null.GetData()[9], 7);
     EXPECT_EQ(ShortText(null) + FullText(null), "NULLNULL");
-    EXPECT_EQ(BothTexts<SDataPtr>(Record().Data(0xBEEF, Bytes(300, 1))),
-              "~Data(300 bytes)~ 0xbeef");
-    EXPECT_EQ(BothTexts<SImage2D>(Record().Data(0x10, Bytes(64, 1))), "~Image(64 bytes)~ 0x10");
-    EXPECT_EQ(BothTexts<SDataPtr>(Record().Data(0xBEEF)), "0xbeef 0xbeef");
-    EXPECT_EQ(BothTexts<SImage3D>(Record().Data(0, Bytes(4))), "NULL NULL");
-    EXPECT_EQ(BothTexts<SImage3D>(Record().Data(0x10)), "0x10 0x10");
+    const auto full = ReadFrom<SDataPtr>(Record().Data(0xBEEF, Bytes(300, 1)));
+    EXPECT_EQ(ShortText(full) + FullText(full), "~Data(300 bytes)~0xbeef");
+    EXPECT_EQ(FullText(ReadFrom<SImage2D>(Record().Data(0x10, Bytes(64, 1)))), "0x10");
+    EXPECT_EQ(ShortText(ReadFrom<SImage3D>(Record().Data(0, Bytes(4)))), "NULL");
+    EXPECT_EQ(ShortText(ReadFrom<SImage3D>(Record().Data(0x10))), "0x10");
 }
 
 TEST(Reading, StringsAndArraysHaveNothingBehindANullPointer) {
     EXPECT_STREQ(ReadFrom<SString>(Record().String(0, "abc")).GetCString(), "");
-    EXPECT_STREQ(ReadFrom<SString>(Record().String(1, "abc")).GetCString(), "abc");
     const auto array = ReadFrom<SArrayPtr<TintType<17>, 3, 1>>(Record().ArrayHead(0, 5));
     EXPECT_EQ(array.GetCount(), 5U);
     EXPECT_EQ(array.ItemCount(), 0U);
     EXPECT_EQ(array.GetRawArray(), nullptr);
-    EXPECT_EQ(ShortText(array) + FullText(array), "NULLNULL");
+    EXPECT_EQ(FullText(array), "NULL");
     EXPECT_EQ((ReadFrom<SArrayPtr<TGLenum, 1, 1>>(Record().ArrayHead(0x77, 0)).pointer.value), 0U);
     EXPECT_EQ((ReadFrom<SArrayPtr<SString, 1, 1>>(Record().ArrayHead(0x77, 0)).pointer.value), 0U);
     EXPECT_EQ((ReadFrom<SArrayPtr<SString, 1, 1>>(Record().ArrayHead(0, 4)).ElementCount()), 0U);
     EXPECT_EQ((ShortText(ReadFrom<SPtr<TfloatType<22>, 4, 4>>(Record().Pointer(0)))), "NULL");
 }
 
-template <typename... Values>
-void ExpectErrors(const CRecordBuilder& record, const char* text) {
-    CRecordStream stream(record);
-    const auto expect = [&](auto value) {
-        stream.Trace().Stream().Seek(0, SEEK_SET);
-        ExpectError<decltype(value)>(stream, text);
-    };
-    (expect(Values()), ...);
+/// Reads a value, and expects it to fail.
+template <typename Value>
+void ExpectTooLarge(CRecordStream& stream) {
+    stream.Trace().Stream().Seek(0, SEEK_SET);
+    try {
+        Value value;
+        stream.Trace() >> value;
+        ADD_FAILURE();
+    } catch (const std::logic_error& error) {
+        EXPECT_STREQ(error.what(), "Size readed from memmory is greater than blocksize");
+    }
 }
 
 TEST(Reading, ASizeAboveTheRecordsIsAnError) {
     for (const std::uint32_t over : {1U, 0xFFFFFF00U}) {
-        ExpectErrors<SDataPtr, SImage2D, SImage3D, SString, SArrayPtr<TuintType<21>, 1, 1>,
-                     SArrayPtr<TfloatType<22>, 4, 4>, SArrayPtr<SString, 1, 1>, SEglAttribList>(
-            Record().Pointer(1).U32(8 + over),
-            "Size readed from memmory is greater than blocksize");
+        CRecordStream stream(Record().Pointer(1).U32(8 + over));
+        ExpectTooLarge<SDataPtr>(stream);
+        ExpectTooLarge<SImage2D>(stream);
+        ExpectTooLarge<SImage3D>(stream);
+        ExpectTooLarge<SString>(stream);
+        ExpectTooLarge<SArrayPtr<TuintType<21>, 1, 1>>(stream);
+        ExpectTooLarge<SArrayPtr<TfloatType<22>, 4, 4>>(stream);
+        ExpectTooLarge<SArrayPtr<SString, 1, 1>>(stream);
+        ExpectTooLarge<SEglAttribList>(stream);
     }
     CRecordStream whole(Record().Pointer(1).U32(8));
     SDataPtr data;

@@ -2,19 +2,14 @@
 #include <GLES/glext.h>
 #include <GLES2/gl2ext.h>
 #include <GLES3/gl3.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <limits>
-#include <memory>
 #include <random>
-#include <string>
-#include <vector>
 
 #include "exec/client_memory.h"
 #include "exec/draw_indices.h"
 #include "exec/host_data.h"
-#include "exec/viewport_correction.h"
 #include "tests/unit/unit_support.h"
 
 namespace kestrail {
@@ -87,27 +82,16 @@ TEST(HostData, CapturedBytesOffsetsAndNull) {
     const auto nullWithBytes = ReadFrom<SDataPtr>(Record().Data(0, Bytes(8, 5)));
     const auto offset = ReadFrom<SDataPtr>(Record().Data(0x40));
     const auto null = ReadFrom<SDataPtr>(Record().Data(0));
-    const void *bytes = captured.GetData(), *others = nullWithBytes.GetData(), *unsound = &null;
-    const struct {
-        const SDataPtr& block;
-        std::int64_t needed;
-        bool nullAllowed, bufferBound;
-        const void* expected;
-    } cases[] = {{captured, 8, false, false, bytes},
-                 {captured, 9, true, false, unsound},
-                 {captured, std::int64_t{1} << 40, false, true, unsound},
-                 {captured, -5, false, false, bytes},
-                 {nullWithBytes, 8, false, false, others},
-                 {offset, 900, false, true, AsPointer(0x40)},
-                 {offset, 900, true, false, nullptr},
-                 {offset, 900, false, false, unsound},
-                 {offset, 0, false, false, nullptr},
-                 {null, 4, true, false, nullptr},
-                 {null, 4, false, true, nullptr},
-                 {null, 4, false, false, unsound}};
-    for (const auto& c : cases) {
-        const SHostData data = HostData(c.block, c.needed, c.nullAllowed, c.bufferBound);
-        EXPECT_EQ(data.sound ? data.pointer : unsound, c.expected) << &c - cases;
+    const SDataPtr* const blocks[] = {&captured, &nullWithBytes, &offset, &null};
+    const void* const pointers[] = {&null, captured.GetData(), nullWithBytes.GetData(),
+                                    AsPointer(0x40), nullptr};
+    // Block, needed bytes, null allowed, buffer bound; which pointer, 0 where it is not sound.
+    for (const auto& row : Rows<std::int64_t>(
+             "0 8 0 0 1; 0 9 1 0 0; 0 0x10000000000 0 1 0; 0 -5 0 0 1; 1 8 0 0 2; 2 900 0 1 3;"
+             "2 900 1 0 4; 2 900 0 0 0; 2 0 0 0 4; 3 4 1 0 4; 3 4 0 1 4; 3 4 0 0 0")) {
+        const SHostData data = HostData(*blocks[row[0]], row[1], row[2] != 0, row[3] != 0);
+        EXPECT_EQ(data.sound ? data.pointer : pointers[0], pointers[row[4]])
+            << row[0] << ' ' << row[1];
     }
 }
 
@@ -203,28 +187,6 @@ TEST(ClientMemory, ZerosStandBehindAnArrayOfUnknownReach) {
         EXPECT_FALSE(memory.Reaches(0, taken.pointer, {4, 0, kVertices + 1}));
         EXPECT_EQ(std::string(static_cast<const char*>(taken.pointer), 4 * kVertices),
                   std::string(size, value) + std::string(4 * kVertices - size, 0));
-    }
-}
-
-TEST(Viewport, SizeScalesWithTheWindowAndPositionAgainstIt) {
-    using Numbers = std::vector<std::int32_t>;
-    const struct {
-        SViewport recorded;
-        std::int32_t live[2], window[2];
-        Numbers expected;
-    } cases[] = {
-        {{8, 9, 10, 20}, {100, 50}, {200, 200}, {16, 36, 5, 5}},
-        // Parts of pixels are cut off, towards zero.
-        {{7, -7, 3, 3}, {200, 200}, {100, 100}, {3, -3, 6, 6}},
-        {{5, 5, 5, 7}, {1, 1}, {3, 3}, {15, 15, 1, 2}},
-        // What no integer holds stops at the nearest one.
-        {{kMax, kMin, kMax, kMax}, {1, 1}, {100, 100}, {kMax, kMin, 21474836, 21474836}},
-        {{1, 1, kMax, kMin}, {1000, 1000}, {1, 1}, {0, 0, kMax, kMin}},
-        {{1, -1, 1, 0}, {0, 0}, {0, 0}, {0, 0, 0, 0}},
-    };
-    for (const auto& [recorded, live, window, expected] : cases) {
-        const SViewport box = CorrectedViewport(recorded, live[0], live[1], window[0], window[1]);
-        EXPECT_EQ((Numbers{box.x, box.y, box.width, box.height}), expected);
     }
 }
 
