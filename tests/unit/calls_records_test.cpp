@@ -1,12 +1,6 @@
-#include <gtest/gtest.h>
-
-#include <cstdlib>
 #include <map>
 #include <memory>
 #include <set>
-#include <sstream>
-#include <string>
-#include <vector>
 
 #include "calls/model/client_arrays.h"
 #include "calls/model/data_values.h"
@@ -44,11 +38,8 @@ std::map<std::uint16_t, std::string> NamesOfIdentifiers() {
     std::istringstream words(kOtherNames);
     std::uint16_t id = 0;
     for (std::string word; words >> word;) {
-        if (word[0] <= '9') {
-            id = static_cast<std::uint16_t>(std::stoi(word));
-        } else {
-            names[id++] = word;
-        }
+        if (word[0] > '9') names[id++] = word;
+        if (word[0] <= '9') id = static_cast<std::uint16_t>(std::stoi(word));
     }
     return names;
 }
@@ -65,26 +56,25 @@ TEST(Factories, TheIdentifierAloneSaysTheName) {
         const std::set<std::uint16_t> sinceEight = {4080, 4089, 4090, 4126, 4127};
         // All calls of a version read the same zeros: null pointers and empty arrays.
         const Bytes zeros(400);
-        bool sound = names.size() == 34 + 6 + 142 + 145 + 80 + 4 + 104;
+        if (names.size() != 34 + 6 + 142 + 145 + 80 + 4 + 104) std::exit(2);
         for (std::uint32_t version = 7; version <= 15; ++version) {
             CRecordStream stream(zeros, version);
             for (std::uint32_t number = 0; number <= 65535; ++number) {
                 const auto id = static_cast<std::uint16_t>(number);
                 stream.Trace().Stream().Seek(0, SEEK_SET);
                 const auto found = names.find(id);
-                const bool wanted =
-                    found != names.end() && (version > 7 || sinceEight.count(id) == 0);
+                const bool wanted = found != names.end() && (version > 7 || !sinceEight.count(id));
                 const std::unique_ptr<CApiCall> call = Make(id, stream);
-                const bool right =
-                    (call != nullptr) == wanted &&
-                    (!wanted || (call->GetName() == found->second && call->m_id == id &&
-                                 call->GetCallId() == id && !call->m_edited));
-                if (right) continue;
+                const bool sound = call == nullptr ? !wanted
+                                                   : wanted && call->GetName() == found->second &&
+                                                         call->m_id == id &&
+                                                         call->GetCallId() == id && !call->m_edited;
+                if (sound) continue;
                 std::fprintf(stderr, "version %u, identifier %u\n", version, number);
-                sound = false;
+                std::exit(1);
             }
         }
-        std::exit(sound ? 0 : 1);
+        std::exit(0);
     };
     EXPECT_EXIT(walk(), testing::ExitedWithCode(0), "");
 }
@@ -105,22 +95,16 @@ TEST(Draws, WhatIsLeftBehindTheArraysIsNoArray) {
 
 TEST(Draws, DamagedArraysEnd) {
     // An array larger than its record, in a record that is otherwise sound.
-    CRecordBuilder large = Record().Enum(0).Enum(4).Int(0).Sizei(3);
-    large.Int(0).Pointer(1).U32(100000);
-    CRecordStream stream(large);
+    CRecordStream stream(Record().Enum(0).Enum(4).Int(0).Sizei(3).Int(0).Pointer(1).U32(100000));
     EXPECT_THROW(Make(2041, stream), std::logic_error);
     // Widths of the wrong sign make the count of what is left grow.
     for (const int width : {-127, -8, 4, 8, 127}) {
         WidthTable widths = StandardWidths();
-        widths[tag::Pointer] = static_cast<std::int8_t>(width);
-        widths[tag::Int] = static_cast<std::int8_t>(width);
+        widths[tag::Pointer] = widths[tag::Int] = static_cast<std::int8_t>(width);
         CRecordStream damaged(Bytes(5000), 14, widths);
         EXPECT_NE(Make(2041, damaged), nullptr);
         EXPECT_LE(damaged.Consumed(), 5000U + 400U);
     }
-    // A record shorter than the fixed members.
-    CRecordStream shorter(Bytes(6));
-    EXPECT_NE(Make(2042, shorter), nullptr);
 }
 
 }  // namespace

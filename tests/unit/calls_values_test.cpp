@@ -86,9 +86,8 @@ TEST(KindText, EveryKindAndTheEdgesOfTheEglRanges) {
     }
     // Bits that belong together count only when all are set.
     const SFlagName pairs[] = {{"BOTH", 3}, {"HIGH", 2}};
-    EXPECT_EQ(FormatFlags(3, pairs, 2).view(), "BOTH");
-    EXPECT_EQ(FormatFlags(2, pairs, 2).view(), "HIGH");
-    EXPECT_EQ(FormatFlags(1, pairs, 2).view(), "0X1");
+    const std::pair<std::uint32_t, const char*> texts[] = {{3, "BOTH"}, {2, "HIGH"}, {1, "0X1"}};
+    for (const auto& [bits, text] : texts) EXPECT_EQ(FormatFlags(bits, pairs, 2).view(), text);
 }
 
 TEST(Reading, BlocksKeepTheirBytesBehindANullPointer) {
@@ -296,8 +295,7 @@ TEST(AttributeList, Lookup) {
         EXPECT_EQ(value, 5) << name;
     }
     EXPECT_EQ(SEglAttribList(nullptr).GetCount(), 0U);
-    const std::int32_t none[] = {0x3038};
-    EXPECT_EQ(SEglAttribList(none).GetCount(), 1U);
+    EXPECT_EQ(SEglAttribList(raw + 6).GetCount(), 1U);
 }
 
 TEST(EglValues, OnlyTheFirstPixmapHasALength) {

@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include <fstream>
 #include <iterator>
 
@@ -17,7 +15,6 @@ protected:
         m_file = std::make_unique<CTempFile>(bytes);
         unsigned result = 0;
         Printed([&] { result = m_document.OpenTrace(m_file->Name(), useMemory); });
-        m_store = m_document.GetFrameStore();
         return result;
     }
     /// The header that `Save` writes, by way of a file.
@@ -32,7 +29,6 @@ protected:
     }
 
     CTraceDocument& m_document = *CTraceDocument::Instance();
-    CFrameStore* m_store = nullptr;
     std::unique_ptr<CTempFile> m_file;
 };
 
@@ -75,15 +71,16 @@ TEST_F(TraceDocument, StreamsGoRound) {
         trace.Add(2045, trace.Gl());
         if (markers) trace.Marker(3);
         ASSERT_EQ(Open(trace.Build(), false), 0U);
+        CFrameStore* const store = m_document.GetFrameStore();
         for (const int id : {2045, 2046, 1022, 2045, 2046, 1022, 2045}) {
-            CCallEntry* entry = m_store->NextCall();
+            CCallEntry* entry = store->NextCall();
             ASSERT_NE(entry, nullptr);
             EXPECT_EQ(entry->call->m_id, id) << markers;
         }
     }
     // Markers alone lead round once, not for ever.
     ASSERT_EQ(Open(CTraceBuilder().Marker(2).BeginState().Marker(3).Build(), false), 0U);
-    EXPECT_EQ(m_store->NextCall(), nullptr);
+    EXPECT_EQ(m_document.GetFrameStore()->NextCall(), nullptr);
 }
 
 TEST_F(TraceDocument, ObserversHearOfEveryHundredth) {
@@ -95,11 +92,11 @@ TEST_F(TraceDocument, ObserversHearOfEveryHundredth) {
         std::vector<std::string> titles;
         std::vector<std::uint32_t> values;
     } observer, deaf;
-    m_document.RegisterObserver(kLoadProgressEvent, &observer);
-    m_document.RegisterObserver(kLoadProgressEvent + 1, &deaf);
     CTraceBuilder trace;
     for (int i = 0; i < 2000; ++i) trace.SwapBuffers();
     const Bytes bytes = trace.Build();
+    m_document.RegisterObserver(kLoadProgressEvent, &observer);
+    m_document.RegisterObserver(kLoadProgressEvent + 1, &deaf);
     ASSERT_EQ(Open(bytes), 0U);
     m_document.UnregisterObserver(kLoadProgressEvent, &observer);
     m_document.UnregisterObserver(kLoadProgressEvent + 1, &deaf);

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <cstring>
 #include <map>
 #include <random>
 #include <string>
@@ -7,6 +9,9 @@
 #include <vector>
 
 #include "base/name_table.h"
+#include "base/object_arena.h"
+#include "base/shared_array.h"
+#include "base/shared_vector.h"
 #include "state/state_table.h"
 
 namespace kestrail {
@@ -85,6 +90,83 @@ TEST(NameTable, StartsWithTenEntriesAndDoubles) {
     EXPECT_EQ(table.Capacity(), 20);
     EXPECT_EQ(table.Find(1), nullptr);
     EXPECT_EQ(table.ValueAt(0), nullptr);
+}
+
+template <typename List>
+class SharedLists : public testing::Test {};
+using BothLists = testing::Types<TSharedArray<std::string>, TSharedVector<std::string, 1>>;
+TYPED_TEST_SUITE(SharedLists, BothLists);
+
+/// Random changes with copies taken in between, in tree heights of 0 to 2: each copy keeps the
+/// content of the moment it was taken at.
+TYPED_TEST(SharedLists, CopiesKeepTheirOwnContent) {
+    TypeParam list;
+    std::vector<std::string> model;
+    std::vector<std::pair<TypeParam, std::vector<std::string>>> copies;
+    std::mt19937 random(7);
+    bool growing = true;
+    for (std::uint32_t step = 0; step < 3000; ++step) {
+        const std::string text = Text(step);
+        growing = model.empty() || (growing && model.size() < 150);
+        const auto choice = random() % 10;
+        if (choice == 0) {
+            copies.emplace_back(list, model);
+        } else if (choice < 4 && !model.empty()) {
+            const auto index = static_cast<std::uint32_t>(random() % model.size());
+            list.Write(index) = model[index] = text;
+        } else if (growing) {
+            list.Append() = text;
+            model.push_back(text);
+        } else {
+            list.RemoveLast();
+            model.pop_back();
+        }
+    }
+    copies.emplace_back(list, model);
+    for (const auto& [copy, content] : copies) {
+        ASSERT_EQ(copy.Size(), content.size());
+        for (std::uint32_t i = 0; i < copy.Size(); ++i) ASSERT_EQ(copy[i], content[i]);
+    }
+}
+
+TEST(SharedVector, AChangeLeavesAllOtherRunsShared) {
+    TSharedVector<std::uint32_t, 2> vector;
+    for (std::uint32_t i = 0; i < 1000; ++i) vector.Append() = i;
+    TSharedVector<std::uint32_t, 2> copy = vector;
+    copy.Write(500) = 7;
+    std::uint32_t apart = 0;
+    for (std::uint32_t i = 0; i < 1000; ++i) apart += &vector[i] != &copy[i] ? 1U : 0U;
+    EXPECT_EQ(apart, 4U);
+}
+
+TEST(ObjectArena, PiecesStandApartAndTheirRoomIsUsedAgain) {
+    static CObjectArena arena;
+    const std::size_t sizes[] = {1, 16, 17, 300, 65536, std::size_t{3} << 20, 40, 0};
+    void* first = nullptr;
+    for (int turn = 0; turn < 2; ++turn) {
+        std::vector<std::pair<unsigned char*, std::size_t>> pieces;
+        for (int round = 0; round < 1000; ++round) {
+            const std::size_t size = sizes[round < 8 ? round : round % 4];
+            pieces.emplace_back(static_cast<unsigned char*>(arena.Take(size)), size);
+            EXPECT_EQ(reinterpret_cast<std::uintptr_t>(pieces.back().first) % 16, 0U);
+            std::memset(pieces.back().first, round % 251, size);
+        }
+        for (std::size_t i = 0; i < pieces.size(); ++i) {
+            const auto& [bytes, size] = pieces[i];
+            if (size == 0) continue;
+            EXPECT_EQ(bytes[0], i % 251);
+            EXPECT_EQ(bytes[size - 1], i % 251);
+        }
+        EXPECT_TRUE(turn == 0 || pieces.front().first == first);
+        first = pieces.front().first;
+        for (const auto& [bytes, size] : pieces) arena.GiveBack(bytes, size);
+    }
+    // One after the other, as a stream's calls are, all stand in one place.
+    for (int call = 0; call < 100; ++call) {
+        void* const piece = arena.Take(200);
+        EXPECT_EQ(piece, first);
+        arena.GiveBack(piece, 200);
+    }
 }
 
 }  // namespace
