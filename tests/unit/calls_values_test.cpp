@@ -1,3 +1,5 @@
+#include <gmock/gmock.h>
+
 #include <stdexcept>
 
 #include "calls/model/array_values.h"
@@ -116,30 +118,18 @@ TEST(Reading, StringsAndArraysHaveNothingBehindANullPointer) {
     EXPECT_EQ((ShortText(ReadFrom<SPtr<TfloatType<22>, 4, 4>>(Record().Pointer(0)))), "NULL");
 }
 
-/// Reads a value, and expects it to fail.
-template <typename Value>
-void ExpectTooLarge(CRecordStream& stream) {
-    stream.Trace().Stream().Seek(0, SEEK_SET);
-    try {
-        Value value;
-        stream.Trace() >> value;
-        ADD_FAILURE();
-    } catch (const std::logic_error& error) {
-        EXPECT_STREQ(error.what(), "Size readed from memmory is greater than blocksize");
-    }
-}
-
 TEST(Reading, ASizeAboveTheRecordsIsAnError) {
+    const auto tooLarge = testing::ThrowsMessage<std::logic_error>(
+        "Size readed from memmory is greater than blocksize");
     for (const std::uint32_t over : {1U, 0xFFFFFF00U}) {
         CRecordStream stream(Record().Pointer(1).U32(8 + over));
-        ExpectTooLarge<SDataPtr>(stream);
-        ExpectTooLarge<SImage2D>(stream);
-        ExpectTooLarge<SImage3D>(stream);
-        ExpectTooLarge<SString>(stream);
-        ExpectTooLarge<SArrayPtr<TuintType<21>, 1, 1>>(stream);
-        ExpectTooLarge<SArrayPtr<TfloatType<22>, 4, 4>>(stream);
-        ExpectTooLarge<SArrayPtr<SString, 1, 1>>(stream);
-        ExpectTooLarge<SEglAttribList>(stream);
+        const auto expect = [&](auto&& value) {
+            stream.Trace().Stream().Seek(0, SEEK_SET);
+            EXPECT_THAT([&] { stream.Trace() >> value; }, tooLarge);
+        };
+        const auto expectAll = [&](auto&&... values) { (expect(values), ...); };
+        expectAll(SDataPtr(), SImage2D(), SImage3D(), SString(), SArrayPtr<TuintType<21>, 1, 1>(),
+                  SArrayPtr<TfloatType<22>, 4, 4>(), SArrayPtr<SString, 1, 1>(), SEglAttribList());
     }
     CRecordStream whole(Record().Pointer(1).U32(8));
     SDataPtr data;
@@ -206,13 +196,11 @@ TEST(StringText, Folding) {
     EXPECT_LT(Folded(std::string(3000, '\n'), 70).size(), 400U);
 }
 
+/// The short text, the full one and the lines of an array.
 template <typename Array>
-void ExpectArrayText(const CRecordBuilder& record, const std::string& text,
-                     const std::string& detail, const std::string& lines) {
+std::string Texts(const CRecordBuilder& record) {
     const Array array = ReadFrom<Array>(record);
-    EXPECT_EQ(ShortText(array), text);
-    EXPECT_EQ(FullText(array), detail);
-    EXPECT_EQ(LinesText(array), lines);
+    return ShortText(array) + '|' + FullText(array) + '|' + LinesText(array);
 }
 
 TEST(ArrayText, CutAtThirtySix) {
@@ -220,8 +208,8 @@ TEST(ArrayText, CutAtThirtySix) {
     const auto shown = [](const std::vector<std::int64_t>& values) {
         return ShortText(ReadFrom<Uints>(Record().Array(tag::Uint, 1, values)));
     };
-    ExpectArrayText<Uints>(Record().Array(tag::Uint, 1, {1, 2, 3}), "{ 1, 2, 3 }", "{ 1, 2, 3 }",
-                           "1\n2\n3");
+    EXPECT_EQ(Texts<Uints>(Record().Array(tag::Uint, 1, {1, 2, 3})),
+              "{ 1, 2, 3 }|{ 1, 2, 3 }|1\n2\n3");
     // 25 characters stand before the last element, which makes 35; then 26, which makes 36.
     EXPECT_EQ(shown({1000000000, 100000000, 1000000000}), "{ 1000000000, 100000000, 1000000000 }");
     EXPECT_EQ(shown({1000000000, 1000000000, 1000000000}),
@@ -229,22 +217,19 @@ TEST(ArrayText, CutAtThirtySix) {
     // Nothing is left of an element that begins behind the limit.
     EXPECT_EQ(shown({1000000000, 1000000000, 123456789, 5}),
               "{ 1000000000, 1000000000, 123456789, ... }");
-    ExpectArrayText<SArrayPtr<TGLenum, 1, 1>>(Record().Array(tag::Enum, 1, {0x1908, 1}),
-                                              "{ GL_RGBA, 1 }", "{ 0x1908, 0x1 }", "GL_RGBA\n1");
-    ExpectArrayText<SArrayPtr<SString, 1, 1>>(Record().Strings(1, {"void main()", "{}\n"}),
-                                              "{ \"void main()\", \"{}\\n\" }",
-                                              "{ \"void main()\", \"{}\n\" }", "void main()\n{}\n");
+    EXPECT_EQ((Texts<SArrayPtr<TGLenum, 1, 1>>(Record().Array(tag::Enum, 1, {0x1908, 1}))),
+              "{ GL_RGBA, 1 }|{ 0x1908, 0x1 }|GL_RGBA\n1");
+    EXPECT_EQ((Texts<SArrayPtr<SString, 1, 1>>(Record().Strings(1, {"void main()", "{}\n"}))),
+              "{ \"void main()\", \"{}\\n\" }|{ \"void main()\", \"{}\n\" }|void main()\n{}\n");
 }
 
 TEST(ArrayText, Shapes) {
-    ExpectArrayText<SArrayPtr<TintType<17>, 2, 1>>(
-        Record().Array(tag::Int, 1, {1, 2, 3, 4}, 2), "{ [ 1; 2 ], [ 3; 4 ] }",
-        "{ [ \n1;\n2\n], [ \n3;\n4\n] }", "[ \n1;\n2\n]\n[ \n3;\n4\n]");
-    const std::string whole = "{ [ 1.000000, 2.000000; 3.000000, 4.000000 ]";
+    EXPECT_EQ((Texts<SArrayPtr<TintType<17>, 2, 1>>(Record().Array(tag::Int, 1, {1, 2, 3, 4}, 2))),
+              "{ [ 1; 2 ], [ 3; 4 ] }|{ [ \n1;\n2\n], [ \n3;\n4\n] }|[ \n1;\n2\n]\n[ \n3;\n4\n]");
     const std::string detail = "[ \n1.000000, 2.000000;\n3.000000, 4.000000\n]";
-    ExpectArrayText<SArrayPtr<TfloatType<22>, 2, 2>>(Record().Reals(tag::Float, 1, {1, 2, 3, 4}, 4),
-                                                     whole.substr(0, 35) + "... }",
-                                                     "{ " + detail + " }", detail);
+    EXPECT_EQ(
+        (Texts<SArrayPtr<TfloatType<22>, 2, 2>>(Record().Reals(tag::Float, 1, {1, 2, 3, 4}, 4))),
+        "{ [ 1.000000, 2.000000; 3.000000, 4... }|{ " + detail + " }|" + detail);
     const auto item =
         ReadFrom<SPtr<TGLfixed, 4, 1>>(Record().Item(tag::Fixed, 1, {65536, 0, -65536, 131072}));
     EXPECT_EQ(ShortText(item), "[ 1.000000; 0.000000; -1.000000; 2.000000 ]");
@@ -275,11 +260,11 @@ TEST(AttributeListText, CutAtFortyToThirtySeven) {
     for (const auto& [list, text, pairs] : rows) {
         std::string lines = pairs + "\n";
         std::erase(lines, ',');
-        ExpectArrayText<SEglAttribList>(Record().Attributes(list), "{ " + text + " }",
-                                        "{ \n" + pairs + "\n }", lines);
+        EXPECT_EQ(Texts<SEglAttribList>(Record().Attributes(list)),
+                  "{ " + text + " }|{ \n" + pairs + "\n }|" + lines);
     }
-    ExpectArrayText<SEglAttribList>(Record().Attributes({}), "NULL", "NULL", "NULL");
-    ExpectArrayText<SEglAttribList>(Record().Attributes({0x3038}), "{  }", "{  }", "");
+    EXPECT_EQ(Texts<SEglAttribList>(Record().Attributes({})), "NULL|NULL|NULL");
+    EXPECT_EQ(Texts<SEglAttribList>(Record().Attributes({0x3038})), "{  }|{  }|");
 }
 
 TEST(AttributeList, Lookup) {

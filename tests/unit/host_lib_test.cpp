@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <functional>
+#include <memory>
 #include <regex>
 
 #include "host/trace_scoped_ptr.h"
@@ -102,20 +103,17 @@ TEST(HostLib, WhatIsMissingThrowsWhenCalled) {
 }
 
 TEST(TraceScopedPtr, ReportsBeingEmptyAndOwnsItsObject) {
-    static int alive = 0;
-    struct SObject {
-        SObject() { ++alive; }
-        ~SObject() { --alive; }
-    };
-    TraceScopedPtr<SObject> holder;
+    using Object = std::shared_ptr<int>;
+    const Object counted = std::make_shared<int>();
+    TraceScopedPtr<Object> holder;
     EXPECT_EQ(Printed([&] { EXPECT_EQ(holder.Get(), nullptr); }),
               "Error refering empty TraceScopedPtr\n");
-    holder.Reset(std::make_unique<SObject>());
-    holder.Reset(std::make_unique<SObject>());
-    EXPECT_EQ(alive, 1);
+    holder.Reset(std::make_unique<Object>(counted));
+    holder.Reset(std::make_unique<Object>(counted));
+    EXPECT_EQ(counted.use_count(), 2);
     EXPECT_EQ(Printed([&] { EXPECT_NE(holder.Get(), nullptr); }), "");
     holder.Clear();
-    EXPECT_EQ(alive, 0);
+    EXPECT_EQ(counted.use_count(), 1);
     EXPECT_FALSE(holder);
 }
 
