@@ -6,241 +6,182 @@ Recording stand-ins log every call with its arguments; idle ones only answer, as
 
 import argparse
 import re
-import sys
 
 import khronos
-from bodies import EXTENSIONS, IDLE, RECORDING, RECORDING_ES1, VENDOR_ENTRIES
+from bodies import EFFECTS, EXTENSIONS, IDLE_EFFECTS, RESULTS, VENDOR_ENTRIES
 
-REALS = {"GLfloat", "GLclampf", "GLdouble"}
-HANDLES = {"EGLDisplay", "EGLConfig", "EGLSurface", "EGLContext", "EGLSync", "EGLImage", "GLsync"}
-QUALIFIERS = ("pname", "attribute", "attrib")
+REALS = ("GLfloat", "GLclampf", "GLdouble")
+HANDLES = ("EGLDisplay", "EGLConfig", "EGLSurface", "EGLContext", "EGLSync", "EGLImage", "GLsync")
 
-LIBRARIES = {
-    "egl": ("EGL/egl.h", ["EGL/egl.h"], ""),
-    "es1": ("GLES/gl.h", ["GLES/gl.h"], "es1."),
-    "es2": ("GLES3/gl3.h", ["GLES3/gl3.h"], ""),
-}
+# By library: its header, and what the log puts before its entries.
+LIBRARIES = {"egl": ("EGL/egl.h", ""), "es1": ("GLES/gl.h", "es1."), "es2": ("GLES3/gl3.h", "")}
+
+# How many scalars stand behind a pointer that goes in, by the entry's name.
+COUNTS = [
+    (r"glUniform([1-4])(?:f|i|ui)v", "count * {0}LL"),
+    (r"glUniformMatrix([2-4])fv", "count * {0}LL * {0}"),
+    (r"glUniformMatrix([2-4])x([2-4])fv", "count * {0}LL * {1}"),
+    (r"glVertexAttribI?([1-4])(?:f|i|ui)v", "{0}"),
+    (r"gl(?:Load|Mult)Matrix[fx]", "16"),
+    (r"glClipPlane[fx]", "4"),
+    (r"glClearBuffer\w+", "buffer == 0x1800 ? 4 : 1"),
+]
 
 
-def extension_entries(dirs):
+def extension_entries(folder):
     """The entry points that only eglGetProcAddress hands out."""
-    known = khronos.entries(dirs, "GLES2/gl2ext.h")
-    known.update(khronos.entries(dirs, "GLES/glext.h"))
+    known = khronos.entries(folder, "GLES2/gl2ext.h") | khronos.entries(folder, "GLES/glext.h")
     for published, vendor in VENDOR_ENTRIES.items():
         known[vendor] = khronos.Entry(known[published].result, vendor, known[published].params)
     return {name: known[name] for names in EXTENSIONS.values() for name in names}
 
 
 def count_of(entry, param):
-    """How many scalars stand behind a pointer that goes in; None if the name says nothing."""
-    name = entry.name
-    if match := re.match(r"glUniform([1-4])(?:f|i|ui)v$", name):
-        return f"static_cast<long long>(count) * {match[1]}"
-    if match := re.match(r"glUniformMatrix([2-4])(?:x([2-4]))?fv$", name):
-        rows, columns = int(match[1]), int(match[2] or match[1])
-        return f"static_cast<long long>(count) * {rows * columns}"
-    if match := re.match(r"glVertexAttribI?([1-4])(?:f|i|ui)v$", name):
-        return match[1]
-    if re.match(r"gl(Load|Mult)Matrix[fx]$", name):
-        return "16"
-    if re.match(r"glClipPlane[fx]$", name):
-        return "4"
-    if entry.param("pname") and param.name in ("params", "param"):
+    """How many scalars stand behind a pointer that goes in; None if nothing says it."""
+    for pattern, count in COUNTS:
+        if match := re.fullmatch(pattern, entry.name):
+            return count.format(*match.groups())
+    if entry.value("pname") and param.name in ("params", "param"):
         return "ParameterCount(pname)"
-    if name.startswith("glClearBuffer"):
-        return "buffer == 0x1800 ? 4 : 1"
-    for counter in ("n", "numAttachments", "count", "primcount"):
-        if entry.param(counter) and not entry.param(counter).pointer:
-            return counter
-    return None
+    return entry.value("n", "numAttachments", "count", "primcount", "uniformCount")
 
 
-def data_size(entry):
-    for name in ("size", "imageSize", "length"):
-        if entry.param(name) and not entry.param(name).pointer:
-            return name
-    if entry.param("format") and entry.param("type") and entry.param("width"):
-        depth = "depth" if entry.param("depth") else "1"
-        return f"ImageSize(width, height, {depth}, format, type)"
-    return None
+def data_size(entry, param):
+    """How many bytes stand behind an untyped pointer that goes in; None if nothing says it."""
+    if param.name == "indices":
+        return "static_cast<long long>(count) * TypeSize(type)"
+    if re.fullmatch(r"gl\w*Pointer(OES)?", entry.name):
+        return None
+    if entry.value("format") and entry.value("type") and entry.value("width"):
+        return f"ImageSize(width, height, {entry.value('depth') or 1}, format, type)"
+    return entry.value("size", "imageSize", "length")
 
 
-def log_argument(entry, param):
+def shown(entry, param):
+    """The text that stands for an argument in the log."""
     base = param.type.replace("const ", "").strip()
     name = param.name
+    if base in REALS:
+        return f"Real({name})"
+    if base in HANDLES:
+        return f"Handle({name})"
     if not param.pointer:
-        if base in REALS:
-            return f"call.Real(static_cast<double>({name}));"
-        if base in HANDLES:
-            return f"call.Handle({name});"
-        if base.startswith("EGLNative") or base == "EGLClientBuffer":
-            return f"call.Number((long long)(std::uintptr_t){name});"
-        return f"call.Number(static_cast<long long>({name}));"
-    if param.output:
-        return f"call.Pointer((const void*){name});"
-    if base in ("EGLint *", "EGLAttrib *") and entry.name.startswith("egl"):
-        return f"call.Attributes({name});" if base == "EGLint *" else f"call.Pointer({name});"
-    if base in ("GLchar *", "char *"):
-        return f"call.Text({name});"
-    if base.count("*") > 1:
-        if base.startswith("GLchar"):
-            lengths = "length" if entry.name == "glShaderSource" else "nullptr"
-            counter = "uniformCount" if entry.param("uniformCount") else "count"
-            return f"call.Strings({name}, {counter}, {lengths});"
-        return f"call.Pointer({name});"
-    count = count_of(entry, param)
-    if name == "indices" and base == "void *":
-        return "call.Data(indices, static_cast<long long>(count) * TypeSize(type));"
+        return f"Number((long long)(std::uintptr_t){name})"
     if base == "void *":
-        size = data_size(entry)
-        if size and not re.match(r"gl\w*Pointer(OES)?$", entry.name):
-            return f"call.Data({name}, {size});"
-        return f"call.Pointer({name});"
-    if count is None:
-        return f"call.Pointer({name});"
-    if base == "GLfloat *":
-        return f"call.Reals({name}, {count});"
-    if base in ("GLuint *", "GLenum *"):
-        return f"call.Names({name}, {count});"
-    return f"call.Numbers({name}, {count});"
-
-
-def usual_result(entry):
-    if entry.name in ("eglGetError",):
-        return "0x3000"
-    if entry.name.startswith("glCheckFramebufferStatus"):
-        return "0x8CD5"
-    if entry.name == "glClientWaitSync":
-        return "0x911A"
-    if entry.name == "eglQueryAPI":
-        return "0x30A0"
-    return "1" if "oolean" in entry.result else "0"
-
-
-def kind_of(entry):
-    match = re.match(r"gl(?:Gen|Delete)(\w+?)(?:OES)?$", entry.name)
-    return match[1].lower() if match else ""
+        count, form = data_size(entry, param), "Data({0}, {1})"
+    elif base.startswith("GLchar") and base.count("*") > 1:
+        lengths = "length" if entry.name == "glShaderSource" else "nullptr"
+        count, form = count_of(entry, param), f"Strings({{0}}, {{1}}, {lengths})"
+    else:
+        count, form = count_of(entry, param), "Values({0}, {1})"
+    if base in ("GLchar *", "char *"):
+        count, form = 1, "Text({0})"
+    if base == "EGLint *":
+        count, form = 1, "Attributes({0})"
+    if param.output or count is None or re.match(r"void \*.*\*", base):
+        return f"Pointer((const void*){name})"
+    return form.format(name, count)
 
 
 def name_list(entry):
-    """Gen and Delete take a count and an array; anything else with such a name does not."""
-    if not re.match(r"gl(Gen|Delete)", entry.name) or len(entry.params) != 2:
-        return None
-    count, names = entry.params
-    return (count.name, names.name) if count.type == "GLsizei" and names.pointer else None
+    """Of an entry that makes or drops an array of names: which, their kind, count and array."""
+    match = re.fullmatch(r"gl(Gen|Delete)(\w+?)(?:OES)?", entry.name)
+    if match and len(entry.params) == 2 and entry.params[1].pointer:
+        return match[1], match[2].lower(), entry.params[0].name, entry.params[1].name
+    return None, "", "", ""
 
 
 def recording_body(entry, prefix):
-    lines = []
-    names = name_list(entry)
-    generated = names is not None and entry.name.startswith("glGen")
+    lines = [f'CCall call("{entry.name}", "{prefix}");']
+    which, kind, count, names = name_list(entry)
+    if which:
+        verb = "NewNames" if which == "Gen" else "DropNames"
+        lines.append(f'{verb}("{kind}", {count}, {names});')
     for param in entry.params:
-        if generated and param.name == names[1]:
-            lines.append(f'NewNames("{kind_of(entry)}", {names[0]}, {names[1]});')
-            lines.append(f"call.Names({names[1]}, {names[0]});")
-        else:
-            lines.append(log_argument(entry, param))
-    for param in entry.params:
-        if param.name in QUALIFIERS and not param.pointer:
-            lines.append(f"call.Qualify(static_cast<unsigned>({param.name}));")
-    if names is not None and not generated:
-        lines.append(f'DropNames("{kind_of(entry)}", {names[0]}, {names[1]});')
-    own = RECORDING_ES1 if prefix == "es1." else {}
-    special = own.get(entry.name, RECORDING.get(entry.name))
-    if special is not None:
-        lines.append(special)
-    elif entry.result == "void":
-        lines.append("call.End();")
-    elif "*" in entry.result or entry.result in HANDLES:
-        lines.append(f"return ({entry.result})(call.HandleResult(nullptr));")
-    else:
-        lines.append(f"return static_cast<{entry.result}>(call.Result({usual_result(entry)}));")
-    return lines
+        text = f"Values({names}, {count})" if param.name == names else shown(entry, param)
+        lines.append(f"call.Add({text});")
+    if name := entry.value("pname", "attribute", "attrib"):
+        lines.append(f"call.Qualify(static_cast<unsigned>({name}));")
+    lines.append(own(EFFECTS, entry, prefix, ""))
+    if "return" in lines[-1]:
+        return lines
+    if entry.result == "void":
+        return lines + ["call.End();"]
+    form = "call.HandleResult({})" if is_handle(entry.result) else "call.Result({})"
+    return lines + [f"return ({entry.result}){form.format(usual_result(entry, prefix))};"]
 
 
 def idle_body(entry):
-    special = IDLE.get(entry.name)
-    names = name_list(entry)
-    if special is not None:
-        return [special]
-    if names is not None and entry.name.startswith("glGen"):
-        return [f"for (int i = 0; i < {names[0]}; ++i) {names[1]}[i] = NextName();"]
-    if entry.result == "void":
-        return []
-    if "*" in entry.result or entry.result in HANDLES:
-        return ["return nullptr;"]
-    return [f"return static_cast<{entry.result}>({usual_result(entry)});"]
+    which, _, count, names = name_list(entry)
+    lines = [IDLE_EFFECTS.get(entry.name, "")]
+    if which == "Gen":
+        lines.append(f'for (int i = 0; i < {count}; ++i) {names}[i] = NewName("");')
+    if entry.result != "void" and "return" not in lines[0]:
+        lines.append(f"return ({entry.result}){usual_result(entry, '')};")
+    return lines
 
 
-def write_entry(out, entry, flavour, prefix, linkage):
-    params = ", ".join(f"[[maybe_unused]] {p.type} {p.name}" for p in entry.params)
-    out.write(f"{linkage} {entry.result} {entry.name}({params}) {{\n")
-    if flavour == "recording":
-        out.write(f'    CCall call("{entry.name}", "{prefix}");\n')
-    body = recording_body(entry, prefix) if flavour == "recording" else idle_body(entry)
-    for line in body:
-        out.write(f"    {line}\n")
-    out.write("}\n\n")
+def own(table, entry, prefix, usual):
+    return table.get(prefix + entry.name, table.get(entry.name, usual))
 
 
-def write_proc_address(out, extensions):
-    """eglGetProcAddress knows the extensions' entries alone, as a strict driver would."""
-    out.write("namespace {\n\nstruct SExtensionEntry {\n    const char* name;\n")
-    out.write("    __eglMustCastToProperFunctionPointerType address;\n};\n\n")
-    out.write("const SExtensionEntry extensionEntries[] = {\n")
-    for name in extensions:
-        out.write(f'    {{"{name}", (__eglMustCastToProperFunctionPointerType){name}}},\n')
-    out.write("};\n\n__eglMustCastToProperFunctionPointerType FindExtension(const char* name) {\n")
-    out.write("    for (const SExtensionEntry& entry : extensionEntries) {\n")
-    out.write("        if (std::strcmp(entry.name, name) == 0) return entry.address;\n    }\n")
-    out.write("    return nullptr;\n}\n\n}  // namespace\n\n")
+def is_handle(kind):
+    return "*" in kind or kind in HANDLES
 
 
-def write_library(out, dirs, library, flavour, omitted):
-    header, includes, prefix = LIBRARIES[library]
-    entries = khronos.entries(dirs, header)
-    if "es3" in omitted:
-        entries = {n: e for n, e in entries.items() if n in khronos.entries(dirs, "GLES2/gl2.h")}
-    out.write("// Generated from the published headers; changes belong into the generator.\n")
-    out.write("#define EGL_NO_X11 1\n")
-    for include in includes:
-        out.write(f"#include <{include}>\n")
-    if library == "egl":
-        out.write("#include <GLES3/gl3.h>\n")
-    out.write("#include <cstdint>\n#include <cstring>\n#include <sstream>\n")
-    own = "host_state.h" if flavour == "recording" else "idle_state.h"
-    out.write(f'\n#include "{own}"\n\nusing namespace kestrail::host;\n\n')
-    if library == "egl":
-        extensions = extension_entries(dirs)
-        for entry in extensions.values():
-            write_entry(out, entry, flavour, "", "static")
-        write_proc_address(out, extensions)
-    for entry in entries.values():
-        if entry.name not in omitted:
-            write_entry(out, entry, flavour, prefix, 'extern "C"')
+def usual_result(entry, prefix):
+    usual = "nullptr" if is_handle(entry.result) else "1" if "oolean" in entry.result else "0"
+    return own(RESULTS, entry, prefix, usual)
 
 
-def write_enumerants(out, dirs):
-    headers = ["EGL/egl.h", "GLES/gl.h", "GLES2/gl2.h", "GLES2/gl2ext.h", "GLES3/gl3.h"]
-    out.write('#include <map>\n#include <string>\n\n#include "host_state.h"\n\n')
-    out.write("namespace kestrail::host {\n\nlong long EnumerantValue(const std::string& name) {\n")
-    out.write("    static const std::map<std::string, long long> values = {\n")
-    for name, value in sorted(khronos.enumerants(dirs, headers).items()):
-        out.write(f'        {{"{name}", {value}LL}},\n')
+def write_entry(out, entry, idle, prefix, linkage):
+    params = ", ".join(f"{p.type} {p.name}" for p in entry.params)
+    body = idle_body(entry) if idle else recording_body(entry, prefix)
+    lines = "".join(f"    {line}\n" for line in body if line)
+    out.write(f"{linkage} {entry.result} {entry.name}({params}) {{\n{lines}}}\n\n")
+
+
+def write_look_up(out, function, kind, rows, missing):
+    out.write(f"{kind} {function}(const std::string& name) {{\n")
+    out.write(f"    static const std::map<std::string, {kind}> values = {{\n")
+    out.writelines(f'        {{"{name}", {value}}},\n' for name, value in rows.items())
     out.write("    };\n    const auto found = values.find(name);\n")
-    out.write("    return found == values.end() ? -1 : found->second;\n}\n\n}\n")
+    out.write(f"    return found == values.end() ? {missing} : found->second;\n}}\n")
 
 
-def write_prototypes(out, dirs):
+def write_library(out, folder, library, idle, omitted):
+    header, prefix = LIBRARIES[library]
+    out.write("// Generated from the published headers; changes belong into the generator.\n")
+    out.write(f"#define EGL_NO_X11 1\n#include <{header}>\n#include <GLES2/gl2.h>\n")
+    out.write("#include <cstdint>\n#include <cstdio>\n#include <map>\n#include <sstream>\n\n")
+    out.write(f'#include "{"idle" if idle else "host"}_state.h"\n\n')
+    out.write("using namespace kestrail::host;\n\n")
+    if library == "egl":
+        extensions = extension_entries(folder)
+        for entry in extensions.values():
+            write_entry(out, entry, idle, "", "static")
+        # A strict driver hands out nothing else.
+        kind = "__eglMustCastToProperFunctionPointerType"
+        rows = {name: f"({kind}){name}" for name in extensions}
+        write_look_up(out, "static FindExtension", kind, rows, "nullptr")
+    kept = khronos.entries(folder, "GLES2/gl2.h") if "es3" in omitted else None
+    for name, entry in khronos.entries(folder, header).items():
+        if name not in omitted and (kept is None or name in kept):
+            write_entry(out, entry, idle, prefix, 'extern "C"')
+
+
+def write_enumerants(out, folder):
+    headers = ["EGL/egl.h", "GLES/gl.h", "GLES2/gl2.h", "GLES2/gl2ext.h", "GLES3/gl3.h"]
+    out.write('#include "host_state.h"\n\nnamespace kestrail::host {\n\n')
+    write_look_up(out, "EnumerantValue", "long long", khronos.enumerants(folder, headers), "-1")
+    out.write("\n}\n")
+
+
+def write_prototypes(out, folder):
     """Rows for the table tests: family, entry, result, and each parameter's type and name."""
-    sets = {
-        "Egl": khronos.entries(dirs, "EGL/egl.h"),
-        "Es1": khronos.entries(dirs, "GLES/gl.h"),
-        "Es2": khronos.entries(dirs, "GLES2/gl2.h"),
-        "Es3": khronos.entries(dirs, "GLES3/gl3.h"),
-        "Ext": extension_entries(dirs),
-    }
-    for family, entries in sets.items():
+    headers = {"Egl": "EGL/egl.h", "Es1": "GLES/gl.h", "Es2": "GLES2/gl2.h", "Es3": "GLES3/gl3.h"}
+    sets = {family: khronos.entries(folder, header) for family, header in headers.items()}
+    for family, entries in (sets | {"Ext": extension_entries(folder)}).items():
         for entry in entries.values():
             params = ";".join(f"{p.type}|{p.name}" for p in entry.params)
             out.write(f'"{family};{entry.name};{entry.result};{params}",\n')
@@ -248,24 +189,21 @@ def write_prototypes(out, dirs):
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
-    parser.add_argument("what", choices=["library", "enumerants", "prototypes"])
+    parser.add_argument("what", choices=[*LIBRARIES, "enumerants", "prototypes"])
     parser.add_argument("output")
-    parser.add_argument("--include", action="append", required=True)
-    parser.add_argument("--library", choices=sorted(LIBRARIES))
-    parser.add_argument("--flavour", choices=["recording", "idle"], default="recording")
+    parser.add_argument("include")
+    parser.add_argument("--idle", action="store_true")
     parser.add_argument("--omit", action="append", default=[],
                         help="an entry point to leave out, or es3 for all that ES 3.0 added")
     options = parser.parse_args()
     with open(options.output, "w", encoding="utf-8") as out:
-        if options.what == "library":
-            write_library(out, options.include, options.library, options.flavour,
-                          set(options.omit))
-        elif options.what == "enumerants":
+        if options.what == "enumerants":
             write_enumerants(out, options.include)
-        else:
+        elif options.what == "prototypes":
             write_prototypes(out, options.include)
-    return 0
+        else:
+            write_library(out, options.include, options.what, options.idle, options.omit)
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    main()

@@ -12,10 +12,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
-#include <map>
+#include <set>
 #include <sstream>
-#include <string_view>
-#include <vector>
 
 namespace kestrail::host {
 
@@ -25,7 +23,7 @@ constexpr long long shownItems = 64;
 constexpr long long shownBytes = 16;
 constexpr std::uintptr_t handleBase = 0x7A0000000000ULL;
 constexpr std::uintptr_t handleStep = 0x010000000000ULL;
-const char* const handleNames[] = {"display", "config", "surface", "context", "sync"};
+const std::string handleKinds[] = {"display", "config", "surface", "context", "sync"};
 
 // What is below this is an offset or a recorded address of 32 bits, never memory of the process.
 constexpr std::uintptr_t lowestAddress = 0x100000000ULL;
@@ -34,6 +32,11 @@ struct SRule {
     long long nth = 0;
     SAnswer answer;
 };
+
+long long NumberOf(const std::string& text) {
+    const long long named = EnumerantValue(text);
+    return named >= 0 ? named : std::strtoll(text.c_str(), nullptr, 0);
+}
 
 class CHostLog {
 public:
@@ -54,8 +57,7 @@ public:
     CHostLog& operator=(const CHostLog&) = delete;
 
     void Write(const std::string& line) {
-        if (m_file < 0) return;
-        if (write(m_file, line.data(), line.size()) < 0) m_file = -1;
+        if (m_file >= 0 && write(m_file, line.data(), line.size()) < 0) m_file = -1;
     }
 
     bool HasRules(const std::string& key) const { return m_rules.count(key) != 0; }
@@ -77,23 +79,16 @@ public:
 private:
     void ReadScript(const char* path) {
         std::ifstream file(path);
-        std::string line;
-        while (std::getline(file, line)) {
+        for (std::string line; std::getline(file, line);) {
             std::istringstream words(line);
             std::string key;
             std::string nth;
             if (!(words >> key >> nth)) continue;
-            SRule rule;
-            rule.nth = nth == "*" ? 0 : std::strtoll(nth.c_str(), nullptr, 0);
+            SRule rule{nth == "*" ? 0 : NumberOf(nth), {}};
             std::getline(words >> std::ws, rule.answer.text);
-            const long long named = EnumerantValue(rule.answer.text);
-            rule.answer.value =
-                named >= 0 ? named : std::strtoll(rule.answer.text.c_str(), nullptr, 0);
-            const std::size_t colon = key.find(':');
-            if (colon != std::string::npos) {
-                const long long value = EnumerantValue(key.substr(colon + 1));
-                if (value >= 0) key = key.substr(0, colon + 1) + std::to_string(value);
-            }
+            rule.answer.value = NumberOf(rule.answer.text);
+            const std::size_t name = key.find(':') + 1;
+            if (name != 0) key = key.substr(0, name) + Number(NumberOf(key.substr(name)));
             m_rules[key].push_back(rule);
         }
     }
@@ -108,31 +103,11 @@ CHostLog& Log() {
     return log;
 }
 
-std::string RealText(double value) {
+template <typename... Values>
+std::string Formatted(const char* format, Values... values) {
     char buffer[48];
-    std::snprintf(buffer, sizeof buffer, "%g", value);
+    std::snprintf(buffer, sizeof buffer, format, values...);
     return buffer;
-}
-
-std::string Quoted(std::string_view text) {
-    std::string quoted(1, '"');
-    quoted += text;
-    quoted += '"';
-    return quoted;
-}
-
-std::string DataText(const void* data, long long size) {
-    if (data == nullptr) return "NULL";
-    const auto address = reinterpret_cast<std::uintptr_t>(data);
-    if (address < lowestAddress) return std::to_string(address);
-    std::string text = "<";
-    const auto* bytes = static_cast<const unsigned char*>(data);
-    char buffer[4];
-    for (long long i = 0; i < std::min(size, shownBytes); ++i) {
-        std::snprintf(buffer, sizeof buffer, "%02x", bytes[i]);
-        text += buffer;
-    }
-    return text + ":" + std::to_string(size) + ">";
 }
 
 template <typename Value, typename Format>
@@ -141,105 +116,89 @@ std::string ListText(const Value* values, long long count, Format format) {
     if (reinterpret_cast<std::uintptr_t>(values) < lowestAddress) return "bad";
     std::string text = "{";
     for (long long i = 0; i < std::min(count, shownItems); ++i) {
-        if (i > 0) text += ", ";
-        text += format(values[i]);
+        text += (i > 0 ? ", " : "") + format(values[i]);
     }
-    if (count > shownItems) text += ", ...";
-    return text + "}";
+    return text + (count > shownItems ? ", ...}" : "}");
 }
 
 }  // namespace
 
-void* MakeHandle(HandleKind kind, unsigned number) {
-    return reinterpret_cast<void*>(handleBase + handleStep * static_cast<unsigned>(kind) + number);
+std::string Number(long long value) {
+    return std::to_string(value);
 }
 
-CCall::CCall(const char* entry, const char* prefix)
-    : m_entry(std::string(prefix) + entry), m_key(entry) {
-    m_line = m_entry + "(";
+std::string Real(double value) {
+    return Formatted("%g", value);
 }
 
-void CCall::Begin() {
-    if (!m_first) m_line += ", ";
-    m_first = false;
-}
-
-void CCall::Number(long long value) {
-    Begin();
-    m_line += std::to_string(value);
-}
-
-void CCall::Real(double value) {
-    Begin();
-    m_line += RealText(value);
-}
-
-void CCall::Handle(const void* value) {
-    Begin();
+std::string Handle(const void* value) {
     const auto address = reinterpret_cast<std::uintptr_t>(value);
     const std::uintptr_t kind = (address - handleBase) / handleStep;
-    if (address >= handleBase && kind < std::size(handleNames)) {
-        m_line += std::string(handleNames[kind]) + ":" +
-                  std::to_string((address - handleBase) % handleStep);
-    } else {
-        m_line += std::to_string(address);
-    }
+    if (address < handleBase || kind >= std::size(handleKinds)) return std::to_string(address);
+    return handleKinds[kind] + ":" + std::to_string((address - handleBase) % handleStep);
 }
 
-void CCall::Pointer(const void* value) {
-    Begin();
+std::string Pointer(const void* value) {
+    if (value == nullptr) return "NULL";
     const auto address = reinterpret_cast<std::uintptr_t>(value);
-    const std::string offset = value == nullptr ? "NULL" : std::to_string(address);
-    m_line += address < lowestAddress ? offset : "ptr";
+    return address < lowestAddress ? std::to_string(address) : "ptr";
 }
 
-void CCall::Numbers(const std::int32_t* values, long long count) {
-    Begin();
-    m_line += ListText(values, count, [](std::int32_t v) { return std::to_string(v); });
+std::string Values(const std::int32_t* values, long long count) {
+    return ListText(values, count, Number);
 }
 
-void CCall::Names(const std::uint32_t* values, long long count) {
-    Begin();
-    m_line += ListText(values, count, [](std::uint32_t v) { return std::to_string(v); });
+std::string Values(const std::uint32_t* values, long long count) {
+    return ListText(values, count, Number);
 }
 
-void CCall::Reals(const float* values, long long count) {
-    Begin();
-    m_line += ListText(values, count, [](float v) { return RealText(static_cast<double>(v)); });
+std::string Values(const float* values, long long count) {
+    return ListText(values, count, Real);
 }
 
-void CCall::Text(const char* text) {
-    Begin();
-    m_line += text == nullptr ? "NULL" : Quoted(text);
+std::string Text(const char* text) {
+    return text == nullptr ? "NULL" : '"' + std::string(text) + '"';
 }
 
-void CCall::Data(const void* data, long long size) {
-    Begin();
-    m_line += DataText(data, size);
-}
-
-void CCall::Attributes(const std::int32_t* list) {
-    long long count = 0;
-    if (list != nullptr) {
-        while (list[count] != 0x3038 && count < shownItems) count += 2;
-        ++count;
+std::string Data(const void* data, long long size) {
+    if (reinterpret_cast<std::uintptr_t>(data) < lowestAddress) return Pointer(data);
+    std::string text = "<";
+    for (long long i = 0; i < std::min(size, shownBytes); ++i) {
+        text += Formatted("%02x", static_cast<const unsigned char*>(data)[i]);
     }
-    Numbers(list, count);
+    return text + ":" + std::to_string(size) + ">";
 }
 
-void CCall::Strings(const char* const* texts, long long count, const std::int32_t* lengths) {
-    Begin();
+std::string Attributes(const std::int32_t* list) {
+    long long count = 0;
+    while (list != nullptr && list[count] != 0x3038 && count < shownItems) count += 2;
+    return Values(list, count + 1);
+}
+
+std::string Strings(const char* const* texts, long long count, const std::int32_t* lengths) {
     long long next = 0;
-    m_line += ListText(texts, count, [&](const char* text) -> std::string {
+    return ListText(texts, count, [&](const char* text) {
         const std::int32_t length = lengths != nullptr ? lengths[next++] : -1;
-        if (text == nullptr) return "NULL";
-        return Quoted(length < 0 ? std::string_view(text)
-                                 : std::string_view(text, static_cast<std::size_t>(length)));
+        if (text == nullptr || length < 0) return Text(text);
+        return '"' + std::string(text, static_cast<std::size_t>(length)) + '"';
     });
 }
 
-void CCall::Note(const std::string& note) {
-    m_note += note;
+void* MakeHandle(const std::string& kind, unsigned number) {
+    const auto place = std::find(std::begin(handleKinds), std::end(handleKinds), kind);
+    const auto row = static_cast<std::uintptr_t>(place - std::begin(handleKinds));
+    return reinterpret_cast<void*>(handleBase + handleStep * row + number);
+}
+
+void* NewHandle(const std::string& kind) {
+    static std::map<std::string, unsigned> last;
+    CountHandle(kind + "s", 1);
+    return MakeHandle(kind, ++last[kind]);
+}
+
+void CCall::Add(const std::string& argument) {
+    m_line += (m_first ? "" : ", ") + argument;
+    m_first = false;
 }
 
 void CCall::Qualify(unsigned name) {
@@ -248,48 +207,40 @@ void CCall::Qualify(unsigned name) {
 }
 
 const SAnswer* CCall::Answer() {
-    if (!m_looked) {
-        m_looked = true;
-        m_answer = Log().Answer(m_key);
-    }
-    return m_answer;
+    if (!m_answer) m_answer = Log().Answer(m_key);
+    return *m_answer;
+}
+
+const char* CCall::AnswerText(const char* usual) {
+    if (Answer() == nullptr) return usual;
+    return Answer()->text == "null" ? nullptr : Answer()->text.c_str();
 }
 
 long long CCall::Result(long long usual) {
-    const SAnswer* answer = Answer();
-    const long long value = answer != nullptr ? answer->value : usual;
-    m_note = " = " + std::to_string(value) + m_note;
+    const long long value = Answer() != nullptr ? Answer()->value : usual;
+    m_note = " = " + Number(value) + m_note;
     End();
     return value;
 }
 
-const void* CCall::HandleResult(const void* usual) {
-    const SAnswer* answer = Answer();
+void* CCall::HandleResult(const void* usual) {
     const void* value =
-        answer != nullptr
-            ? reinterpret_cast<const void*>(static_cast<std::uintptr_t>(answer->value))
-            : usual;
-    CCall shown("");
-    shown.Handle(value);
-    m_note = " = " + shown.Shown() + m_note;
+        Answer() != nullptr ? reinterpret_cast<const void*>(Answer()->value) : usual;
+    m_note = " = " + Handle(value) + m_note;
     End();
-    return value;
-}
-
-std::string CCall::Shown() const {
-    return m_line.substr(m_entry.size() + 1);
+    return const_cast<void*>(value);
 }
 
 void CCall::End() {
-    std::string line = m_line + ")" + m_note + "\n";
+    std::string line = m_line + ")" + m_note;
     // A shader's text spans lines; the log keeps one line a call.
-    for (std::size_t at = 0; at + 1 < line.size(); ++at) {
-        if (line[at] == '\n') line.replace(at, 1, "\\n");
+    for (std::size_t at = 0; (at = line.find('\n', at)) != std::string::npos;) {
+        line.replace(at, 1, "\\n");
     }
-    Log().Write(line);
-    const SAnswer* answer = Answer();
-    if (answer != nullptr && answer->text == "crash") std::raise(SIGSEGV);
-    if (answer != nullptr && answer->text == "exit") std::exit(7);
+    Log().Write(line + "\n");
+    const std::string word = Answer() != nullptr ? Answer()->text : "";
+    if (word == "crash") std::raise(SIGSEGV);
+    if (word == "exit") std::exit(7);
 }
 
 SGlState& State() {
@@ -297,9 +248,9 @@ SGlState& State() {
     return state;
 }
 
-std::uint32_t NewName(const char* kind) {
+std::uint32_t NewName(const std::string& kind) {
     static std::uint32_t last = 100;
-    ++Log().m_live[kind];
+    CountHandle(kind, 1);
     return ++last;
 }
 
@@ -310,7 +261,7 @@ void NewNames(const char* kind, long long count, std::uint32_t* names) {
 void DropNames(const char* kind, long long count, const std::uint32_t* names) {
     // The names 0 and all ones stand for nothing; deleting them leaves the count alone.
     for (long long i = 0; i < count; ++i) {
-        if (names[i] != 0 && names[i] != 0xFFFFFFFFU) --Log().m_live[kind];
+        if (names[i] != 0 && names[i] != 0xFFFFFFFFU) CountHandle(kind, -1);
     }
 }
 
@@ -325,30 +276,23 @@ std::int32_t NewAttribute() {
     return 9 + next;
 }
 
-void CountHandle(const char* kind, int change) {
+void CountHandle(const std::string& kind, int change) {
     Log().m_live[kind] += change;
 }
 
-unsigned NewHandleNumber(HandleKind kind) {
-    static unsigned last[std::size(handleNames)] = {};
-    return ++last[static_cast<unsigned>(kind)];
-}
-
 long long ParameterCount(unsigned pname) {
-    static const std::map<unsigned, long long> counts = {{GL_LIGHT_MODEL_AMBIENT, 4},
-                                                         {GL_FOG_COLOR, 4},
-                                                         {GL_AMBIENT, 4},
-                                                         {GL_DIFFUSE, 4},
-                                                         {GL_SPECULAR, 4},
-                                                         {GL_POSITION, 4},
-                                                         {GL_EMISSION, 4},
-                                                         {GL_AMBIENT_AND_DIFFUSE, 4},
-                                                         {GL_TEXTURE_ENV_COLOR, 4},
-                                                         {GL_TEXTURE_CROP_RECT_OES, 4},
-                                                         {GL_SPOT_DIRECTION, 3},
-                                                         {GL_POINT_DISTANCE_ATTENUATION, 3}};
-    const auto found = counts.find(pname);
-    return found == counts.end() ? 1 : found->second;
+    static const std::set<unsigned> fours = {GL_LIGHT_MODEL_AMBIENT,
+                                             GL_FOG_COLOR,
+                                             GL_AMBIENT,
+                                             GL_DIFFUSE,
+                                             GL_SPECULAR,
+                                             GL_POSITION,
+                                             GL_EMISSION,
+                                             GL_AMBIENT_AND_DIFFUSE,
+                                             GL_TEXTURE_ENV_COLOR,
+                                             GL_TEXTURE_CROP_RECT_OES};
+    if (pname == GL_SPOT_DIRECTION || pname == GL_POINT_DISTANCE_ATTENUATION) return 3;
+    return fours.count(pname) != 0 ? 4 : 1;
 }
 
 long long TypeSize(unsigned type) {
@@ -358,31 +302,28 @@ long long TypeSize(unsigned type) {
 
 long long ImageSize(long long width, long long height, long long depth, unsigned format,
                     unsigned type) {
-    long long pixel = 4;
-    if (type == 0x8363 || type == 0x8033 || type == 0x8034) {  // the packed 16-bit types
-        pixel = 2;
-    } else {
-        long long parts = 4;
-        if (format == 0x1907) parts = 3;                      // GL_RGB
-        if (format == 0x190A) parts = 2;                      // GL_LUMINANCE_ALPHA
-        if (format == 0x1906 || format == 0x1909) parts = 1;  // GL_ALPHA, GL_LUMINANCE
-        pixel = parts * TypeSize(type);
-    }
+    static const std::map<unsigned, long long> parts = {
+        {GL_RGB, 3}, {GL_LUMINANCE_ALPHA, 2}, {GL_ALPHA, 1}, {GL_LUMINANCE, 1}};
     if (width <= 0 || height <= 0 || depth <= 0) return 0;
-    const long long alignment = State().unpackAlignment;
+    const bool packed = type == GL_UNSIGNED_SHORT_5_6_5 || type == GL_UNSIGNED_SHORT_4_4_4_4 ||
+                        type == GL_UNSIGNED_SHORT_5_5_5_1;
+    const auto found = parts.find(format);
+    const long long pixel =
+        packed ? 2 : (found != parts.end() ? found->second : 4) * TypeSize(type);
+    const long long alignment = State().integers[GL_UNPACK_ALIGNMENT];
     const long long row = (width * pixel + alignment - 1) / alignment * alignment;
     return row * (height * depth - 1) + width * pixel;
 }
 
-std::string DescribeArrays(const SAttribute* arrays, unsigned count, long long vertices) {
+std::string DescribeArrays(const std::vector<SAttribute>& arrays, long long vertices) {
     std::string note;
-    for (unsigned i = 0; i < count; ++i) {
+    for (std::size_t i = 0; i < arrays.size(); ++i) {
         const SAttribute& array = arrays[i];
-        if (array.enabled == 0 || array.buffer != 0) continue;
-        const long long item = array.size * TypeSize(static_cast<unsigned>(array.type));
+        if (!array.enabled || array.buffer != 0) continue;
+        const long long item = array.size * TypeSize(array.type);
         const long long stride = array.stride != 0 ? array.stride : item;
         const long long size = vertices > 0 ? (vertices - 1) * stride + item : 0;
-        note += " [" + std::to_string(i) + " " + DataText(array.pointer, size) + "]";
+        note += " [" + std::to_string(i) + " " + Data(array.pointer, size) + "]";
     }
     return note;
 }
@@ -400,10 +341,7 @@ long long HighestIndex(const void* indices, unsigned type, long long count) {
 }
 
 void OneInteger(CCall& call, std::int32_t usual, std::int32_t* data) {
-    const SAnswer* answer = call.Answer();
-    if (data != nullptr)
-        *data = answer != nullptr ? static_cast<std::int32_t>(answer->value) : usual;
-    call.End();
+    Put(data, call.Answer() != nullptr ? call.Answer()->value : usual);
 }
 
 namespace {
@@ -414,6 +352,11 @@ struct SClientArrayNames {
     unsigned type;
     unsigned buffer;
     unsigned pointer;
+
+    bool Holds(unsigned name) const {
+        return name != 0 &&
+               (name == array || name == size || name == type || name == buffer || name == pointer);
+    }
 };
 
 const SClientArrayNames clientArrayNames[] = {
@@ -426,116 +369,68 @@ const SClientArrayNames clientArrayNames[] = {
     {0x8078, 0x8088, 0x8089, 0x889A, 0x8092},  // GL_TEXTURE_COORD_ARRAY
 };
 
-/// The texture coordinates are those of the client's active unit.
-int SlotOf(const SClientArrayNames& names) {
-    const auto place = static_cast<int>(&names - clientArrayNames);
-    if (names.array != 0x8078) return place;
-    const int unit = State().clientActiveTexture - 0x84C0;
-    return unit >= 0 && unit < 8 ? place + unit : -1;
+const SClientArrayNames* FindNames(unsigned name) {
+    return std::find_if(std::begin(clientArrayNames), std::end(clientArrayNames),
+                        [&](const SClientArrayNames& names) { return names.Holds(name); });
+}
+
+SAttribute& At(std::vector<SAttribute>& arrays, std::size_t place) {
+    static SAttribute none;
+    return place < arrays.size() ? arrays[place] : (none = {});
 }
 
 std::int32_t ClientArrayInteger(unsigned pname) {
-    for (const SClientArrayNames& names : clientArrayNames) {
-        const int slot = SlotOf(names);
-        if (slot < 0) continue;
-        const SAttribute& array = State().clientArrays[slot];
-        if (pname == names.size) return array.size;
-        if (pname == names.type) return array.type;
-        if (pname == names.buffer) return array.buffer;
-    }
-    return 0;
+    const SClientArrayNames* const names = FindNames(pname);
+    if (names == std::end(clientArrayNames)) return 0;
+    const SAttribute& array = ClientArray(pname);
+    if (pname == names->size) return array.size;
+    if (pname == names->type) return static_cast<std::int32_t>(array.type);
+    return pname == names->buffer ? array.buffer : 0;
 }
 
 }  // namespace
 
+SAttribute& Attribute(unsigned index) {
+    return At(State().attributes, index);
+}
+
+SAttribute& ClientArray(unsigned name) {
+    SGlState& state = State();
+    const auto place = static_cast<std::size_t>(FindNames(name) - clientArrayNames);
+    if (place < 6) return state.clientArrays[place];
+    // The texture coordinates are those of the client's active unit.
+    const int unit = state.integers[GL_CLIENT_ACTIVE_TEXTURE] - GL_TEXTURE0;
+    return At(state.clientArrays, place + static_cast<unsigned>(place == 6 ? unit : 14));
+}
+
+void SetArray(SAttribute& array, int size, unsigned type, int normalized, int stride,
+              const void* pointer) {
+    const std::int32_t buffer = State().integers[GL_ARRAY_BUFFER_BINDING];
+    array = {array.enabled, size, type, normalized, stride, buffer, pointer};
+}
+
 void Integerv(CCall& call, unsigned pname, std::int32_t* data) {
     const SGlState& state = State();
     if (pname == GL_VIEWPORT) {
-        if (data != nullptr) std::copy_n(state.viewport, 4, data);
-        return call.End();
+        if (data != nullptr) std::copy_n(state.viewport.data(), 4, data);
+        return;
     }
-    const std::map<unsigned, std::int32_t> known = {
-        {GL_MAX_VERTEX_ATTRIBS, static_cast<std::int32_t>(maxAttributes)},
-        {GL_FRAMEBUFFER_BINDING, state.framebuffer},
-        {GL_ARRAY_BUFFER_BINDING, state.arrayBuffer},
-        {GL_ELEMENT_ARRAY_BUFFER_BINDING, state.elementBuffer},
-        {GL_CURRENT_PROGRAM, state.currentProgram},
-        {GL_CLIENT_ACTIVE_TEXTURE, state.clientActiveTexture},
-        {GL_MAX_TEXTURE_UNITS, 8},
-        {0x9135, 4},  // the most samples of the multisampling extension
-        {GL_UNPACK_ALIGNMENT, state.unpackAlignment},
-        {GL_PIXEL_UNPACK_BUFFER_BINDING, state.unpackBuffer}};
-    const auto stored = state.pixelStore.find(pname);
-    const auto found = known.find(pname);
-    OneInteger(call,
-               found != known.end()               ? found->second
-               : stored != state.pixelStore.end() ? stored->second
-                                                  : ClientArrayInteger(pname),
+    const auto found = state.integers.find(pname);
+    OneInteger(call, found != state.integers.end() ? found->second : ClientArrayInteger(pname),
                data);
 }
 
-void VertexAttribiv(CCall& call, unsigned index, unsigned pname, std::int32_t* data) {
-    static const SAttribute none;
-    const SAttribute& attribute = index < maxAttributes ? State().attributes[index] : none;
+std::int32_t AttributeInteger(unsigned index, unsigned pname) {
+    const SAttribute& attribute = Attribute(index);
     const std::map<unsigned, std::int32_t> known = {
-        {GL_VERTEX_ATTRIB_ARRAY_ENABLED, attribute.enabled},
+        {GL_VERTEX_ATTRIB_ARRAY_ENABLED, attribute.enabled ? 1 : 0},
         {GL_VERTEX_ATTRIB_ARRAY_SIZE, attribute.size},
         {GL_VERTEX_ATTRIB_ARRAY_STRIDE, attribute.stride},
-        {GL_VERTEX_ATTRIB_ARRAY_TYPE, attribute.type},
+        {GL_VERTEX_ATTRIB_ARRAY_TYPE, static_cast<std::int32_t>(attribute.type)},
         {GL_VERTEX_ATTRIB_ARRAY_NORMALIZED, attribute.normalized},
         {GL_VERTEX_ATTRIB_ARRAY_BUFFER_BINDING, attribute.buffer}};
     const auto found = known.find(pname);
-    OneInteger(call, found != known.end() ? found->second : 0, data);
-}
-
-void BufferParameteriv(CCall& call, unsigned pname, std::int32_t* data) {
-    std::int32_t usual = 0;
-    if (pname == 0x88BC) usual = State().isMapped ? 1 : 0;                          // mapped
-    if (pname == 0x8764) usual = static_cast<std::int32_t>(sizeof State().mapped);  // the size
-    OneInteger(call, usual, data);
-}
-
-int ClientSlot(unsigned array) {
-    for (const SClientArrayNames& names : clientArrayNames) {
-        if (names.array == array) return SlotOf(names);
-    }
-    return -1;
-}
-
-int IsClientArrayEnabled(unsigned array) {
-    const int slot = ClientSlot(array);
-    return slot < 0 ? 0 : State().clientArrays[slot].enabled;
-}
-
-const void* ClientArrayPointer(unsigned pname) {
-    for (const SClientArrayNames& names : clientArrayNames) {
-        const int slot = SlotOf(names);
-        if (names.pointer == pname && slot >= 0) return State().clientArrays[slot].pointer;
-    }
-    return nullptr;
-}
-
-void SetClientArray(unsigned array, int size, unsigned type, int stride, const void* pointer) {
-    const int slot = ClientSlot(array);
-    if (slot < 0) return;
-    SAttribute& target = State().clientArrays[slot];
-    target.size = size;
-    target.type = static_cast<std::int32_t>(type);
-    target.stride = stride;
-    target.buffer = State().arrayBuffer;
-    target.pointer = pointer;
-}
-
-void SetAttribute(unsigned index, int size, unsigned type, int normalized, int stride,
-                  const void* pointer) {
-    if (index >= maxAttributes) return;
-    SAttribute& target = State().attributes[index];
-    target.size = size;
-    target.type = static_cast<std::int32_t>(type);
-    target.normalized = normalized;
-    target.stride = stride;
-    target.buffer = State().arrayBuffer;
-    target.pointer = pointer;
+    return found != known.end() ? found->second : 0;
 }
 
 }  // namespace kestrail::host

@@ -16,14 +16,8 @@ class Param:
         match = re.match(r"(?P<type>.*?[\s*])(?P<name>\w+)$", text.strip())
         self.type = re.sub(r"\s+", " ", match["type"]).strip()
         self.name = match["name"]
-
-    @property
-    def pointer(self):
-        return "*" in self.type
-
-    @property
-    def output(self):
-        return self.pointer and not self.type.startswith("const")
+        self.pointer = "*" in self.type
+        self.output = self.pointer and not self.type.startswith("const")
 
 
 class Entry:
@@ -32,32 +26,25 @@ class Entry:
         self.name = name
         self.params = params
 
-    def param(self, name):
-        return next((p for p in self.params if p.name == name), None)
+    def value(self, *names):
+        """The first of these that is the name of a parameter, and no pointer."""
+        values = [p.name for p in self.params if not p.pointer]
+        return next((name for name in names if name in values), None)
 
 
-def find_header(include_dirs, header):
-    for folder in include_dirs:
-        path = pathlib.Path(folder) / header
-        if path.exists():
-            return path
-    raise SystemExit(f"{header}: not found in {', '.join(map(str, include_dirs))}")
-
-
-def entries(include_dirs, header):
+def entries(folder, header):
     """All entry points of a header by name, in its own order."""
-    text = find_header(include_dirs, header).read_text()
     found = {}
-    for match in _PROTOTYPE.finditer(text):
+    for match in _PROTOTYPE.finditer(pathlib.Path(folder, header).read_text()):
         params = match["params"].strip()
         listed = [] if params in ("", "void") else [Param(p) for p in params.split(",")]
         found[match["name"]] = Entry(match["result"], match["name"], listed)
     return found
 
 
-def enumerants(include_dirs, headers):
+def enumerants(folder, headers):
     values = {}
     for header in headers:
-        for name, value in _ENUMERANT.findall(find_header(include_dirs, header).read_text()):
+        for name, value in _ENUMERANT.findall(pathlib.Path(folder, header).read_text()):
             values.setdefault(name, int(value, 0))
     return values
