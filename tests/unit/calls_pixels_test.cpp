@@ -9,8 +9,7 @@ namespace kestrail {
 namespace {
 
 constexpr std::uint32_t kBytes = 5121, k4444 = 32819, k5551 = 32820, k565 = 33635;
-constexpr std::uint32_t kAlpha = 6406, kRgb = 6407, kRgba = 6408, kGrey = 6409, kGreyAlpha = 6410,
-                        kBgra = 32993;
+constexpr std::uint32_t kRgb = 6407, kRgba = 6408, kBgra = 32993;
 constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
 constexpr std::int32_t kLeast = std::numeric_limits<std::int32_t>::min();
 
