@@ -406,7 +406,7 @@ SAttribute& ClientArray(unsigned name) {
 void SetArray(SAttribute& array, int size, unsigned type, int normalized, int stride,
               const void* pointer) {
     const std::int32_t buffer = State().integers[GL_ARRAY_BUFFER_BINDING];
-    array = {array.enabled, size, type, normalized, stride, buffer, pointer};
+    array = {array.enabled, size, type, normalized, stride, buffer, const_cast<void*>(pointer)};
 }
 
 void Integerv(CCall& call, unsigned pname, std::int32_t* data) {

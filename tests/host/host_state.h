@@ -76,7 +76,7 @@ struct SAttribute {
     std::int32_t normalized = 0;
     std::int32_t stride = 0;
     std::int32_t buffer = 0;
-    const void* pointer = nullptr;
+    void* pointer = nullptr;
 };
 
 struct SGlState {
@@ -133,7 +133,7 @@ void OneInteger(CCall& call, std::int32_t usual, std::int32_t* data);
 
 template <typename Value, typename Given>
 void Put(Value* target, Given value) {
-    if (target != nullptr) *target = (Value)value;
+    if (target != nullptr) *target = static_cast<Value>(value);
 }
 
 /// Generated: the value of a published enumerant, or -1.
