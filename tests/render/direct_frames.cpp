@@ -1,29 +1,26 @@
 #include "tests/render/direct_frames.h"
 
 #include <GLES2/gl2.h>
-#include <gtest/gtest.h>
-
-#include <utility>
 
 #include "samples/common/direct_back_end.h"
 
 namespace kestrail {
 
-std::vector<SPicture> DrawDirectly(SceneDrawer* draw, const samples::SSceneSize& size) {
-    std::vector<SPicture> frames;
+Pictures DrawDirectly(SceneDrawer* draw, const samples::SSceneSize& size) {
+    Pictures frames;
     samples::CDirectBackEnd backEnd([&] {
         const auto getError = reinterpret_cast<decltype(&glGetError)>(backEnd.Find("glGetError"));
         const auto readPixels =
             reinterpret_cast<decltype(&glReadPixels)>(backEnd.Find("glReadPixels"));
-        SPicture frame;
+        SPicture& frame = frames[static_cast<unsigned>(frames.size()) + 1];
         frame.width = static_cast<std::uint32_t>(size.width);
         frame.height = static_cast<std::uint32_t>(size.height);
         frame.pixels.resize(std::size_t{frame.width} * frame.height * 4);
         EXPECT_EQ(getError(), static_cast<GLenum>(GL_NO_ERROR));
         readPixels(0, 0, size.width, size.height, GL_RGBA, GL_UNSIGNED_BYTE, frame.pixels.data());
-        frames.push_back(std::move(frame));
     });
     if (!draw(backEnd, size)) ADD_FAILURE() << "no EGL surface to draw on";
+    EXPECT_EQ(frames.size(), static_cast<std::size_t>(size.frames));
     return frames;
 }
 

@@ -1,8 +1,6 @@
 // The frames of a sample scene, drawn on the driver by the scene itself.
 #pragma once
 
-#include <vector>
-
 #include "samples/scenes.h"
 #include "tests/render/player_run.h"
 
@@ -10,7 +8,7 @@ namespace kestrail {
 
 using SceneDrawer = bool(samples::IBackEnd&, const samples::SSceneSize&);
 
-/// Each frame as it is when it is swapped. A scene that cannot be drawn fails the test.
-std::vector<SPicture> DrawDirectly(SceneDrawer* draw, const samples::SSceneSize& size);
+/// Each frame as it is when it is swapped. A scene that cannot be drawn to its end fails the test.
+Pictures DrawDirectly(SceneDrawer* draw, const samples::SSceneSize& size);
 
 }  // namespace kestrail

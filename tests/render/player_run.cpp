@@ -5,38 +5,39 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <regex>
 
 #include "tests/support/program_run.h"
 
 namespace kestrail {
 
 SPlayerRun RunPlayer(const std::string& trace, const std::vector<std::string>& options,
-                     const std::string& captureFolder) {
+                     const std::string& folder) {
+    const std::string captureFolder = KESTRAIL_RENDER_OUTPUT "/" + folder;
     std::filesystem::remove_all(captureFolder);
     std::filesystem::create_directories(captureFolder);
+    const auto value = [](const char* name) {
+        const char* const text = std::getenv(name);
+        return std::string(text != nullptr ? text : "");
+    };
     SRunOptions run;
     run.host.clear();
     run.memoryLimit = 0;
     run.timeoutSeconds = 200;
-    run.environment = {"KESTRAIL_CAPTURE_DIR=" + captureFolder};
-    std::string libraries = KESTRAIL_CAPTURE_LIBRARIES;
-    if (const char* const old = std::getenv("LD_LIBRARY_PATH")) libraries += std::string(":") + old;
-    run.environment.push_back("LD_LIBRARY_PATH=" + libraries);
-    for (const char* name : {"DISPLAY", "XAUTHORITY"}) {
-        if (const char* const value = std::getenv(name)) {
-            run.environment.push_back(std::string(name) + "=" + value);
-        }
-    }
+    run.environment = {"KESTRAIL_CAPTURE_DIR=" + captureFolder, "DISPLAY=" + value("DISPLAY"),
+                       "LD_LIBRARY_PATH=" KESTRAIL_CAPTURE_LIBRARIES ":" + value("LD_LIBRARY_PATH"),
+                       "XAUTHORITY=" + value("XAUTHORITY")};
     std::vector<std::string> words = {trace};
     words.insert(words.end(), options.begin(), options.end());
+    std::erase(words, "");
     const SRunResult result = RunProgram(words, run);
-    return {!result.timedOut && result.signal == 0, result.Ok() ? 0 : result.status | result.signal,
-            result.Lines(), captureFolder};
+    EXPECT_TRUE(result.Ok()) << result.Ending();
+    return {result.Lines(), captureFolder};
 }
 
-SPicture CapturedFrame(const SPlayerRun& run, unsigned number) {
+SPicture SPlayerRun::Frame(unsigned number) const {
     SPicture picture;
-    std::ifstream file(run.captureFolder + "/frame-" + std::to_string(number) + ".rgba",
+    std::ifstream file(captureFolder + "/frame-" + std::to_string(number) + ".rgba",
                        std::ios::binary);
     std::array<std::uint32_t, 2> size{};
     if (!file.read(reinterpret_cast<char*>(size.data()), sizeof size)) return picture;
@@ -48,26 +49,14 @@ SPicture CapturedFrame(const SPlayerRun& run, unsigned number) {
     return picture;
 }
 
-std::vector<std::string> Complaints(const SPlayerRun& run) {
-    constexpr std::array words = {"Error call:",
-                                  "Error Code",
-                                  "Error loading",
-                                  "Exception",
-                                  "No enought Data",
-                                  "dlopen failed",
-                                  "Playback Link Status",
-                                  "Aborting Playback",
-                                  "not available on this platform"};
-    std::vector<std::string> found;
-    for (const std::string& line : run.lines) {
-        // A call's own line may quote any text, shader sources among them. The line that follows
-        // each "Error call:" says nothing more.
-        if (line.find("Frame(P): ") != std::string::npos) continue;
-        if (std::any_of(words.begin(), words.end(),
-                        [&](const char* word) { return line.find(word) != std::string::npos; })) {
-            found.push_back(line);
-        }
-    }
+std::vector<std::string> SPlayerRun::LinesWith(const std::string& pattern,
+                                               const std::string& allowed) const {
+    const std::regex wanted(pattern);
+    const std::regex unwanted("Frame\\(P\\): " + (allowed.empty() ? "" : "|" + allowed));
+    std::vector<std::string> found = lines;
+    std::erase_if(found, [&](const std::string& line) {
+        return std::regex_search(line, unwanted) || !std::regex_search(line, wanted);
+    });
     return found;
 }
 
@@ -85,19 +74,20 @@ SDifference Compare(const SPicture& expected, const SPicture& actual) {
                           expected.pixels.size() == actual.pixels.size();
     if (!difference.sameSize) return difference;
     for (std::size_t i = 0; i + 4 <= expected.pixels.size(); i += 4) {
-        unsigned colour = 0;
-        unsigned alpha = 0;
-        for (std::size_t channel = 0; channel < 4; ++channel) {
-            const int step = expected.pixels[i + channel] - actual.pixels[i + channel];
-            unsigned& largest = channel == 3 ? alpha : colour;
+        unsigned largest = 0;
+        for (std::size_t channel = i; channel < i + 4; ++channel) {
+            const int step = expected.pixels[channel] - actual.pixels[channel];
             largest = std::max(largest, static_cast<unsigned>(std::abs(step)));
         }
-        if (colour == 0 && alpha == 0) continue;
-        ++difference.pixels;
-        if (colour == 0) ++difference.alphaOnlyPixels;
-        difference.largestStep = std::max({difference.largestStep, colour, alpha});
+        difference.pixels += largest != 0 ? 1 : 0;
+        difference.largestStep = std::max(difference.largestStep, largest);
     }
     return difference;
+}
+
+std::ostream& operator<<(std::ostream& out, const SDifference& difference) {
+    if (!difference.sameSize) return out << "missing or of another size";
+    return out << difference.pixels << " pixels differ, by up to " << difference.largestStep;
 }
 
 }  // namespace kestrail

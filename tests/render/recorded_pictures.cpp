@@ -29,16 +29,13 @@ public:
         if (size > Size() || offset > Size() - size) throw std::runtime_error("trace is cut short");
         return reinterpret_cast<const std::uint8_t*>(m_bytes.data()) + offset;
     }
-    std::uint32_t U32(std::size_t offset) const {
-        std::uint32_t value = 0;
+    template <typename Value>
+    std::size_t Get(std::size_t offset) const {
+        Value value = 0;
         std::memcpy(&value, At(offset, sizeof value), sizeof value);
         return value;
     }
-    std::uint16_t U16(std::size_t offset) const {
-        std::uint16_t value = 0;
-        std::memcpy(&value, At(offset, sizeof value), sizeof value);
-        return value;
-    }
+    std::size_t U32(std::size_t offset) const { return Get<std::uint32_t>(offset); }
 
 private:
     std::vector<char> m_bytes;
@@ -89,23 +86,23 @@ std::string TraceTestName(const testing::TestParamInfo<std::string>& tested) {
     return name;
 }
 
-std::map<unsigned, SPicture> RecordedPictures(const std::string& trace) {
+Pictures RecordedPictures(const std::string& trace) {
     const CFile file(trace);
-    std::map<unsigned, SPicture> pictures;
+    Pictures pictures;
     unsigned number = 0;
     std::size_t record = FirstRecord(file);
     while (record + footerSize < file.Size()) {
         const std::size_t payload = record + 6;
-        if (file.U16(record + 4) == swapId) {
+        if (file.Get<std::uint16_t>(record + 4) == swapId) {
             ++number;
             // error, result, display, surface, frame, width, height, pointer, size, bytes
-            SPicture picture;
-            picture.width = file.U32(payload + 20);
-            picture.height = file.U32(payload + 24);
             const std::size_t size = file.U32(payload + 32);
             const std::uint8_t* const pixels = file.At(payload + 36, size);
-            picture.pixels.assign(pixels, pixels + size);
-            if (size != 0) pictures[number] = std::move(picture);
+            if (size != 0) {
+                pictures[number] = {static_cast<std::uint32_t>(file.U32(payload + 20)),
+                                    static_cast<std::uint32_t>(file.U32(payload + 24)),
+                                    {pixels, pixels + size}};
+            }
         }
         record = payload + file.U32(record);
     }

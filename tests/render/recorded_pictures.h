@@ -2,12 +2,6 @@
 // fault of the reader can't make the player and its measure wrong in the same way.
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <map>
-#include <string>
-#include <vector>
-
 #include "tests/render/player_run.h"
 
 namespace kestrail {
@@ -23,6 +17,6 @@ std::string TraceTestName(const testing::TestParamInfo<std::string>& tested);
 
 /// By number of the swap, from 1 on; swaps without a picture are left out. Throws
 /// std::runtime_error for a file that isn't of version 14 with 4-byte values.
-std::map<unsigned, SPicture> RecordedPictures(const std::string& trace);
+Pictures RecordedPictures(const std::string& trace);
 
 }  // namespace kestrail

@@ -5,6 +5,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
@@ -12,6 +13,7 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <sstream>
 #include <stdexcept>
 #include <thread>
@@ -22,25 +24,20 @@ namespace {
 
 std::string ReadFile(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
+    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 std::vector<std::string> SplitLines(const std::string& text) {
     std::vector<std::string> lines;
     std::istringstream stream(text);
-    std::string line;
-    while (std::getline(stream, line)) lines.push_back(line);
+    for (std::string line; std::getline(stream, line);) lines.push_back(line);
     return lines;
 }
 
+constexpr char callLine[] = "KESTRAIL(M) Frame(P)";
+
 bool StartsWith(const std::string& text, std::string_view start) {
     return text.compare(0, start.size(), start) == 0;
-}
-
-std::string EntryOf(const std::string& call) {
-    return call.substr(0, call.find('('));
 }
 
 std::vector<char*> Pointers(std::vector<std::string>& texts) {
@@ -50,11 +47,10 @@ std::vector<char*> Pointers(std::vector<std::string>& texts) {
     return pointers;
 }
 
-std::vector<std::string> Environment(const SRunOptions& options, const std::string& log,
-                                     const std::string& script) {
+std::vector<std::string> Environment(const SRunOptions& options, const CTempFolder& folder) {
     std::vector<std::string> environment = options.environment;
-    environment.push_back("KESTRAIL_HOST_LOG=" + log);
-    if (!options.script.empty()) environment.push_back("KESTRAIL_HOST_SCRIPT=" + script);
+    environment.push_back("KESTRAIL_HOST_LOG=" + folder.File("host.log"));
+    environment.push_back("KESTRAIL_HOST_SCRIPT=" + folder.File("script"));
     // What a folder lacks comes from the full set, never from the system.
     const std::string hosts = KESTRAIL_HOST_FOLDER;
     if (!options.host.empty()) {
@@ -70,25 +66,24 @@ std::vector<std::string> Environment(const SRunOptions& options, const std::stri
     return environment;
 }
 
-void RedirectTo(const char* path, int target) {
-    const int file = open(path, O_WRONLY | O_CREAT | O_TRUNC, 0644);
+void RedirectTo(const char* name, int target) {
+    const int file = open(name, O_WRONLY | O_CREAT | O_TRUNC, 0644);
     if (file < 0) _exit(126);
     dup2(file, target);
     close(file);
 }
 
-[[noreturn]] void RunChild(const SRunOptions& options, const std::string& folder,
-                           const std::string& out, const std::string& err, char* const* arguments,
-                           char* const* environment) {
-    RedirectTo(out.c_str(), STDOUT_FILENO);
-    RedirectTo(err.c_str(), STDERR_FILENO);
-    if (chdir(folder.c_str()) != 0) _exit(126);
-    rlimit noCore{0, 0};
-    setrlimit(RLIMIT_CORE, &noCore);
+[[noreturn]] void RunChild(const SRunOptions& options, const CTempFolder& folder,
+                           char* const* arguments, char* const* environment) {
+    if (chdir(folder.Path().c_str()) != 0) _exit(126);
+    RedirectTo("out", STDOUT_FILENO);
+    RedirectTo("err", STDERR_FILENO);
+    if (!options.folder.empty() && chdir(options.folder.c_str()) != 0) _exit(126);
+    rlimit limit{0, 0};
+    setrlimit(RLIMIT_CORE, &limit);
     if (options.memoryLimit != 0 && !IsSanitized()) {
-        rlimit memory{};
-        memory.rlim_cur = memory.rlim_max = static_cast<rlim_t>(options.memoryLimit) << 20;
-        setrlimit(RLIMIT_AS, &memory);
+        limit.rlim_cur = limit.rlim_max = static_cast<rlim_t>(options.memoryLimit) << 20;
+        setrlimit(RLIMIT_AS, &limit);
     }
     execve(KESTRAIL_PLAYER, arguments, environment);
     _exit(127);
@@ -163,52 +158,30 @@ std::vector<std::string> SRunResult::Messages() const {
                                         "KESTRAIL(M) Processing File... Done",
                                         "KESTRAIL(M) Host Library Loaded",
                                         "KESTRAIL(M) Default FBO",
-                                        "KESTRAIL(M) Frame(P)",
+                                        callLine,
                                         "****** Low Memory option enabled"};
-    std::vector<std::string> messages;
-    for (const std::string& line : Lines()) {
-        bool known = false;
-        for (const char* start : usual) known = known || StartsWith(line, start);
-        if (!known) messages.push_back(line);
-    }
-    return messages;
-}
-
-std::vector<std::string> SRunResult::CallLines() const {
-    std::vector<std::string> lines;
-    for (const std::string& line : Lines()) {
-        if (StartsWith(line, "KESTRAIL(M) Frame(P)")) lines.push_back(line);
-    }
+    std::vector<std::string> lines = Lines();
+    std::erase_if(lines, [](const std::string& line) {
+        return std::any_of(std::begin(usual), std::end(usual),
+                           [&](const char* start) { return StartsWith(line, start); });
+    });
     return lines;
 }
 
-std::vector<std::string> SRunResult::CallsOf(const std::vector<std::string>& entries) const {
-    std::vector<std::string> found;
-    for (const std::string& call : calls) {
-        for (const std::string& entry : entries) {
-            if (EntryOf(call) == entry) found.push_back(call);
-        }
-    }
-    return found;
+std::vector<std::string> SRunResult::CallLines() const {
+    std::vector<std::string> lines = Lines();
+    std::erase_if(lines, [](const std::string& line) { return !StartsWith(line, callLine); });
+    return lines;
 }
 
 std::vector<std::string> SRunResult::GlCalls() const {
-    std::vector<std::string> found;
-    bool started = false;
-    for (const std::string& call : calls) {
-        const std::string entry = EntryOf(call);
-        if (StartsWith(entry, "egl")) {
-            continue;
-        }
-        // The player's own look at the default framebuffer opens the ES 2 traces.
-        if (!started && entry == "glGetIntegerv") {
-            started = true;
-            continue;
-        }
-        started = true;
-        if (entry == "glGetError" || entry == "es1.glGetError") continue;
-        found.push_back(call);
-    }
+    std::vector<std::string> found = calls;
+    std::erase_if(found, [](const std::string& call) { return StartsWith(call, "egl"); });
+    // The player's own look at the default framebuffer opens the ES 2 traces.
+    if (!found.empty() && StartsWith(found[0], "glGetIntegerv(")) found.erase(found.begin());
+    std::erase_if(found, [](const std::string& call) {
+        return StartsWith(call, "glGetError(") || StartsWith(call, "es1.glGetError(");
+    });
     return found;
 }
 
@@ -220,28 +193,21 @@ std::string SRunResult::Ending() const {
 
 SRunResult RunProgram(const std::vector<std::string>& arguments, const SRunOptions& options) {
     const CTempFolder folder;
-    const std::string log = folder.File("host.log");
-    const std::string script = folder.File("script");
-    if (!options.script.empty()) std::ofstream(script) << options.script;
-    const std::string out = folder.File("out");
-    const std::string err = folder.File("err");
-    std::vector<std::string> environment = Environment(options, log, script);
+    std::ofstream(folder.File("script")) << options.script;
+    std::vector<std::string> environment = Environment(options, folder);
     std::vector<std::string> words = {KESTRAIL_PLAYER};
     words.insert(words.end(), arguments.begin(), arguments.end());
     const std::vector<char*> environmentPointers = Pointers(environment);
     const std::vector<char*> wordPointers = Pointers(words);
-    const std::string start = options.folder.empty() ? folder.Path() : options.folder;
 
     SRunResult result;
     const pid_t child = fork();
     if (child < 0) throw std::runtime_error(std::strerror(errno));
-    if (child == 0) {
-        RunChild(options, start, out, err, wordPointers.data(), environmentPointers.data());
-    }
+    if (child == 0) RunChild(options, folder, wordPointers.data(), environmentPointers.data());
     WaitFor(child, options, result);
-    result.out = ReadFile(out);
-    result.err = ReadFile(err);
-    for (std::string& line : SplitLines(ReadFile(log))) {
+    result.out = ReadFile(folder.File("out"));
+    result.err = ReadFile(folder.File("err"));
+    for (std::string& line : SplitLines(ReadFile(folder.File("host.log")))) {
         if (StartsWith(line, "live ")) {
             const std::size_t space = line.rfind(' ');
             result.live[line.substr(5, space - 5)] = std::atoi(line.c_str() + space);
@@ -252,21 +218,16 @@ SRunResult RunProgram(const std::vector<std::string>& arguments, const SRunOptio
     return result;
 }
 
-SRunResult RunBytes(const Bytes& bytes, const std::vector<std::string>& arguments,
-                    const SRunOptions& options) {
-    const CTempFolder folder;
-    const std::string path = folder.File("trace.kstl");
-    std::ofstream(path, std::ios::binary)
-        .write(reinterpret_cast<const char*>(bytes.data()),
-               static_cast<std::streamsize>(bytes.size()));
-    std::vector<std::string> words = {path};
-    words.insert(words.end(), arguments.begin(), arguments.end());
-    return RunProgram(words, options);
-}
-
 SRunResult RunTrace(const CTraceBuilder& trace, const std::vector<std::string>& arguments,
                     const SRunOptions& options) {
-    return RunBytes(trace.Build(), arguments, options);
+    const CTempFolder folder;
+    std::vector<std::string> words = {folder.File("trace.kstl")};
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    const Bytes bytes = trace.Build();
+    std::ofstream(words[0], std::ios::binary)
+        .write(reinterpret_cast<const char*>(bytes.data()),
+               static_cast<std::streamsize>(bytes.size()));
+    return RunProgram(words, options);
 }
 
 }  // namespace kestrail

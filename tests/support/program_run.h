@@ -61,8 +61,6 @@ struct SRunResult {
     std::vector<std::string> Messages() const;
     /// The "Frame(P)" lines.
     std::vector<std::string> CallLines() const;
-    /// Host calls of these entries only.
-    std::vector<std::string> CallsOf(const std::vector<std::string>& entries) const;
     /// Host calls from the end of the start-up on, without the checks by glGetError and
     /// eglGetError.
     std::vector<std::string> GlCalls() const;
@@ -74,8 +72,6 @@ struct SRunResult {
 SRunResult RunProgram(const std::vector<std::string>& arguments, const SRunOptions& options = {});
 /// Writes the trace to a file and runs the player on it with further arguments behind.
 SRunResult RunTrace(const CTraceBuilder& trace, const std::vector<std::string>& arguments = {},
-                    const SRunOptions& options = {});
-SRunResult RunBytes(const Bytes& bytes, const std::vector<std::string>& arguments = {},
                     const SRunOptions& options = {});
 
 /// True for a build whose sanitizer reserves address space of its own.
