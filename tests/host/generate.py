@@ -177,11 +177,37 @@ def write_enumerants(out, folder):
     out.write("\n}\n")
 
 
-def write_prototypes(out, folder):
-    """Rows for the table tests: family, entry, result, and each parameter's type and name."""
+# Recorded calls are numbered as the headers list their entries, but for these, each with the one that
+# it stands behind. ES 1.1 goes by the alphabet, and EGL ends with its version 1.2.
+MOVED = {
+    "Egl": [("eglGetCurrentContext", "eglGetConfigs"),
+            ("eglQueryAPI", "eglCreatePbufferFromClientBuffer")],
+    "Es1": [("glGenBuffers", "glGetClipPlanex"), ("glGenTextures", "glGenBuffers"),
+            ("glPointSizePointerOES", "glViewport")],
+    "Es2": [("glDeleteTextures", "glDeleteFramebuffers"), ("glDetachShader", "glDeleteShader")],
+}
+
+
+def by_identifier(folder):
+    """The entries of each family in the order of their identifiers."""
     headers = {"Egl": "EGL/egl.h", "Es1": "GLES/gl.h", "Es2": "GLES2/gl2.h", "Es3": "GLES3/gl3.h"}
     sets = {family: khronos.entries(folder, header) for family, header in headers.items()}
-    for family, entries in (sets | {"Ext": extension_entries(folder)}).items():
+    sets["Es1"] = dict(sorted(sets["Es1"].items()))
+    sets["Es3"] = {n: e for n, e in sets["Es3"].items() if n not in sets["Es2"]}
+    for family, moves in MOVED.items():
+        names = list(sets[family])
+        for name, before in moves:
+            names.remove(name)
+            names.insert(names.index(before) + 1, name)
+        sets[family] = {name: sets[family][name] for name in names}
+    egl = list(sets["Egl"])
+    sets["Egl"] = {n: sets["Egl"][n] for n in egl[:egl.index("eglWaitClient") + 1]}
+    return sets
+
+
+def write_prototypes(out, folder):
+    """Rows for the table tests: family, entry, result, and each parameter's type and name."""
+    for family, entries in (by_identifier(folder) | {"Ext": extension_entries(folder)}).items():
         for entry in entries.values():
             params = ";".join(f"{p.type}|{p.name}" for p in entry.params)
             out.write(f'"{family};{entry.name};{entry.result};{params}",\n')

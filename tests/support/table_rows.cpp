@@ -39,6 +39,15 @@ std::vector<std::string> Words(const std::string& text) {
     return {std::istream_iterator<std::string>(stream), {}};
 }
 
+/// In the order of the identifiers.
+std::vector<std::string> Entries(const std::string& family) {
+    std::vector<std::string> entries;
+    for (const SPrototype& prototype : Prototypes()) {
+        if (prototype.family == family) entries.push_back(prototype.entry);
+    }
+    return entries;
+}
+
 std::map<std::string, Played> Marked(const std::vector<std::string>& unplayed,
                                      const std::vector<std::string>& checked,
                                      const std::vector<std::string>& byHand) {
@@ -63,15 +72,7 @@ const SFamilyRows& EglRows() {
         SFamilyRows egl;
         egl.family = "Egl";
         egl.first = 1001;
-        egl.entries = Words(R"(
-            eglChooseConfig eglCopyBuffers eglCreateContext eglCreatePbufferSurface
-            eglCreatePixmapSurface eglCreateWindowSurface eglDestroyContext eglDestroySurface
-            eglGetConfigAttrib eglGetConfigs eglGetCurrentContext eglGetCurrentDisplay
-            eglGetCurrentSurface eglGetDisplay eglGetError eglGetProcAddress eglInitialize
-            eglMakeCurrent eglQueryContext eglQueryString eglQuerySurface eglSwapBuffers
-            eglTerminate eglWaitGL eglWaitNative eglBindTexImage eglReleaseTexImage
-            eglSurfaceAttrib eglSwapInterval eglBindAPI eglCreatePbufferFromClientBuffer
-            eglQueryAPI eglReleaseThread eglWaitClient)");
+        egl.entries = Entries("Egl");
         return egl;
     }();
     return rows;
@@ -83,36 +84,7 @@ const SFamilyRows& Es2Rows() {
         SFamilyRows es2;
         es2.family = "Es2";
         es2.first = 2001;
-        es2.entries = Words(R"(
-            glActiveTexture glAttachShader glBindAttribLocation glBindBuffer glBindFramebuffer
-            glBindRenderbuffer glBindTexture glBlendColor glBlendEquation glBlendEquationSeparate
-            glBlendFunc glBlendFuncSeparate glBufferData glBufferSubData glCheckFramebufferStatus
-            glClear glClearColor glClearDepthf glClearStencil glColorMask glCompileShader
-            glCompressedTexImage2D glCompressedTexSubImage2D glCopyTexImage2D glCopyTexSubImage2D
-            glCreateProgram glCreateShader glCullFace glDeleteBuffers glDeleteFramebuffers
-            glDeleteTextures glDeleteProgram glDeleteRenderbuffers glDeleteShader glDetachShader
-            glDepthFunc glDepthMask glDepthRangef glDisable glDisableVertexAttribArray
-            glDrawArrays glDrawElements glEnable glEnableVertexAttribArray glFinish glFlush
-            glFramebufferRenderbuffer glFramebufferTexture2D glFrontFace glGenBuffers
-            glGenerateMipmap glGenFramebuffers glGenRenderbuffers glGenTextures glGetActiveAttrib
-            glGetActiveUniform glGetAttachedShaders glGetAttribLocation glGetBooleanv
-            glGetBufferParameteriv glGetError glGetFloatv glGetFramebufferAttachmentParameteriv
-            glGetIntegerv glGetProgramiv glGetProgramInfoLog glGetRenderbufferParameteriv
-            glGetShaderiv glGetShaderInfoLog glGetShaderPrecisionFormat glGetShaderSource
-            glGetString glGetTexParameterfv glGetTexParameteriv glGetUniformfv glGetUniformiv
-            glGetUniformLocation glGetVertexAttribfv glGetVertexAttribiv glGetVertexAttribPointerv
-            glHint glIsBuffer glIsEnabled glIsFramebuffer glIsProgram glIsRenderbuffer glIsShader
-            glIsTexture glLineWidth glLinkProgram glPixelStorei glPolygonOffset glReadPixels
-            glReleaseShaderCompiler glRenderbufferStorage glSampleCoverage glScissor
-            glShaderBinary glShaderSource glStencilFunc glStencilFuncSeparate glStencilMask
-            glStencilMaskSeparate glStencilOp glStencilOpSeparate glTexImage2D glTexParameterf
-            glTexParameterfv glTexParameteri glTexParameteriv glTexSubImage2D glUniform1f
-            glUniform1fv glUniform1i glUniform1iv glUniform2f glUniform2fv glUniform2i
-            glUniform2iv glUniform3f glUniform3fv glUniform3i glUniform3iv glUniform4f
-            glUniform4fv glUniform4i glUniform4iv glUniformMatrix2fv glUniformMatrix3fv
-            glUniformMatrix4fv glUseProgram glValidateProgram glVertexAttrib1f glVertexAttrib1fv
-            glVertexAttrib2f glVertexAttrib2fv glVertexAttrib3f glVertexAttrib3fv glVertexAttrib4f
-            glVertexAttrib4fv glVertexAttribPointer glViewport)");
+        es2.entries = Entries("Es2");
         es2.played = Marked(Words(R"(
             glCheckFramebufferStatus glGetVertexAttribfv glGetVertexAttribiv
             glGetVertexAttribPointerv glIsBuffer glIsEnabled glIsFramebuffer glIsProgram
@@ -146,33 +118,7 @@ const SFamilyRows& Es1Rows() {
         es1.family = "Es1";
         es1.first = 3001;
         es1.prefix = "es1.";
-        es1.entries = Words(R"(
-            glActiveTexture glAlphaFunc glAlphaFuncx glBindBuffer glBindTexture glBlendFunc
-            glBufferData glBufferSubData glClear glClearColor glClearColorx glClearDepthf
-            glClearDepthx glClearStencil glClientActiveTexture glClipPlanef glClipPlanex glColor4f
-            glColor4ub glColor4x glColorMask glColorPointer glCompressedTexImage2D
-            glCompressedTexSubImage2D glCopyTexImage2D glCopyTexSubImage2D glCullFace
-            glDeleteBuffers glDeleteTextures glDepthFunc glDepthMask glDepthRangef glDepthRangex
-            glDisable glDisableClientState glDrawArrays glDrawElements glEnable
-            glEnableClientState glFinish glFlush glFogf glFogfv glFogx glFogxv glFrontFace
-            glFrustumf glFrustumx glGetBooleanv glGetBufferParameteriv glGetClipPlanef
-            glGetClipPlanex glGenBuffers glGenTextures glGetError glGetFixedv glGetFloatv
-            glGetIntegerv glGetLightfv glGetLightxv glGetMaterialfv glGetMaterialxv glGetPointerv
-            glGetString glGetTexEnvfv glGetTexEnviv glGetTexEnvxv glGetTexParameterfv
-            glGetTexParameteriv glGetTexParameterxv glHint glIsBuffer glIsEnabled glIsTexture
-            glLightModelf glLightModelfv glLightModelx glLightModelxv glLightf glLightfv glLightx
-            glLightxv glLineWidth glLineWidthx glLoadIdentity glLoadMatrixf glLoadMatrixx
-            glLogicOp glMaterialf glMaterialfv glMaterialx glMaterialxv glMatrixMode glMultMatrixf
-            glMultMatrixx glMultiTexCoord4f glMultiTexCoord4x glNormal3f glNormal3x
-            glNormalPointer glOrthof glOrthox glPixelStorei glPointParameterf glPointParameterfv
-            glPointParameterx glPointParameterxv glPointSize glPointSizex glPolygonOffset
-            glPolygonOffsetx glPopMatrix glPushMatrix glReadPixels glRotatef glRotatex
-            glSampleCoverage glSampleCoveragex glScalef glScalex glScissor glShadeModel
-            glStencilFunc glStencilMask glStencilOp glTexCoordPointer glTexEnvf glTexEnvfv
-            glTexEnvi glTexEnviv glTexEnvx glTexEnvxv glTexImage2D glTexParameterf
-            glTexParameterfv glTexParameteri glTexParameteriv glTexParameterx glTexParameterxv
-            glTexSubImage2D glTranslatef glTranslatex glVertexPointer glViewport
-            glPointSizePointerOES)");
+        es1.entries = Entries("Es1");
         es1.played = Marked(Words(R"(
             glGetBooleanv glGetBufferParameteriv glGetClipPlanef glGetClipPlanex glGetError
             glGetFixedv glGetFloatv glGetIntegerv glGetLightfv glGetLightxv glGetMaterialfv
@@ -194,32 +140,7 @@ const SFamilyRows& Es3Rows() {
         SFamilyRows es3;
         es3.family = "Es3";
         es3.first = 5143;
-        es3.entries = Words(R"(
-            glReadBuffer glDrawRangeElements glTexImage3D glTexSubImage3D glCopyTexSubImage3D
-            glCompressedTexImage3D glCompressedTexSubImage3D glGenQueries glDeleteQueries
-            glIsQuery glBeginQuery glEndQuery glGetQueryiv glGetQueryObjectuiv glUnmapBuffer
-            glGetBufferPointerv glDrawBuffers glUniformMatrix2x3fv glUniformMatrix3x2fv
-            glUniformMatrix2x4fv glUniformMatrix4x2fv glUniformMatrix3x4fv glUniformMatrix4x3fv
-            glBlitFramebuffer glRenderbufferStorageMultisample glFramebufferTextureLayer
-            glMapBufferRange glFlushMappedBufferRange glBindVertexArray glDeleteVertexArrays
-            glGenVertexArrays glIsVertexArray glGetIntegeri_v glBeginTransformFeedback
-            glEndTransformFeedback glBindBufferRange glBindBufferBase glTransformFeedbackVaryings
-            glGetTransformFeedbackVarying glVertexAttribIPointer glGetVertexAttribIiv
-            glGetVertexAttribIuiv glVertexAttribI4i glVertexAttribI4ui glVertexAttribI4iv
-            glVertexAttribI4uiv glGetUniformuiv glGetFragDataLocation glUniform1ui glUniform2ui
-            glUniform3ui glUniform4ui glUniform1uiv glUniform2uiv glUniform3uiv glUniform4uiv
-            glClearBufferiv glClearBufferuiv glClearBufferfv glClearBufferfi glGetStringi
-            glCopyBufferSubData glGetUniformIndices glGetActiveUniformsiv glGetUniformBlockIndex
-            glGetActiveUniformBlockiv glGetActiveUniformBlockName glUniformBlockBinding
-            glDrawArraysInstanced glDrawElementsInstanced glFenceSync glIsSync glDeleteSync
-            glClientWaitSync glWaitSync glGetInteger64v glGetSynciv glGetInteger64i_v
-            glGetBufferParameteri64v glGenSamplers glDeleteSamplers glIsSampler glBindSampler
-            glSamplerParameteri glSamplerParameteriv glSamplerParameterf glSamplerParameterfv
-            glGetSamplerParameteriv glGetSamplerParameterfv glVertexAttribDivisor
-            glBindTransformFeedback glDeleteTransformFeedbacks glGenTransformFeedbacks
-            glIsTransformFeedback glPauseTransformFeedback glResumeTransformFeedback
-            glGetProgramBinary glProgramBinary glProgramParameteri glInvalidateFramebuffer
-            glInvalidateSubFramebuffer glTexStorage2D glTexStorage3D glGetInternalformativ)");
+        es3.entries = Entries("Es3");
         es3.played = Marked({}, Words(R"(
             glTexSubImage3D glGenQueries glIsQuery glBeginQuery glEndQuery glGetQueryiv
             glGetQueryObjectuiv glGetBufferPointerv glIsVertexArray glGetIntegeri_v
