@@ -52,12 +52,32 @@ TEST_F(TraceBytes, ReadsGoOnAcrossBlocks) {
     EXPECT_EQ(m_stream.Tell(), 256U);
 }
 
+TEST_F(TraceBytes, ReadsGoOnWithinALargeBlock) {
+    constexpr std::uint32_t kSize = 500000;
+    ASSERT_TRUE(Open(Counting(kSize)));
+    for (const std::uint32_t block : {200000U, kBlock}) {
+        MemoryManager::Instance().Allocate(block);
+        ASSERT_TRUE(m_stream.Open(m_file->Name(), true));
+        for (const std::uint32_t piece : {4093U, 20011U, 70001U}) {
+            ASSERT_EQ(m_stream.Seek(0, SEEK_SET), 0);
+            Bytes got(piece);
+            for (std::uint32_t at = 0; at + piece <= kSize; at += piece) {
+                ASSERT_EQ(m_stream.Tell(), at);
+                ASSERT_TRUE(m_stream.Read(got.data(), piece, true));
+                Bytes wanted(piece);
+                std::iota(wanted.begin(), wanted.end(), static_cast<std::uint8_t>(at));
+                ASSERT_EQ(got, wanted) << piece << " bytes at " << at;
+            }
+        }
+    }
+}
+
 TEST_F(TraceBytes, ReadsPastTheEnd) {
     ASSERT_TRUE(Open(Counting(100)));
     EXPECT_EQ(m_stream.Seek(96, SEEK_SET), 96);
-    // The block that holds the end has room behind it.
+    // The block that holds the end has room behind it, where the block before still stands.
     EXPECT_TRUE(m_stream.Read(m_got, 8, true));
-    EXPECT_EQ(m_got[3], 99);
+    EXPECT_EQ(Bytes(m_got, m_got + 9), Bytes({96, 97, 98, 99, 4, 5, 6, 7, 0}));
     while (m_stream.Tell() < 96 + 64 - 8) ASSERT_TRUE(m_stream.Read(m_got, 8, true));
     // Behind it there is nothing more: no read gets anything, until a seek leads back.
     for (int i = 0; i < 5; ++i) EXPECT_FALSE(m_stream.Read(m_got, 40, true));

@@ -26,7 +26,7 @@ public:
     bool Open(const CKSTLString& name, bool read);
     /// The next `size` bytes; false if they could not be had. `swapHint` is not used.
     bool Read(void* buffer, std::uint32_t size, bool /*swapHint*/) {
-        return m_memory->ReadInBlock(buffer, size) || ReadWithRefill(buffer, size);
+        return m_memory->ReadInWindow(buffer, size) || ReadWithRefill(buffer, size);
     }
     // Kept: true for one byte only, as the count of items is compared; tools that save expect it.
     bool Write(const void* buffer, std::uint32_t size);

@@ -1,12 +1,13 @@
-// One fixed block of the input file in memory. Every byte of a trace is read through it, in both
-// load modes, so that file data never takes more than the block.
+// One fixed block of the input file. Every byte of a trace is read through it, in both load modes. What
+// is asked of the block passes through a window that stays in the processor's cache, so that file data
+// takes no more memory than the window.
 #pragma once
 
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <vector>
 
 #include "base/kstl_string.h"
 
@@ -26,33 +27,29 @@ public:
 
     static MemoryManager& Instance();
 
-    /// Opens `name` and fills the block from its start. False if it cannot be opened. Throws when
-    /// there is nothing to read in it.
+    /// Opens `name` with a block from its start. False if it cannot be opened. Throws when there is
+    /// nothing to read in it.
     bool Open(const CKSTLString& name);
     /// Copies the next `size` bytes. False if nothing was opened. A read past the end of the file
-    /// gives what the block holds there; a read larger than the block throws.
+    /// gives what the block holds there: bytes of the blocks before it, else zeros. A read larger
+    /// than the block throws.
     bool Read(void* destination, std::uint32_t size);
-    /// The part of `Read` that needs no refill: false, and nothing done, when the bytes do not
-    /// stand in the block.
-    bool ReadInBlock(void* destination, std::uint32_t size) {
-        const std::uint64_t end = std::uint64_t{static_cast<std::uint32_t>(m_blockPos)} + size;
-        // Kept: to the block's end, not the file's; recordings that were cut load up to the cut.
-        if (end > m_capacity || !m_block) return false;
-        std::memcpy(destination, m_block.get() + m_blockPos, size);
-        m_blockPos += static_cast<std::int32_t>(size);
-        m_position += size;
+    /// The part of `Read` that needs no file: false, and nothing done, when the bytes do not stand in
+    /// the window.
+    bool ReadInWindow(void* destination, std::uint32_t size) {
+        if (size == 0 || static_cast<std::size_t>(m_end - m_next) < size) return false;
+        std::memcpy(destination, m_next, size);
+        m_next += size;
         return true;
     }
     /// `whence` as in fseek. Returns the new absolute position; throws when `offset` is outside the
     /// file.
     std::int32_t Seek(std::int32_t offset, std::int32_t whence) {
-        const std::int64_t inBlock = std::int64_t{offset} - m_blockStart;
-        if (whence != SEEK_SET || offset >= m_fileSize || m_blockPos < 0 || m_blockStart < 0 ||
-            inBlock < 0 || inBlock > m_capacity) {
+        const std::int64_t inWindow = offset - m_windowStart;
+        if (whence != SEEK_SET || inWindow < 0 || inWindow >= m_end - m_window.get()) {
             return SeekFar(offset, whence);
         }
-        m_blockPos = static_cast<std::int32_t>(inBlock);
-        m_position = offset;
+        m_next = m_window.get() + inWindow;
         return offset;
     }
     /// Restarts the block at `offset`. Throws when the file brings nothing there; reads then go on
@@ -63,27 +60,39 @@ public:
     void Close();
 
     /// Of the next byte, from the file's start. May lie behind the file's end.
-    std::int64_t Position() const { return m_position; }
+    std::int64_t Position() const { return m_windowStart + (m_next - m_window.get()); }
     std::int32_t FileSize() const { return m_fileSize; }
 
 private:
     MemoryManager() = default;
     ~MemoryManager();
 
+    /// Bytes of the file that stand in the block from its first byte on.
+    struct SFill {
+        std::int64_t start = 0;
+        std::uint32_t length = 0;
+    };
+
     std::int32_t SeekFar(std::int32_t offset, std::int32_t whence);
+    /// An empty window there.
+    void MoveTo(std::int64_t position);
+    /// A window of what the block has from there on.
+    void LoadWindow(std::int64_t position);
     /// Nothing in the block is good any more: the next read or seek refills it.
     void Forget(std::int64_t position);
+    /// Copies bytes of the block from the file.
+    void CopyFromBlock(std::uint8_t* destination, std::uint32_t offset, std::uint32_t size);
+    bool ReadFile(std::uint8_t* destination, std::int64_t offset, std::uint32_t size);
 
-    struct Free {
-        void operator()(std::uint8_t* block) const { std::free(block); }
-    };
-    // Zeroed pages that the system hands out as they are touched: a small file takes little.
-    std::unique_ptr<std::uint8_t, Free> m_block;
-    std::int32_t m_blockStart = 0;
+    std::unique_ptr<std::uint8_t[]> m_window;
+    const std::uint8_t* m_next = nullptr;
+    const std::uint8_t* m_end = nullptr;
+    std::int64_t m_windowStart = 0;
+    /// Negative for no block.
+    std::int64_t m_blockStart = 0;
     std::uint32_t m_capacity = kBlockSize;
-    std::uint32_t m_loaded = 0;
-    std::int64_t m_position = 0;
-    std::int32_t m_blockPos = 0;
+    /// The newest last. It stands in front of what those before it have more.
+    std::vector<SFill> m_fills;
     std::FILE* m_file = nullptr;
     std::int32_t m_fileSize = 0;
     CKSTLString m_fileName;
