@@ -49,6 +49,11 @@ void BM_LoadSmallCalls(benchmark::State& state) {
 }
 BENCHMARK(BM_LoadSmallCalls)->Arg(10'000)->Arg(100'000)->Arg(400'000);
 
+void BM_LoadRealMix(benchmark::State& state) {
+    LoadWhole(state, RealMixTrace(state.range(0)));
+}
+BENCHMARK(BM_LoadRealMix)->Arg(1'500);
+
 void BM_LoadByFrames(benchmark::State& state) {
     LoadWhole(state, SmallCallsTrace(100'000, state.range(0)));
 }

@@ -63,6 +63,16 @@ void BM_PlayStreamedSmallCalls(benchmark::State& state) {
 }
 BENCHMARK(BM_PlayStreamedSmallCalls)->Arg(10'000)->Arg(100'000)->Arg(400'000);
 
+void BM_PlayRealMix(benchmark::State& state) {
+    PlayWhole(state, RealMixTrace(state.range(0)));
+}
+BENCHMARK(BM_PlayRealMix)->Arg(1'500);
+
+void BM_PlayStreamedRealMix(benchmark::State& state) {
+    PlayStreamed(state, RealMixTrace(state.range(0)));
+}
+BENCHMARK(BM_PlayStreamedRealMix)->Arg(1'500);
+
 void BM_PlayByFrames(benchmark::State& state) {
     PlayWhole(state, SmallCallsTrace(100'000, state.range(0)));
 }

@@ -9,6 +9,7 @@
 #include <stdexcept>
 
 #include "base/output.h"
+#include "bench/written_trace.h"
 
 namespace kestrail {
 
@@ -17,21 +18,6 @@ namespace {
 const CTempFolder& Folder() {
     static const CTempFolder folder;
     return folder;
-}
-
-/// Written once a process, however often a benchmark is run.
-template <typename Make>
-SBenchTrace Written(const std::string& name, Make make) {
-    static std::map<std::string, SBenchTrace> written;
-    SBenchTrace& trace = written[name];
-    if (trace.path.empty()) {
-        const CTraceBuilder builder = make();
-        trace.path = Folder().File(name + ".kstl");
-        trace.calls = builder.CallCount();
-        if (!builder.Write(trace.path)) throw std::runtime_error("no room for the trace");
-        trace.bytes = static_cast<std::int64_t>(std::filesystem::file_size(trace.path));
-    }
-    return trace;
 }
 
 void Prepare(CTraceBuilder& trace) {
@@ -191,7 +177,7 @@ struct SSmallCalls {
 
 SBenchTrace SmallTrace(const SSmallCalls& small, std::int64_t calls, std::int64_t frames) {
     const std::string name = small.name + std::to_string(calls) + "-" + std::to_string(frames);
-    return Written(name, [&] {
+    return WrittenTrace(name, [&] {
         CTraceBuilder trace;
         small.prepare(trace);
         const std::int64_t each = calls / frames;
@@ -208,6 +194,19 @@ SBenchTrace SmallTrace(const SSmallCalls& small, std::int64_t calls, std::int64_
 
 }  // namespace
 
+SBenchTrace WrittenTrace(const std::string& name, const std::function<CTraceBuilder()>& make) {
+    static std::map<std::string, SBenchTrace> written;
+    SBenchTrace& trace = written[name];
+    if (trace.path.empty()) {
+        const CTraceBuilder builder = make();
+        trace.path = Folder().File(name + ".kstl");
+        trace.calls = builder.CallCount();
+        if (!builder.Write(trace.path)) throw std::runtime_error("no room for the trace");
+        trace.bytes = static_cast<std::int64_t>(std::filesystem::file_size(trace.path));
+    }
+    return trace;
+}
+
 SBenchTrace SmallCallsTrace(std::int64_t calls, std::int64_t frames) {
     return SmallTrace({"small-", Prepare, AddSmallCall}, calls, frames);
 }
@@ -221,7 +220,7 @@ SBenchTrace SmallEs3CallsTrace(std::int64_t calls, std::int64_t frames) {
 }
 
 SBenchTrace DataTrace(std::int64_t records, std::int64_t size) {
-    return Written("data-" + std::to_string(records) + "-" + std::to_string(size), [&] {
+    return WrittenTrace("data-" + std::to_string(records) + "-" + std::to_string(size), [&] {
         CTraceBuilder trace;
         Prepare(trace);
         const Bytes bytes(static_cast<std::size_t>(size), 0x5A);
@@ -233,7 +232,7 @@ SBenchTrace DataTrace(std::int64_t records, std::int64_t size) {
 }
 
 SBenchTrace NamesTrace(std::int64_t names, std::int64_t binds) {
-    return Written("names-" + std::to_string(names) + "-" + std::to_string(binds), [&] {
+    return WrittenTrace("names-" + std::to_string(names) + "-" + std::to_string(binds), [&] {
         CTraceBuilder trace;
         trace.StartUp(2, 300, 300);
         std::vector<std::int64_t> all;

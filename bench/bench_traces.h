@@ -21,6 +21,9 @@ SBenchTrace SmallCallsTrace(std::int64_t calls, std::int64_t frames);
 SBenchTrace SmallEs1CallsTrace(std::int64_t calls, std::int64_t frames);
 /// The same of the entries that ES3 adds: objects, block bindings and instanced draws.
 SBenchTrace SmallEs3CallsTrace(std::int64_t calls, std::int64_t frames);
+/// Calls as applications make them: many small draws from client memory and what leads up to them,
+/// some 200 calls a frame, behind a frame that makes the objects.
+SBenchTrace RealMixTrace(std::int64_t frames);
 /// `records` buffers of `size` bytes each.
 SBenchTrace DataTrace(std::int64_t records, std::int64_t size);
 /// `binds` binds that go through `names` textures in a scattered order.
