@@ -1,27 +1,77 @@
 #include "base/text_writer.h"
 
+#include <array>
 #include <atomic>
+#include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <new>
+#include <utility>
 
 namespace kestrail {
 namespace {
 
-/// Longer than any 64-bit number.
-constexpr std::size_t kLongestInteger = 24;
 /// Longer than any float with six decimals.
 constexpr std::size_t kLongestFloat = 64;
 
+/// "00" to "99" in a row.
+constexpr auto kPairs = [] {
+    std::array<char, 200> pairs{};
+    for (unsigned i = 0; i < 100; ++i) {
+        pairs[2 * i] = static_cast<char>('0' + i / 10);
+        pairs[2 * i + 1] = static_cast<char>('0' + i % 10);
+    }
+    return pairs;
+}();
+
+constexpr auto kPowersOfTen = [] {
+    std::array<std::uint64_t, 20> powers{};
+    std::uint64_t power = 1;
+    for (std::uint64_t& entry : powers) entry = std::exchange(power, power * 10);
+    return powers;
+}();
+
+std::uint32_t CountDigits(std::uint64_t value) {
+    // 0 has a digit too.
+    value |= 1;
+    // The number of bits times the logarithm of 2, which is one short or right.
+    const auto least = static_cast<std::uint32_t>(std::bit_width(value)) * 1233 >> 12;
+    return least + (value >= kPowersOfTen[least] ? 1 : 0);
+}
+
 template <typename Integer>
-void AppendInteger(TextWriter& out, Integer value, int base) {
-    char* to = out.Reserve(kLongestInteger);
-    out.Commit(
-        static_cast<std::size_t>(std::to_chars(to, to + kLongestInteger, value, base).ptr - to));
+void PutPairs(char* end, Integer value) {
+    for (; value >= 100; value /= 100) {
+        end -= 2;
+        std::memcpy(end, &kPairs[2 * static_cast<std::size_t>(value % 100)], 2);
+    }
+    if (value >= 10) {
+        std::memcpy(end - 2, &kPairs[2 * static_cast<std::size_t>(value)], 2);
+    } else {
+        end[-1] = static_cast<char>('0' + value);
+    }
+}
+
+void AppendNibbles(TextWriter& out, std::uint64_t value, const char* digits) {
+    const auto count = static_cast<std::size_t>(std::bit_width(value | 1) + 3) / 4;
+    char* const to = out.Reserve(count);
+    for (std::size_t i = count; i-- > 0; value >>= 4) to[i] = digits[value & 0xF];
+    out.Commit(count);
 }
 
 }  // namespace
+
+char* PutUnsigned(char* to, std::uint64_t value) {
+    char* const end = to + CountDigits(value);
+    const auto low = static_cast<std::uint32_t>(value);
+    if (low == value) {
+        PutPairs(end, low);
+    } else {
+        PutPairs(end, value);
+    }
+    return end;
+}
 
 void TextWriter::Grow(std::size_t count) {
     std::size_t capacity = m_capacity == 0 ? 256 : m_capacity;
@@ -37,21 +87,12 @@ void TextWriter::Grow(std::size_t count) {
     std::free(old);
 }
 
-void TextWriter::AppendDigits(std::uint64_t value) {
-    const auto low = static_cast<std::uint32_t>(value);
-    if (low == value) return AppendInteger(*this, low, 10);
-    AppendInteger(*this, value, 10);
-}
 void TextWriter::AppendHex(std::uint64_t value) {
-    AppendInteger(*this, value, 16);
+    AppendNibbles(*this, value, "0123456789abcdef");
 }
 
 void TextWriter::AppendUpperHex(std::uint64_t value) {
-    const std::size_t start = m_size;
-    AppendHex(value);
-    for (std::size_t i = start; i < m_size; ++i) {
-        if (m_data[i] >= 'a') m_data[i] = static_cast<char>(m_data[i] - 'a' + 'A');
-    }
+    AppendNibbles(*this, value, "0123456789ABCDEF");
 }
 
 void TextWriter::AppendFixed(float value) {

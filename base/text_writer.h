@@ -11,6 +11,22 @@
 
 namespace kestrail {
 
+/// The most characters that `PutUnsigned` writes, and one for a sign.
+inline constexpr std::size_t kLongestDecimal = 21;
+/// Writes "%llu" at `to`; the end of what was written.
+char* PutUnsigned(char* to, std::uint64_t value);
+/// Writes "%lld" at `to`; the end of what was written.
+inline char* PutSigned(char* to, std::int64_t value) {
+    if (value >= 0) return PutUnsigned(to, static_cast<std::uint64_t>(value));
+    *to = '-';
+    return PutUnsigned(to + 1, 0 - static_cast<std::uint64_t>(value));
+}
+/// Writes the text at `to`; the end of what was written.
+inline char* PutText(char* to, std::string_view text) {
+    std::memcpy(to, text.data(), text.size());
+    return to + text.size();
+}
+
 class TextWriter {
 public:
     TextWriter() = default;
@@ -42,7 +58,7 @@ public:
     void AppendUnsigned(std::uint64_t value) {
         // Most numbers of a call are names, counts and indices of one digit.
         if (value < 10) return Append(static_cast<char>('0' + value));
-        AppendDigits(value);
+        CommitTo(PutUnsigned(Reserve(kLongestDecimal), value));
     }
     /// "%lld".
     void AppendSigned(std::int64_t value) {
@@ -67,10 +83,11 @@ public:
         return m_data + m_size;
     }
     void Commit(std::size_t count) { m_size += count; }
+    /// Commits what was written up to `end`.
+    void CommitTo(const char* end) { m_size = static_cast<std::size_t>(end - m_data); }
 
 private:
     void Grow(std::size_t count);
-    void AppendDigits(std::uint64_t value);
 
     char* m_data = nullptr;
     std::size_t m_size = 0;
