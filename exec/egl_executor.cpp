@@ -28,7 +28,7 @@ bool PlayEglCall(SPlayerState& player, CCallEntry& entry) {
         return false;
     }
     if (LeavesOutEglCall(call.m_id)) return true;
-    SEglPlay c{player, entry, *entry.GetInfo(), call.m_id, *GetEglHost(), player.eglNames};
+    SEglPlay c{player, entry, entry.GetInfo(), call.m_id, *GetEglHost(), player.eglNames};
     const EPlayed played = PlayEglCase(c);
     if (played != EPlayed::kPlayed) return played == EPlayed::kLeftOut;
     return player.checkErrors ? CheckEglError(player) : true;

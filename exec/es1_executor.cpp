@@ -18,7 +18,7 @@ bool PlayEs1Call(SPlayerState& player, CCallEntry& entry) {
     if (call.m_error.GetValue() != GL_NO_ERROR) return true;
     if (LeavesOutEs1Call(call.m_id)) return true;
     // Kept: no test for a context, unlike ES2 and ES3; tools compare host calls.
-    SEs1Play c{player, entry, *entry.GetInfo(), call.m_id, *GetEs1Host(), player.es1Names};
+    SEs1Play c{player, entry, entry.GetInfo(), call.m_id, *GetEs1Host(), player.es1Names};
     const EPlayed played = PlayEs1Case(c);
     if (played != EPlayed::kPlayed) return played == EPlayed::kLeftOut;
     return player.checkErrors ? CheckEs1Error(player) : true;

@@ -38,9 +38,8 @@ bool PlayEs2Call(SPlayerState& player, CCallEntry& entry) {
     }
     SEs2Host& host = *GetEs2Host();
     if (!player.defaultFramebufferKnown) LearnDefaultFramebuffer(player, host);
-    if (player.checkErrors) player.currentCallName = call.GetName();
-
-    SEs2Play c{player, entry, *entry.GetInfo(), call.m_id, host, player.names};
+    SEs2Play c{player, entry, entry.GetInfo(), call.m_id, host, player.names};
+    if (player.checkErrors) player.currentCallName = c.info.GetCallName().data();
     const EPlayed played = PlayEs2Case(c);
     if (played != EPlayed::kPlayed) return played == EPlayed::kLeftOut;
     return player.checkErrors ? CheckEs2Error(player) : true;

@@ -40,7 +40,7 @@ bool PlayEs3Call(SPlayerState& player, CCallEntry& entry) {
     }
     if (player.checkErrors) player.currentCallName = call.GetName();
 
-    SEs3Play c{player, entry, *entry.GetInfo(), call.m_id, *GetEs3Host(), player.names};
+    SEs3Play c{player, entry, entry.GetInfo(), call.m_id, *GetEs3Host(), player.names};
     const EPlayed played = PlayEs3Case(c);
     if (played != EPlayed::kPlayed) return played == EPlayed::kLeftOut;
     // Kept: told as one of ES2; readers match it.

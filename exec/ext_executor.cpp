@@ -41,25 +41,25 @@ GLsizei SupportedSamples(GLsizei requested, const char* caller) {
     return most;
 }
 
-GLsizei StorageSamples(CGenCallInfo& info) {
+GLsizei StorageSamples(const CGenCallInfo& info) {
     const auto& samples = static_cast<TintType<18>&>(*(*info.GetParameters())[1]);
     // Kept: with the prefix that its relative hasn't; readers match it.
     return SupportedSamples(samples.GetValue(), "ID_EXT_glRenderbufferStorageMultisampleQVA");
 }
 
-GLsizei TextureSamples(CGenCallInfo& info) {
+GLsizei TextureSamples(const CGenCallInfo& info) {
     const auto& samples = static_cast<TintType<18>&>(*(*info.GetParameters())[5]);
     return SupportedSamples(samples.GetValue(), "glFramebufferTexture2DMultisampleQVA");
 }
 
-EPlayed PlayElsewhere(CGenCallInfo& info, std::uint16_t id) {
+EPlayed PlayElsewhere(const CGenCallInfo& info, std::uint16_t id) {
     if (id == kRenderbufferStorageMultisample) StorageSamples(info);
     if (id == kFramebufferTexture2DMultisample) TextureSamples(info);
     return PlayExtElsewhere(id);
 }
 
 EPlayed Play(SPlayerState& player, CCallEntry& entry, std::uint32_t api) {
-    CGenCallInfo& info = *entry.GetInfo();
+    const CGenCallInfo info = entry.GetInfo();
     const std::uint16_t id = entry.call->m_id;
     EPlayed played = EPlayed::kElsewhere;
     if (api == kApiEs1) {

@@ -12,7 +12,7 @@ template <typename Host, typename Names>
 struct TPlayContext {
     SPlayerState& player;
     CCallEntry& entry;
-    CGenCallInfo& info;
+    CGenCallInfo info;
     std::uint16_t id;
     Host& host;
     Names& names;

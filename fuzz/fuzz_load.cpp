@@ -21,15 +21,14 @@ void BuildTexts(const SApiTypeBase* value) {
 void BuildTexts(CCallEntry& entry) {
     // A text may be refused as the record that it shows: the player takes it as the call's end.
     try {
-        CGenCallInfo& info = *entry.GetInfo();
+        const CGenCallInfo info = entry.GetInfo();
         if (const CGenCallInfo::Parameters* parameters = info.GetParameters()) {
-            for (const SApiTypeBase* parameter : *parameters) BuildTexts(parameter);
+            for (std::uint32_t i = 0; i < parameters->size(); ++i) BuildTexts((*parameters)[i]);
         }
         BuildTexts(info.GetReturnValue());
         BuildTexts(info.GetErrorValue());
     } catch (const char*) {
     }
-    entry.ReleaseInfo();
 }
 
 /// The number of calls.

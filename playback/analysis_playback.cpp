@@ -88,7 +88,6 @@ bool CAnalysisPlayback::PlayTrackedCall(CCallEntry& entry) {
     bool played = false;
     try {
         played = PlayCall(&entry, m_checkCalls);
-        entry.ReleaseInfo();
     } catch (...) {
         return false;
     }

@@ -90,42 +90,50 @@ bool CSequentialPlayer::PlayFrame(std::uint32_t frame) {
 void CSequentialPlayer::PlayNext(CCallEntry& entry) {
     const std::uint32_t number = store->CurrentCallNumber();
     ++g_callCount;
-    PrintCall(*entry.GetInfo(), number);
+    PrintCall(entry.GetInfo(), number);
     if (!environment.PumpEvents()) {
         output::Message("User quit\n");
         std::exit(0);
     }
     if (entry.call->m_edited) {
         currentCallNumber = number;
-        if (store->Edits().IsCallDisabled(number)) return entry.ReleaseInfo();
+        if (store->Edits().IsCallDisabled(number)) return;
     }
     if (!PlayCall(&entry, true)) output::Error("PlayCall Error: Unrecognized/Error call");
-    entry.ReleaseInfo();
 }
 
-void CSequentialPlayer::PrintCall(CGenCallInfo& info, std::uint32_t number) const {
+void CSequentialPlayer::PrintCall(CGenCallInfo info, std::uint32_t number) {
+    constexpr std::size_t kHeadRoom = 96 + 2 * CCountText::kRoom;
+    constexpr std::size_t kTailRoom = 32;
     TextWriter& out = output::Pending();
-    out.Append("KESTRAIL(M) Frame(P): ");
+    const CGenCallInfo::Parameters* const parameters = info.GetParameters();
+    char* to = out.Reserve(kHeadRoom + info.GetCallName().size());
+    to = PutText(to, "KESTRAIL(M) Frame(P): ");
     // Kept: a number, where an index is asked for: one call ahead; readers cut logs by it.
-    out.AppendSigned(static_cast<std::int32_t>(store->FrameOfCall(number)));
-    out.Append(" Call:");
-    out.AppendSigned(static_cast<std::int32_t>(g_callCount));
-    out.Append(' ');
-    out.Append(info.GetCallName());
-    out.Append(' ');
-    if (const CGenCallInfo::Parameters* parameters = info.GetParameters()) {
-        out.Append(" (");
-        for (const SApiTypeBase* parameter : *parameters) {
-            parameter->AppendText(out);
+    to = m_frameText.Put(to, static_cast<std::int32_t>(store->FrameOfCall(number)));
+    to = PutText(to, " Call:");
+    to = m_countText.Put(to, static_cast<std::int32_t>(g_callCount));
+    *to++ = ' ';
+    to = PutText(to, info.GetCallName());
+    *to++ = ' ';
+    if (parameters != nullptr) {
+        out.CommitTo(PutText(to, " ("));
+        for (std::uint32_t i = 0; i < parameters->size(); ++i) {
+            (*parameters)[i]->AppendText(out);
             // Kept: behind the last one as well; readers split the line by it.
             out.Append(" , ");
         }
-        out.Append(')');
+        to = out.Reserve(kTailRoom);
+        *to++ = ')';
     }
-    out.Append(" => ");
-    if (const SApiTypeBase* value = info.GetReturnValue()) value->AppendDetailText(out);
-    out.Append(" :: Error: ");
-    if (const SApiTypeBase* error = info.GetErrorValue()) error->AppendDetailText(out);
+    to = PutText(to, " => ");
+    if (const SApiTypeBase* value = info.GetReturnValue()) {
+        out.CommitTo(to);
+        value->AppendDetailText(out);
+        to = out.Reserve(kTailRoom);
+    }
+    out.CommitTo(PutText(to, " :: Error: "));
+    info.GetErrorValue()->AppendText(out);
     out.Append(" \n");
     output::LineDone();
 }

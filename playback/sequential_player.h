@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "base/count_text.h"
 #include "exec/player_state.h"
 
 namespace kestrail {
@@ -53,8 +54,10 @@ private:
     bool Skips(std::uint32_t frame, std::uint32_t frameCount);
     /// Prints the call's line and plays it.
     void PlayNext(CCallEntry& entry);
-    void PrintCall(CGenCallInfo& info, std::uint32_t number) const;
+    void PrintCall(CGenCallInfo info, std::uint32_t number);
 
+    CCountText m_frameText;
+    CCountText m_countText;
     bool m_saveFrameBuffer = false;
     bool m_skipFrameRangeEnabled = false;
     std::int32_t m_skipFrameStart = 0;

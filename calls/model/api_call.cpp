@@ -2,21 +2,19 @@
 
 namespace kestrail {
 
-constinit CObjectArena CApiCall::s_arena;
+static_assert(sizeof(CApiCall) == 24);
+static_assert(alignof(CApiCall) <= CObjectArena::kAlignment);
 
-void CGenCallInfo::Clear() {
-    m_returnValue = nullptr;
-    m_errorValue = nullptr;
-    m_visibleCount = 0;
-    m_parameters.m_count = 0;
-}
-
-void CGenCallInfo::SetCall(const CApiCall& call, bool /*flag*/) {
-    m_callName = call.GetName();
-}
-
-void CApiCall::FillCallInfo(CCallInfo& info, bool withPlayback) {
-    info.SetCall(*this, withPlayback);
+const char* CGenCallInfo::GetApiName() const {
+    if (m_parameters.m_layout->api != nullptr) return m_parameters.m_layout->api;
+    switch (m_parameters.m_call->m_group) {
+        case kGroupExtEs1:
+            return "ES1";
+        case kGroupExtEs2:
+            return "ES2";
+        default:
+            return "EGL";
+    }
 }
 
 bool CEglCall::UpdateState(CEglState&) {
@@ -36,52 +34,22 @@ bool CExtCall::UpdateState(CEs1State&) {
 }
 
 CEglCall::CEglCall(CTrace& trace) : CApiCall(kGroupEgl) {
-    trace >> m_eglError;
+    ReadRun(trace, m_eglError);
 }
 CEs1Call::CEs1Call(CTrace& trace) : CApiCall(kGroupEs1) {
-    trace >> m_error;
+    ReadRun(trace, m_error);
 }
 CEs2Call::CEs2Call(CTrace& trace) : CApiCall(kGroupEs2) {
-    trace >> m_error;
+    ReadRun(trace, m_error);
 }
 CEs3Call::CEs3Call(CTrace& trace) : CApiCall(kGroupEs2) {
-    trace >> m_error;
+    ReadRun(trace, m_error);
 }
 
 CExtCall::CExtCall(CTrace& trace) : CApiCall(kGroupNone) {
-    trace >> m_extError >> m_api;
+    ReadRun(trace, m_extError, m_api);
     if (m_api.value == 1) m_group = kGroupExtEs1;
     if (m_api.value == 2) m_group = kGroupExtEs2;
-}
-
-void CEglCall::FillCallInfo(CCallInfo& info, bool /*withPlayback*/) {
-    CApiCall::FillCallInfo(info, false);
-    info.SetApiName("EGL");
-    info.SetErrorValue(&m_eglError);
-}
-
-void CEs1Call::FillCallInfo(CCallInfo& info, bool /*withPlayback*/) {
-    CApiCall::FillCallInfo(info, false);
-    info.SetApiName("ES1");
-    info.SetErrorValue(&m_error);
-}
-
-void CEs2Call::FillCallInfo(CCallInfo& info, bool /*withPlayback*/) {
-    CApiCall::FillCallInfo(info, false);
-    info.SetApiName("ES2");
-    info.SetErrorValue(&m_error);
-}
-
-void CEs3Call::FillCallInfo(CCallInfo& info, bool /*withPlayback*/) {
-    CApiCall::FillCallInfo(info, false);
-    info.SetApiName("ES3");
-    info.SetErrorValue(&m_error);
-}
-
-void CExtCall::FillCallInfo(CCallInfo& info, bool /*withPlayback*/) {
-    CApiCall::FillCallInfo(info, false);
-    info.SetApiName(m_api.value == 1 ? "ES1" : m_api.value == 2 ? "ES2" : "EGL");
-    info.SetErrorValue(&m_extError);
 }
 
 }  // namespace kestrail

@@ -5,9 +5,9 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "base/object_arena.h"
 #include "calls/model/api_type.h"
 #include "calls/model/call_info.h"
+#include "calls/model/call_memory.h"
 
 namespace kestrail {
 
@@ -32,37 +32,38 @@ public:
     CApiCall& operator=(const CApiCall&) = delete;
 
     // NOLINTNEXTLINE(misc-new-delete-overloads): the sized delete below matches it.
-    static void* operator new(std::size_t size) { return s_arena.Take(size); }
-    static void operator delete(void* call, std::size_t size) { s_arena.GiveBack(call, size); }
+    static void* operator new(std::size_t size) { return callMemory.Take(size); }
+    static void operator delete(void* call, std::size_t size) { callMemory.GiveBack(call, size); }
 
+    /// What its class is.
+    virtual const SClassLayout& Layout() const = 0;
     /// Lists the call's values in `info`; the hidden ones only with `withPlayback`.
-    virtual void FillCallInfo(CCallInfo& info, bool withPlayback);
+    void FillCallInfo(CGenCallInfo& info, bool withPlayback) {
+        info.SetCall(*this, Layout(), withPlayback);
+    }
     /// The entry point's name, of static lifetime.
-    virtual const char* GetName() const = 0;
-    virtual std::uint16_t GetCallId() const = 0;
-    virtual const char* GetCategory() const = 0;
+    const char* GetName() const { return Layout().name.data(); }
+    std::uint16_t GetCallId() const { return Layout().id; }
+    const char* GetCategory() const { return Layout().category; }
 
+    // There are millions of calls: what follows the error stands in the room that it leaves.
+    /// What glGetError gave after the call when it was recorded; stays 0 for EGL and extension
+    /// calls, which keep their own.
+    [[no_unique_address]] TGLError m_error;
     /// The identifier of the record; 0 until the dispatcher has written it.
     std::uint16_t m_id = 0;
     std::uint8_t m_group;
     /// The header's edit lists name this call.
-    bool m_edited = false;
+    bool m_edited : 1 = false;
     /// The class has an `UpdateState` of its own.
-    bool m_updatesState = false;
-    /// What glGetError gave after the call when it was recorded; stays 0 for EGL and extension
-    /// calls, which keep their own.
-    TGLError m_error;
+    bool m_updatesState : 1 = false;
 
 protected:
     explicit CApiCall(std::uint8_t group) : m_group(group) {}
-
-private:
-    static CObjectArena s_arena;
 };
 
 class CEglCall : public CApiCall {
 public:
-    void FillCallInfo(CCallInfo& info, bool withPlayback) override;
     /// Applies the call to a state record, without touching the host. False when it did not.
     virtual bool UpdateState(CEglState& state);
 
@@ -75,7 +76,6 @@ protected:
 
 class CEs1Call : public CApiCall {
 public:
-    void FillCallInfo(CCallInfo& info, bool withPlayback) override;
     /// Applies the call to a state record, without touching the host. False when it did not.
     virtual bool UpdateState(CEs1State& state);
 
@@ -85,7 +85,6 @@ protected:
 
 class CEs2Call : public CApiCall {
 public:
-    void FillCallInfo(CCallInfo& info, bool withPlayback) override;
     /// Applies the call to a state record, without touching the host. False when it did not.
     virtual bool UpdateState(CEs2State& state);
 
@@ -95,7 +94,6 @@ protected:
 
 class CEs3Call : public CApiCall {
 public:
-    void FillCallInfo(CCallInfo& info, bool withPlayback) override;
     /// Applies the call to a state record, without touching the host. False when it did not.
     virtual bool UpdateState(CEs2State& state);
 
@@ -105,7 +103,6 @@ protected:
 
 class CExtCall : public CApiCall {
 public:
-    void FillCallInfo(CCallInfo& info, bool withPlayback) override;
     /// Applies an extension call of ES1 to its state record. Those of ES2 leave no trace in theirs.
     virtual bool UpdateState(CEs1State& state);
 
@@ -117,7 +114,7 @@ protected:
     explicit CExtCall(CTrace& trace);
 };
 
-/// First base of the calls that set a client array's pointer: what was recorded, and what the
+/// Second base of the calls that set a client array's pointer: what was recorded, and what the
 /// player passes.
 class XXXYYYPointer {
 public:

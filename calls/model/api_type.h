@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstring>
 
 #include "base/kstl_string.h"
 #include "base/text_writer.h"
@@ -61,6 +62,16 @@ public:
 
     static T ReadValue(CTrace& trace) { return ReadStored(trace, trace.GetEsTypeSize(N), T{}); }
     void Read(CTrace& trace) { value = ReadValue(trace); }
+    /// Takes the value from bytes of the usual width, and passes them.
+    void Take(const std::uint8_t*& from) {
+        constexpr std::uint32_t kWidth = CTrace::UsualWidth(N);
+        if constexpr (kWidth == 1) {
+            value = *from;
+        } else {
+            std::memcpy(&value, from, kWidth);
+        }
+        from += kWidth;
+    }
 };
 
 /// Calls and values are read by a chain of extractions, one for each member.
@@ -68,6 +79,21 @@ template <typename Value>
 CTrace& operator>>(CTrace& trace, Value& value) {
     value.Read(trace);
     return trace;
+}
+
+/// Reads single values that follow each other: all at once where they stand at hand in their usual
+/// widths.
+template <typename... Values>
+void ReadRun(CTrace& trace, Values&... values) {
+    if constexpr (((CTrace::UsualWidth(Values::kTag) != 0) && ...)) {
+        constexpr std::uint32_t kBytes = (CTrace::UsualWidth(Values::kTag) + ...);
+        const std::uint8_t* from = nullptr;
+        if (trace.HasUsualWidths()) from = trace.Stream().TakeAtHand(kBytes);
+        if (from != nullptr) [[likely]] {
+            return (values.Take(from), ...);
+        }
+    }
+    (values.Read(trace), ...);
 }
 
 template <unsigned N>

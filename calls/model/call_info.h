@@ -2,7 +2,9 @@
 // class's parameters is an interface between the call classes and the executors.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 #include "calls/model/api_type.h"
 
@@ -10,73 +12,81 @@ namespace kestrail {
 
 class CApiCall;
 
-class CCallInfo {
-public:
-    virtual ~CCallInfo() = default;
-
-    virtual void Clear() = 0;
-    virtual void SetCall(const CApiCall& call, bool flag) = 0;
-    virtual void SetApiName(const char* name) = 0;
-    virtual void SetErrorValue(SApiTypeBase* value) = 0;
-    /// `name` has static lifetime.
-    virtual void AddParameter(const char* name, SApiTypeBase* value, bool hidden) = 0;
-    virtual void SetReturnValue(SApiTypeBase* value) = 0;
+/// A parameter of a class of calls.
+struct SParameterPlace {
+    const char* name;
+    std::uint16_t offset;  ///< of its value in the call's object
 };
 
-/// The values of a call without any storage of its own: made and dropped for every played call.
-// NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): only what was added is read.
-class CGenCallInfo final : public CCallInfo {
-public:
-    /// More parameters than any row has; the generator of the classes holds to it.
-    static constexpr std::uint32_t kCapacity = 16;
+/// What all calls of a class have in common, and where their values stand. Made with the class from
+/// its row.
+struct SClassLayout {
+    std::string_view name;  ///< of the entry point
+    const char* api;        ///< "EGL", "ES1", "ES2", "ES3"; null where each call says it
+    const char* category;
+    std::uint16_t id;
+    std::uint16_t error;   ///< the recorded error's offset
+    std::uint16_t result;  ///< the return value's, 0 where there is none
+    std::uint8_t visible;  ///< parameters that are the entry point's; the player's own are behind
+    std::uint8_t count;
+    const SParameterPlace* parameters;
+};
 
-    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): only the first m_count are read.
+/// A view of the values of one call.
+class CGenCallInfo {
+public:
     class Parameters {
     public:
         std::uint32_t size() const { return m_count; }
-        SApiTypeBase* operator[](std::uint32_t index) const { return m_values[index]; }
-        SApiTypeBase* const* begin() const { return m_values; }
-        SApiTypeBase* const* end() const { return m_values + m_count; }
+        SApiTypeBase* operator[](std::uint32_t index) const {
+            return ValueAt(m_call, m_layout->parameters[index].offset);
+        }
 
     private:
         friend class CGenCallInfo;
+        CApiCall* m_call = nullptr;
+        const SClassLayout* m_layout = nullptr;
         std::uint32_t m_count = 0;
-        SApiTypeBase* m_values[kCapacity];
     };
 
-    void Clear() override;
-    void SetCall(const CApiCall& call, bool flag) override;
-    void SetApiName(const char* name) override { m_apiName = name; }
-    void SetErrorValue(SApiTypeBase* value) override { m_errorValue = value; }
-    void AddParameter(const char* name, SApiTypeBase* value, bool hidden) override {
-        if (m_parameters.m_count == kCapacity) return;
-        m_names[m_parameters.m_count] = name;
-        m_parameters.m_values[m_parameters.m_count++] = value;
-        if (!hidden) ++m_visibleCount;
-    }
-    void SetReturnValue(SApiTypeBase* value) override { m_returnValue = value; }
+    CGenCallInfo() = default;
 
-    const char* GetCallName() const { return m_callName; }
-    /// "EGL", "ES1" or "ES2", "ES3".
-    const char* GetApiName() const { return m_apiName; }
+    void Clear() { m_parameters = {}; }
+    /// Lists the call's values; the hidden ones only with `withPlayback`.
+    void SetCall(CApiCall& call, const SClassLayout& layout, bool withPlayback) {
+        m_parameters.m_call = &call;
+        m_parameters.m_layout = &layout;
+        m_parameters.m_count = withPlayback ? layout.count : layout.visible;
+    }
+
+    std::string_view GetCallName() const { return m_parameters.m_layout->name; }
+    const char* GetApiName() const;
     /// Null for a call without parameters.
     const Parameters* GetParameters() const {
         return m_parameters.m_count != 0 ? &m_parameters : nullptr;
     }
-    const char* GetParameterName(std::uint32_t index) const { return m_names[index]; }
-    std::uint32_t GetVisibleCount() const { return m_visibleCount; }
+    const char* GetParameterName(std::uint32_t index) const {
+        return m_parameters.m_layout->parameters[index].name;
+    }
+    std::uint32_t GetVisibleCount() const {
+        return m_parameters.m_call != nullptr ? m_parameters.m_layout->visible : 0;
+    }
     /// Null when the entry point returns nothing.
-    SApiTypeBase* GetReturnValue() const { return m_returnValue; }
-    SApiTypeBase* GetErrorValue() const { return m_errorValue; }
+    SApiTypeBase* GetReturnValue() const {
+        if (m_parameters.m_call == nullptr || m_parameters.m_layout->result == 0) return nullptr;
+        return ValueAt(m_parameters.m_call, m_parameters.m_layout->result);
+    }
+    SApiTypeBase* GetErrorValue() const {
+        if (m_parameters.m_call == nullptr) return nullptr;
+        return ValueAt(m_parameters.m_call, m_parameters.m_layout->error);
+    }
 
 private:
-    const char* m_callName = "";
-    const char* m_apiName = "";
-    SApiTypeBase* m_returnValue = nullptr;
-    SApiTypeBase* m_errorValue = nullptr;
-    std::uint32_t m_visibleCount = 0;
+    static SApiTypeBase* ValueAt(CApiCall* call, std::uint16_t offset) {
+        return reinterpret_cast<SApiTypeBase*>(reinterpret_cast<std::byte*>(call) + offset);
+    }
+
     Parameters m_parameters;
-    const char* m_names[kCapacity];
 };
 
 }  // namespace kestrail

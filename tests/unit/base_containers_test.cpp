@@ -148,7 +148,9 @@ TEST(ObjectArena, PiecesStandApartAndTheirRoomIsUsedAgain) {
         for (int round = 0; round < 1000; ++round) {
             const std::size_t size = sizes[round < 8 ? round : round % 4];
             pieces.emplace_back(static_cast<unsigned char*>(arena.Take(size)), size);
-            EXPECT_EQ(reinterpret_cast<std::uintptr_t>(pieces.back().first) % 16, 0U);
+            EXPECT_EQ(
+                reinterpret_cast<std::uintptr_t>(pieces.back().first) % CObjectArena::kAlignment,
+                0U);
             std::memset(pieces.back().first, round % 251, size);
         }
         for (std::size_t i = 0; i < pieces.size(); ++i) {

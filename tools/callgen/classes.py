@@ -7,13 +7,19 @@ gives <family>_calls.h, <family>_calls_1.cpp to <family>_calls_PARTS.cpp and <fa
 """
 
 import sys
+from itertools import groupby
 from pathlib import Path
 
 from table import load
 
 STATES = {"egl": "CEglState", "es1": "CEs1State", "es2": "CEs2State", "es3": "CEs2State",
           "ext": "CEs1State"}
-MAX_PARAMETERS = 16  # CGenCallInfo::kCapacity
+APIS = {"egl": "EGL", "es1": "ES1", "es2": "ES2", "es3": "ES3"}
+ERRORS = {"egl": "m_eglError", "ext": "m_extError"}
+
+
+# Calls have virtual operations, so that offsetof of them is up to the compiler; both of ours know it.
+OFFSETS = '#pragma GCC diagnostic ignored "-Winvalid-offsetof"\n'
 
 
 def cpp_class(cls):
@@ -23,13 +29,10 @@ def cpp_class(cls):
 def declaration(row, base):
     # The pointer-setting calls get both of their pointers from the mix-in.
     mixed = any(p.copies for p in row.parameters)
-    bases = f"public XXXYYYPointer, public {base}" if mixed else f"public {base}"
+    bases = f"public {base}, public XXXYYYPointer" if mixed else f"public {base}"
     lines = [f"class {row.class_name} final : {bases} {{", "public:",
              f"    explicit {row.class_name}(CTrace& trace);",
-             "    void FillCallInfo(CCallInfo& info, bool withPlayback) override;",
-             f'    const char* GetName() const override {{ return "{row.entry}"; }}',
-             f"    std::uint16_t GetCallId() const override {{ return {row.id}; }}",
-             f'    const char* GetCategory() const override {{ return "{row.category}"; }}']
+             "    const SClassLayout& Layout() const override;"]
     if row.state:
         lines.append(f"    bool UpdateState({STATES[row.family]}& state) override;")
     lines.append("")
@@ -44,15 +47,18 @@ def declaration(row, base):
 
 def constructor(row, base):
     arrays = [p for p in row.parameters if p.arrays]
-    read = [p.name for p in row.parameters if not p.notread and not p.arrays and not p.copies
-            and not p.joins]
+    read = [(p.cls, p.name) for p in row.parameters
+            if not p.notread and not p.arrays and not p.copies and not p.joins]
     if row.returns:
-        read.insert(0, "result")
+        read.insert(0, (row.returns, "result"))
     body = ["m_updatesState = true;"] if row.state else []
     if arrays:
         body.append("const std::uint32_t start = trace.Stream().Tell();")
-    if read:
-        body.append("trace >> " + " >> ".join(read) + ";")
+    # Single values, whose classes begin with a T, are read in runs.
+    for single, group in groupby(read, lambda value: value[0].startswith("T")):
+        names = [name for _, name in group]
+        body.append(f"ReadRun(trace, {', '.join(names)});" if single
+                    else f"trace >> {' >> '.join(names)};")
     for p in row.parameters:
         if p.copies:
             body.append(f"{p.name} = {p.copies};")
@@ -66,18 +72,25 @@ def constructor(row, base):
     return f"{row.class_name}::{row.class_name}(CTrace& trace) : {base}(trace) {{{text}\n}}\n"
 
 
-def fill(row, base):
-    body = [f"{base}::FillCallInfo(info, false);"]
-    if row.returns:
-        body.append("info.SetReturnValue(&result);")
-    for p in row.listed:
-        if p.hidden:
-            body.append(f'if (withPlayback) info.AddParameter("{p.name}", &{p.name}, true);')
-        else:
-            body.append(f'info.AddParameter("{p.name}", &{p.name}, false);')
-    flag = "withPlayback" if any(p.hidden for p in row.listed) else "/*withPlayback*/"
-    lines = "".join(f"\n    {line}" for line in body)
-    return (f"void {row.class_name}::FillCallInfo(CCallInfo& info, bool {flag}) {{{lines}\n}}\n")
+def layout(row):
+    def offset(member):
+        return f"offsetof({row.class_name}, {member})"
+
+    ordered = sorted(row.listed, key=lambda p: p.hidden)
+    if ordered != row.listed:
+        raise SystemExit(f"{row.class_name}: a hidden parameter in front of a visible one")
+    lines = []
+    if row.listed:
+        places = "".join(f'\n        {{"{p.name}", {offset(p.name)}}},' for p in row.listed)
+        lines.append(f"static constexpr SParameterPlace kParameters[] = {{{places}}};")
+    api = f'"{APIS[row.family]}"' if row.family in APIS else "nullptr"
+    visible = sum(not p.hidden for p in row.listed)
+    values = [f'"{row.entry}"', api, f'"{row.category}"', str(row.id),
+              offset(ERRORS.get(row.family, "m_error")), offset("result") if row.returns else "0",
+              str(visible), str(len(row.listed)), "kParameters" if row.listed else "nullptr"]
+    lines += [f"static constexpr SClassLayout kLayout = {{{', '.join(values)}}};", "return kLayout;"]
+    body = "".join(f"\n    {line}" for line in lines)
+    return f"const SClassLayout& {row.class_name}::Layout() const {{{body}\n}}\n"
 
 
 def selection(row):
@@ -112,9 +125,6 @@ def main():
     rows = load(path)
     family = rows[0].family
     base = f"C{family.capitalize()}Call"
-    for row in rows:
-        if len(row.listed) > MAX_PARAMETERS:
-            raise SystemExit(f"{row.class_name}: more than {MAX_PARAMETERS} parameters")
     note = f"// Made from {family}.calls.\n"
     folder.mkdir(parents=True, exist_ok=True)
     header = [note + "#pragma once\n", '#include "calls/model/api_call.h"',
@@ -124,9 +134,10 @@ def main():
     (folder / f"{family}_calls.h").write_text("\n".join(header + ["}  // namespace kestrail", ""]))
     for part in range(parts):
         share = rows[part * len(rows) // parts:(part + 1) * len(rows) // parts]
-        text = [note + f'#include "generated/calls/{family}_calls.h"\n', "namespace kestrail {\n"]
+        text = [note + f'#include "generated/calls/{family}_calls.h"\n', OFFSETS,
+                "namespace kestrail {\n"]
         for row in share:
-            text += [constructor(row, base), fill(row, base)]
+            text += [constructor(row, base), layout(row)]
         text += ["}  // namespace kestrail", ""]
         (folder / f"{family}_calls_{part + 1}.cpp").write_text("\n".join(text))
     (folder / f"{family}_factory.cpp").write_text(note + factory(rows, family))

@@ -50,8 +50,7 @@ bool IOManager::Write(const void* buffer, std::uint32_t size) {
     return std::fwrite(buffer, size, 1, m_writeFile) == size;
 }
 
-std::uint32_t IOManager::Tell() const {
-    if (m_readMode) return static_cast<std::uint32_t>(m_memory->Position());
+std::uint32_t IOManager::TellWritten() const {
     return m_writeFile != nullptr ? static_cast<std::uint32_t>(std::ftell(m_writeFile)) : 0;
 }
 

@@ -28,13 +28,17 @@ public:
     bool Read(void* buffer, std::uint32_t size, bool /*swapHint*/) {
         return m_memory->ReadInWindow(buffer, size) || ReadWithRefill(buffer, size);
     }
+    /// Passes the next `size` bytes if they are at hand; otherwise null, and nothing done.
+    const std::uint8_t* TakeAtHand(std::uint32_t size) { return m_memory->TakeInWindow(size); }
     // Kept: true for one byte only, as the count of items is compared; tools that save expect it.
     bool Write(const void* buffer, std::uint32_t size);
     std::int32_t Seek(std::int32_t offset, std::int32_t whence) {
         return m_memory->Seek(offset, whence);
     }
     std::uint32_t GetSize() const { return static_cast<std::uint32_t>(m_memory->FileSize()); }
-    std::uint32_t Tell() const;
+    std::uint32_t Tell() const {
+        return m_readMode ? static_cast<std::uint32_t>(m_memory->Position()) : TellWritten();
+    }
     /// Bytes between the read position and the file's end.
     std::uint32_t Remaining() const {
         const std::uint32_t position = Tell();
@@ -43,6 +47,7 @@ public:
     void Close();
 
 private:
+    std::uint32_t TellWritten() const;
     bool ReadWithRefill(void* buffer, std::uint32_t size);
 
     std::FILE* m_writeFile = nullptr;

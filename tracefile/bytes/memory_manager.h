@@ -1,12 +1,13 @@
-// One fixed block of the input file. Every byte of a trace is read through it, in both load modes. What
-// is asked of the block passes through a window that stays in the processor's cache, so that file data
-// takes no more memory than the window.
+// One fixed block of the input file. Every byte of a trace is read through it, in both load modes.
+// What is asked of the block passes through a window that stays in the processor's cache, so that
+// file data takes no more memory than the window.
 #pragma once
 
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "base/kstl_string.h"
@@ -34,13 +35,19 @@ public:
     /// gives what the block holds there: bytes of the blocks before it, else zeros. A read larger
     /// than the block throws.
     bool Read(void* destination, std::uint32_t size);
-    /// The part of `Read` that needs no file: false, and nothing done, when the bytes do not stand in
-    /// the window.
+    /// The part of `Read` that needs no file: false, and nothing done, when the bytes do not stand
+    /// in the window.
     bool ReadInWindow(void* destination, std::uint32_t size) {
         if (size == 0 || static_cast<std::size_t>(m_end - m_next) < size) return false;
         std::memcpy(destination, m_next, size);
         m_next += size;
         return true;
+    }
+    /// Passes the next `size` bytes, which stay where they are until the next read. Null, and
+    /// nothing done, when they do not stand in the window.
+    const std::uint8_t* TakeInWindow(std::uint32_t size) {
+        if (static_cast<std::size_t>(m_end - m_next) < size) return nullptr;
+        return std::exchange(m_next, m_next + size);
     }
     /// `whence` as in fseek. Returns the new absolute position; throws when `offset` is outside the
     /// file.

@@ -1,9 +1,26 @@
 #include "tracefile/bytes/trace.h"
 
+#include <algorithm>
+
 namespace kestrail {
 
 void CTrace::ThrowUndefinedType() {
     throw "Undefined Es Type in record library";
+}
+
+bool CTrace::AreUsual(const std::int8_t* typeSizes, std::int8_t typeCount) {
+    // No value is of these.
+    constexpr std::uint16_t kUnused[] = {15, 16, 20};
+    // Floats know no other width, and that without a sign.
+    constexpr std::uint16_t kFloats[] = {22, 23};
+    if (typeCount < kUsualTags) return false;
+    for (std::uint16_t tag = 0; tag < kUsualTags; ++tag) {
+        const std::int32_t width = typeSizes[tag];
+        const auto usual = static_cast<std::int32_t>(UsualWidth(tag));
+        if (std::ranges::count(kUnused, tag) > 0 || width == usual) continue;
+        if (std::ranges::count(kFloats, tag) > 0 || width != -usual) return false;
+    }
+    return true;
 }
 
 }  // namespace kestrail

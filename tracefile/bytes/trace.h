@@ -17,7 +17,8 @@ public:
           m_stream(stream),
           m_recordData(recordData),
           m_typeSizes(typeSizes),
-          m_typeCount(typeCount) {}
+          m_typeCount(typeCount),
+          m_usualWidths(AreUsual(typeSizes, typeCount)) {}
     virtual ~CTrace() = default;
 
     /// The width in bytes of a type tag; negative for a signed type, 0 for the reader's own width.
@@ -28,6 +29,15 @@ public:
             ThrowUndefinedType();
         return m_typeSizes[tag];
     }
+
+    /// How wide a value of a tag usually is: 4 bytes, flags and bytes 1. 0 for tags that are not
+    /// read that way.
+    static constexpr std::uint32_t UsualWidth(std::uint16_t tag) {
+        if (tag >= kUsualTags) return 0;
+        return tag == kBooleanTag || tag == kUbyteTag ? 1 : 4;
+    }
+    /// All tags that have a usual width have it here.
+    bool HasUsualWidths() const { return m_usualWidths; }
 
     IOManager& Stream() const { return *m_stream; }
     std::uint32_t Version() const { return m_version; }
@@ -47,13 +57,19 @@ public:
     std::uint32_t& CallNumber() { return m_callNumber; }
 
 private:
+    static constexpr std::uint16_t kUsualTags = 28;
+    static constexpr std::uint16_t kBooleanTag = 13;
+    static constexpr std::uint16_t kUbyteTag = 19;
+
     [[noreturn]] static void ThrowUndefinedType();
+    static bool AreUsual(const std::int8_t* typeSizes, std::int8_t typeCount);
 
     std::uint32_t m_version;
     IOManager* m_stream;
     bool m_recordData;
     const std::int8_t* m_typeSizes;
     std::int8_t m_typeCount;
+    bool m_usualWidths;
     std::uint32_t m_recordSize = 0;
     std::uint64_t m_recordEnd = 0;
     std::uint32_t m_callNumber = 0;

@@ -14,14 +14,6 @@ constexpr std::uint16_t kEglSwapBuffers = 1022;
 
 }  // namespace
 
-std::unique_ptr<CGenCallInfo> CCallEntry::s_spare;
-
-void CCallEntry::BuildInfo() {
-    m_info = s_spare ? std::move(s_spare) : std::make_unique_for_overwrite<CGenCallInfo>();
-    m_info->Clear();
-    call->FillCallInfo(*m_info, true);
-}
-
 void CFrameStore::BeginFrame() {
     m_frames.clear();
     m_calls.clear();
@@ -47,7 +39,8 @@ void CFrameStore::BeginFrame() {
 
 void CFrameStore::SetTraceInfo(std::uint32_t fileSize, bool dataFlag, bool secondFlag,
                                std::uint32_t version, const CKSTLString& fileName) {
-    constexpr std::uint32_t kBytesPerRecord = 40;
+    // Fewer than calls take, so that the list need not move. Room that is not used costs nothing.
+    constexpr std::uint32_t kBytesPerRecord = 16;
     if (m_document == nullptr) m_calls.reserve(fileSize / kBytesPerRecord);
     m_dataFlag = dataFlag;
     m_secondFlag = secondFlag;
@@ -78,7 +71,7 @@ void CFrameStore::KeepState(std::size_t frame) {
     m_callsSinceKept = 0;
 }
 
-void CFrameStore::AppendCall(std::unique_ptr<CApiCall> call, std::uint64_t offset,
+void CFrameStore::AppendCall(std::unique_ptr<CApiCall>&& call, std::uint64_t offset,
                              bool inStateBlock, bool trackState) {
     if (!call) return;
     const std::uint16_t id = call->m_id;
@@ -109,9 +102,9 @@ void CFrameStore::AppendCall(std::unique_ptr<CApiCall> call, std::uint64_t offse
 }
 
 void CFrameStore::Track(CApiCall& call) {
-    m_state.Apply(call);
     ++m_callsSinceKept;
     if (call.m_error.GetValue() != 0) return;
+    m_state.Apply(call);
     m_es1Used = m_es1Used || call.m_group == kGroupEs1 || call.m_group == kGroupExtEs1;
     m_es2Used = m_es2Used || call.m_group == kGroupEs2 || call.m_group == kGroupExtEs2;
 }
@@ -248,7 +241,7 @@ CCallEntry* CFrameStore::CallAt(std::uint32_t number) {
     return number == 0 || number > m_calls.size() ? nullptr : &m_calls[number - 1];
 }
 
-std::uint32_t CFrameStore::FrameOfCall(std::uint32_t index) const {
+std::uint32_t CFrameStore::SearchFrameOfCall(std::uint32_t index) const {
     for (std::size_t i = m_lastFound; i < m_frames.size() && i <= m_lastFound + 1; ++i) {
         if (!m_frames[i].Holds(index)) continue;
         m_lastFound = i;

@@ -44,24 +44,16 @@ struct CFrameRecord {
     }
 };
 
-/// A call and, while it is shown or played, the list of its values.
 class CCallEntry {
 public:
     std::unique_ptr<CApiCall> call;
 
-    /// Built when first asked for.
-    CGenCallInfo* GetInfo() {
-        if (!m_info) BuildInfo();
-        return m_info.get();
+    /// The list of the call's values, the player's own among them.
+    CGenCallInfo GetInfo() const {
+        CGenCallInfo info;
+        call->FillCallInfo(info, true);
+        return info;
     }
-    void ReleaseInfo() { s_spare = std::move(m_info); }
-
-private:
-    void BuildInfo();
-
-    /// Kept for the next call that is shown: one list is enough for a player.
-    static std::unique_ptr<CGenCallInfo> s_spare;
-    std::unique_ptr<CGenCallInfo> m_info;
 };
 
 /// Applies a call of the ES2 group, which is one of ES2 or ES3, to a record.
@@ -83,7 +75,7 @@ public:
     /// Files a call under the current frame. eglSwapBuffers closes its frame; the first call behind
     /// a block of state calls opens one. `offset` is that of the call's record in the file. With
     /// `trackState` the call is applied to the running state, unless the edit list disables it.
-    void AppendCall(std::unique_ptr<CApiCall> call, std::uint64_t offset, bool inStateBlock,
+    void AppendCall(std::unique_ptr<CApiCall>&& call, std::uint64_t offset, bool inStateBlock,
                     bool trackState);
     void SetMultiThread() { m_multiThread = true; }
 
@@ -108,7 +100,10 @@ public:
     CCallEntry* CallAt(std::uint32_t number);
     /// The frame that holds the 0-based `index`, or 0. The line of a call asks with the call's
     /// 1-based number, so that a frame's last call shows as the next frame's.
-    std::uint32_t FrameOfCall(std::uint32_t index) const;
+    std::uint32_t FrameOfCall(std::uint32_t index) const {
+        const CFrameRecord& last = m_frames[m_lastFound];
+        return last.Holds(index) ? last.number : SearchFrameOfCall(index);
+    }
 
     /// What the application had set when a frame began; defaults for a trace whose state was not
     /// tracked, and out of range. Some states are kept, at most some thousand calls apart; the
@@ -130,6 +125,7 @@ public:
 private:
     void OpenFrame(std::uint32_t firstCall);
     CCallEntry* NextStreamedCall();
+    std::uint32_t SearchFrameOfCall(std::uint32_t index) const;
     void Track(CApiCall& call);
     /// Keeps the running state for the frame of that place.
     void KeepState(std::size_t frame);
@@ -169,7 +165,8 @@ private:
     bool m_multiThread = false;
     std::uint32_t m_version = 0;
     CKSTLString m_fileName;
-    /// Where the last answer of `FrameOfCall` stood: the next one is there or behind it.
+    /// Where the last answer of `FrameOfCall` stood, one of `m_frames`: the next one is there or
+    /// behind it.
     mutable std::size_t m_lastFound = 0;
 };
 
