@@ -103,7 +103,7 @@ const std::uint8_t* CZeroTailed::Put(const SDataPtr& array, std::int64_t reach) 
     return m_start;
 }
 
-CClientMemory::STaken CClientMemory::Take(std::uint32_t index, std::unique_ptr<SDataPtr>& array,
+CClientMemory::STaken CClientMemory::Take(std::uint32_t index, std::optional<SDataPtr>& array,
                                           const SArrayReach& reach, bool known, bool keep) {
     if (index >= m_arrays.size()) m_arrays.resize(std::size_t{index} + 1);
     SHeld& held = m_arrays[index];
@@ -113,14 +113,27 @@ CClientMemory::STaken CClientMemory::Take(std::uint32_t index, std::unique_ptr<S
         if (tailed != nullptr) {
             held.data = tailed;
             held.size = held.tailed.Reach();
-            held.kept = nullptr;
+            held.kept.reset();
             return {tailed, true};
         }
     }
     held.data = array->GetData();
     held.size = array->GetSize();
-    held.kept = keep ? std::move(array) : nullptr;
+    held.kept.reset();
+    if (keep) Keep(held, array);
     return {held.data, reaches};
+}
+
+void CClientMemory::Keep(SHeld& held, std::optional<SDataPtr>& array) {
+    if (!array->StandsWithCall()) {
+        held.kept = std::exchange(array, std::nullopt);
+        return;
+    }
+    if (held.data != nullptr) {
+        held.copy.assign(held.data, held.data + held.size);
+        held.data = held.copy.data();
+    }
+    array.reset();
 }
 
 bool CClientMemory::Reaches(std::uint32_t index, const void* pointer,

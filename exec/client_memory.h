@@ -5,7 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
+#include <optional>
 #include <vector>
 
 #include "calls/model/data_values.h"
@@ -55,7 +55,7 @@ public:
     /// Holds the captured bytes of array `index` for the host. Where it is not known how far the
     /// draw really reads, `known` false, zeros are put behind bytes that are fewer. With `keep` the
     /// call that holds the bytes will be gone after the draw, and the array is taken over.
-    STaken Take(std::uint32_t index, std::unique_ptr<SDataPtr>& array, const SArrayReach& reach,
+    STaken Take(std::uint32_t index, std::optional<SDataPtr>& array, const SArrayReach& reach,
                 bool known, bool keep);
     /// Whether the host can read as far as that through `pointer`, which it has for `index`: the
     /// bytes of an earlier draw, or an address of the recording, behind which zeros are put.
@@ -65,9 +65,13 @@ private:
     struct SHeld {
         const std::uint8_t* data = nullptr;
         std::int64_t size = 0;
-        std::unique_ptr<SDataPtr> kept;
+        std::optional<SDataPtr> kept;
+        std::vector<std::uint8_t> copy;
         CZeroTailed tailed;
     };
+
+    /// Takes the array over, which is none then.
+    static void Keep(SHeld& held, std::optional<SDataPtr>& array);
 
     std::vector<SHeld> m_arrays;
 };

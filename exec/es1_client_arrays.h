@@ -6,7 +6,7 @@
 #include <GLES/gl.h>
 
 #include <algorithm>
-#include <memory>
+#include <optional>
 
 #include "base/output.h"
 #include "calls/model/client_arrays.h"
@@ -124,7 +124,7 @@ private:
     }
 
     /// The captured array of a kind; null when it has none.
-    std::unique_ptr<SDataPtr>* ArrayOf(int kind) const {
+    std::optional<SDataPtr>* ArrayOf(int kind) const {
         std::size_t place = m_next;
         if (!m_byPosition) {
             const auto found = std::find(m_indices.items.begin(), m_indices.items.end(), kind);
@@ -139,7 +139,7 @@ private:
         const auto type = static_cast<GLenum>(state.type);
         const GLint size = kind == kNormal ? 3 : state.size;
         const std::int64_t vertexBytes = VertexBytes(type, size);
-        std::unique_ptr<SDataPtr>* array = ArrayOf(kind);
+        std::optional<SDataPtr>* array = ArrayOf(kind);
         if (array == nullptr) {
             const GLenum stride = kArrayKinds[std::min<int>(kind, kFirstTexture)].stride;
             const SArrayReach reach{vertexBytes, Integer(m_c.host, stride), m_vertices.count};

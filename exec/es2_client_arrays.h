@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <bit>
 #include <cstdint>
-#include <memory>
 #include <optional>
 
 #include "base/output.h"
@@ -47,11 +46,12 @@ public:
     /// vertices do.
     bool Point(const char* draw) {
         const GLuint attributes = Attributes();
+        const CEs2Names::Locations* const locations = m_c.names.AttribLocations();
         std::uint64_t seen = 0;
         // Kept: behind one without bytes all stay as they are, and it is drawn; ES1 goes on.
         bool pointing = true;
         for (GLuint a = 0; a < attributes; ++a) {
-            const GLuint index = AttributeIndex(m_c.names, a);
+            const GLuint index = AttributeIndex(locations, a);
             if (index < kCounted) seen |= std::uint64_t{1} << index;
             const void* pointer = ClientPointer(index);
             if (pointer == nullptr) continue;
@@ -156,7 +156,7 @@ private:
         }
         if (array >= m_arrays.items.size()) return true;
         // Two recorded attributes may stand for one of the host, which has its bytes already.
-        if (m_arrays.items[array] == nullptr) return true;
+        if (!m_arrays.items[array]) return true;
         const CClientMemory::STaken taken =
             Memory().Take(index, m_arrays.items[array], {vertexBytes, 0, ValuesOf(index)},
                           m_vertices.known, m_c.player.store->Streams());

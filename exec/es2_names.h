@@ -26,6 +26,7 @@ struct SProgramRecord {
 class CEs2Names {
 public:
     using Names = TNameMap<std::uint32_t>;
+    using Locations = TNameTable<std::uint32_t, std::int32_t>;
     static constexpr std::uint32_t kUnknown = 0xFFFFFFFFu;
 
     Names& Textures() { return s_state.textures; }
@@ -61,10 +62,24 @@ public:
     void SetAttribLocation(std::uint32_t liveProgram, std::int32_t recorded, std::int32_t live);
     /// By the locations of the program in use; -1 for one that was never asked for.
     std::int32_t GetUniformLocation(std::int32_t recorded) const {
-        return LocationIn(s_state.uniformLocations, recorded);
+        return LocationIn(s_state.uniformLocations.Find(s_state.currentProgram), recorded);
     }
     std::int32_t GetAttribLocation(std::int32_t recorded) const {
-        return LocationIn(s_state.attribLocations, recorded);
+        return LocationIn(AttribLocations(), recorded);
+    }
+    /// Of the program in use; null when none of it was asked for.
+    const Locations* AttribLocations() const {
+        // Tables of attributes stay where they are, and none of them is erased.
+        if (s_state.attribs == nullptr || s_state.attribsOf != s_state.currentProgram) {
+            s_state.attribs = s_state.attribLocations.Find(s_state.currentProgram);
+            s_state.attribsOf = s_state.currentProgram;
+        }
+        return s_state.attribs;
+    }
+    static std::int32_t LocationIn(const Locations* locations, std::int32_t recorded) {
+        if (locations == nullptr) return -1;
+        const std::int32_t* live = locations->Find(static_cast<std::uint32_t>(recorded));
+        return live != nullptr ? *live : -1;
     }
     void EraseUniformLocation(std::int32_t recorded);
     void ClearUniformLocations(std::uint32_t liveProgram);
@@ -78,8 +93,6 @@ public:
     void ResetNames();
 
 private:
-    using Locations = TNameTable<std::uint32_t, std::int32_t>;
-
     struct SState {
         // Kept: 0 is a miss for some and all ones for others; tools compare host calls.
         Names textures{0};
@@ -94,6 +107,9 @@ private:
         TNameTable<std::uint32_t, Locations> uniformLocations;
         TNameTable<std::uint32_t, Locations> attribLocations;
         std::uint32_t currentProgram = 0;
+        /// What was looked up last in `attribLocations`.
+        const Locations* attribs = nullptr;
+        std::uint32_t attribsOf = 0;
         /// Some program may be deleted but for its use: the current one, or others.
         bool currentPending = false;
         bool programsPending = false;
@@ -103,22 +119,18 @@ private:
 
     /// One program less has the shader. It goes with the last one when it is to be deleted.
     void ReleaseShader(std::uint32_t recorded);
-    static std::int32_t LocationIn(const TNameTable<std::uint32_t, Locations>& programs,
-                                   std::int32_t recorded) {
-        const Locations* locations = programs.Find(s_state.currentProgram);
-        if (locations == nullptr) return -1;
-        const std::int32_t* live = locations->Find(static_cast<std::uint32_t>(recorded));
-        return live != nullptr ? *live : -1;
-    }
 
     static SState s_state;
 };
 
 /// The live index of a recorded attribute index, which stands for itself when it has no
 /// translation.
-inline std::uint32_t AttributeIndex(const CEs2Names& names, std::uint32_t recorded) {
-    const std::int32_t live = names.GetAttribLocation(static_cast<std::int32_t>(recorded));
+inline std::uint32_t AttributeIndex(const CEs2Names::Locations* locations, std::uint32_t recorded) {
+    const std::int32_t live = CEs2Names::LocationIn(locations, static_cast<std::int32_t>(recorded));
     return live == -1 ? recorded : static_cast<std::uint32_t>(live);
+}
+inline std::uint32_t AttributeIndex(const CEs2Names& names, std::uint32_t recorded) {
+    return AttributeIndex(names.AttribLocations(), recorded);
 }
 
 }  // namespace kestrail

@@ -17,15 +17,19 @@ void ReadClientArrays(CTrace& trace, std::uint32_t start, bool indexed,
     // The table's widths are signed, so that a damaged one can keep `remaining` from shrinking:
     // what was taken from the stream bounds the loop as well.
     std::int64_t before = -1;
+    constexpr std::size_t kUsualCount = 2;
+    if (remaining >= entrySize) {
+        arrays.items.reserve(kUsualCount);
+        indices.items.reserve(kUsualCount);
+    }
     while (remaining >= entrySize && taken() < recordSize && taken() > before) {
         before = taken();
-        auto array = std::make_unique<SDataPtr>();
         TintType<17> index;
         index.value = -1;
         if (indexed) trace >> index;
-        trace >> *array;
-        remaining -= entrySize + array->GetSize() + indexSize;
-        arrays.items.push_back(std::move(array));
+        SDataPtr& array = arrays.items.emplace_back(std::in_place).value();
+        trace >> array;
+        remaining -= entrySize + array.GetSize() + indexSize;
         indices.items.push_back(index.value);
     }
 }

@@ -3,9 +3,10 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
+#include <optional>
 #include <vector>
 
+#include "calls/model/call_memory.h"
 #include "calls/model/data_values.h"
 
 namespace kestrail {
@@ -14,17 +15,19 @@ template <typename T>
 struct TVectorItem {
     using Stored = T;
 };
-/// Pointed-at items are owned.
+/// Pointed-at items are owned; one that was taken away is none.
 template <typename T>
 struct TVectorItem<T*> {
-    using Stored = std::unique_ptr<T>;
+    using Stored = std::optional<T>;
 };
 
 /// A vector without a form of its own on the stream, and without a text.
 template <typename T>
 class SVectorData : public SApiTypeBase {
 public:
-    std::vector<typename TVectorItem<T>::Stored> items;
+    using Stored = typename TVectorItem<T>::Stored;
+
+    std::vector<Stored, TCallAllocator<Stored>> items;
 
     void AppendText(TextWriter&) const override {}
 };

@@ -1,11 +1,13 @@
 #include "calls/model/data_values.h"
 
+#include <cstdlib>
 #include <cstring>
 #include <stdexcept>
 #include <string>
 #include <utility>
 
 #include "calls/model/array_values.h"
+#include "calls/model/call_memory.h"
 #include "tracefile/bytes/typed_reads.h"
 
 namespace kestrail {
@@ -36,16 +38,32 @@ void CheckRecordedSize(const CTrace& trace, std::uint32_t size) {
 }
 
 void SBlock::Read(CTrace& trace) {
+    Release();
     trace >> pointer;
     size = ReadUInt32(trace.Stream(), 0, true);
     CheckRecordedSize(trace, size);
-    m_data.reset();
     // Kept: bytes behind a null pointer too, unlike strings and arrays; recordings hold them.
     if (size == 0) return;
-    m_data.reset(static_cast<std::uint8_t*>(std::malloc(size)));
-    if (trace.Stream().Read(m_data.get(), size, true)) return;
+    m_data =
+        static_cast<std::uint8_t*>(StandsWithCall() ? callMemory.Take(size) : std::malloc(size));
+    if (trace.Stream().Read(m_data, size, true)) return;
     // Nothing arrived: the block reads as zeros, which calloc has ready without writing them.
-    m_data.reset(static_cast<std::uint8_t*>(std::calloc(size, 1)));
+    if (StandsWithCall()) {
+        std::memset(m_data, 0, size);
+    } else {
+        std::free(m_data);
+        m_data = static_cast<std::uint8_t*>(std::calloc(size, 1));
+    }
+}
+
+void SBlock::Release() {
+    if (m_data == nullptr) return;
+    if (StandsWithCall()) {
+        callMemory.GiveBack(m_data, size);
+    } else {
+        std::free(m_data);
+    }
+    m_data = nullptr;
 }
 
 void SDataPtr::AppendText(TextWriter& out) const {

@@ -4,8 +4,8 @@
 #pragma once
 
 #include <cstdint>
-#include <cstdlib>
 #include <memory>
+#include <utility>
 
 #include "calls/model/api_type.h"
 
@@ -20,8 +20,20 @@ public:
     TPointer pointer;
     std::uint32_t size = 0;
 
+    SBlock() = default;
+    SBlock(SBlock&& other) noexcept { *this = std::move(other); }
+    SBlock& operator=(SBlock&& other) noexcept {
+        std::swap(pointer.value, other.pointer.value);
+        std::swap(size, other.size);
+        std::swap(m_data, other.m_data);
+        return *this;
+    }
+    ~SBlock() override { Release(); }
+
     /// The captured bytes; null when there are none.
-    std::uint8_t* GetData() const { return m_data.get(); }
+    std::uint8_t* GetData() const { return m_data; }
+    /// Whether the bytes stand where their call does: they must not outlive it.
+    bool StandsWithCall() const { return size <= kSmall; }
     std::uint32_t GetSize() const { return size; }
 
     /// Pointer by width, size in 4 bytes, then the bytes, whether the pointer is null or not.
@@ -29,10 +41,11 @@ public:
     void AppendNumericText(TextWriter& out) const override { pointer.AppendText(out); }
 
 private:
-    struct Free {
-        void operator()(std::uint8_t* block) const { std::free(block); }
-    };
-    std::unique_ptr<std::uint8_t, Free> m_data;
+    static constexpr std::uint32_t kSmall = 4096;
+
+    void Release();
+
+    std::uint8_t* m_data = nullptr;
 };
 
 class SDataPtr : public SBlock {

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <optional>
 #include <random>
 
 #include "exec/client_memory.h"
@@ -145,13 +146,13 @@ TEST(DrawIndices, AsManyAsTheDrawReads) {
     EXPECT_FALSE(DrawIndices(false, {}, 0x77, 1, GL_UNSIGNED_BYTE).sound);
 }
 
-std::unique_ptr<SDataPtr> Array(std::size_t size, std::uint8_t value) {
-    return std::make_unique<SDataPtr>(ReadFrom<SDataPtr>(Record().Data(1, Bytes(size, value))));
+std::optional<SDataPtr> Array(std::size_t size, std::uint8_t value) {
+    return ReadFrom<SDataPtr>(Record().Data(1, Bytes(size, value)));
 }
 
 TEST(ClientMemory, ArraysAreMeasuredToTheLastVertex) {
     CClientMemory memory;
-    std::unique_ptr<SDataPtr> array = Array(20, 9);
+    std::optional<SDataPtr> array = Array(20, 9);
     const CClientMemory::STaken taken = memory.Take(2, array, {4, 0, 5}, true, false);
     EXPECT_TRUE(taken.sound);
     EXPECT_EQ(taken.pointer, array->GetData());
@@ -171,7 +172,7 @@ TEST(ClientMemory, ArraysAreMeasuredToTheLastVertex) {
     EXPECT_FALSE(memory.Reaches(2, elsewhere, {4, 0, 1}));
     EXPECT_FALSE(memory.Take(2, array, {4, 0, 6}, true, false).sound);
     EXPECT_FALSE(memory.Take(2, array, {4, 0, 6}, true, true).sound);
-    EXPECT_EQ(array, nullptr) << "kept for later draws";
+    EXPECT_FALSE(array) << "kept for later draws";
 }
 
 TEST(ClientMemory, ZerosStandBehindAnArrayOfUnknownReach) {
