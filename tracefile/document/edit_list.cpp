@@ -15,7 +15,7 @@ void CEditList::Clear() {
     m_overrides.clear();
 }
 
-bool CEditList::IsCallDisabled(std::uint32_t number) const {
+bool CEditList::IsInDisabled(std::uint32_t number) const {
     if (!enabled) return false;
     const auto found = m_disabled.find(number);
     return found != m_disabled.end() && found->second;

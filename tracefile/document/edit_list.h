@@ -22,7 +22,9 @@ public:
     void AddOverride(std::uint32_t number, std::vector<std::uint8_t> text);
     void Clear();
 
-    bool IsCallDisabled(std::uint32_t number) const;
+    bool IsCallDisabled(std::uint32_t number) const {
+        return !m_disabled.empty() && IsInDisabled(number);
+    }
     /// False when the call has no text. `text` stays valid while the list does.
     bool GetTextOverride(std::uint32_t number, const std::uint8_t*& text, std::uint32_t& length,
                          bool& fromFile) const;
@@ -35,6 +37,8 @@ public:
     bool enabled = true;
 
 private:
+    bool IsInDisabled(std::uint32_t number) const;
+
     std::map<std::uint32_t, bool> m_disabled;
     std::map<std::uint32_t, STextOverride> m_overrides;
 };

@@ -1,5 +1,6 @@
 #include "tracefile/document/trace_document.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <utility>
 
@@ -15,6 +16,15 @@ constexpr std::uint64_t kFooterSize = 10;
 constexpr std::uint16_t kThreadRecord = 1;
 constexpr std::uint16_t kLastMarker = 5;
 
+std::unique_ptr<CApiCall> CallOfFamily(std::uint16_t id, CTrace& reader) {
+    if (id >= 1001 && id <= 1200) return CreateEglCall(id, reader);
+    if (id >= 3001 && id <= 3145) return CreateEs1Call(id, reader);
+    if (id >= 2001 && id <= 2142) return CreateEs2Call(id, reader);
+    if (id >= 5001 && id <= 5246) return CreateEs3Call(id, reader);
+    if (id >= 4001 && id <= 4239) return CreateExtCall(id, reader);
+    return nullptr;
+}
+
 }  // namespace
 
 struct CTraceDocument::SRecordLoop {
@@ -24,6 +34,8 @@ struct CTraceDocument::SRecordLoop {
     bool inStateBlock = false;
     /// The section of state records is being read, ahead of all others.
     bool stateFirst = false;
+    /// Of a file that is read whole: where the calls end.
+    std::uint64_t end = 0;
     /// A stream went from the end of the state section back to the first record.
     bool wrapped = false;
 };
@@ -82,6 +94,8 @@ unsigned CTraceDocument::Load(const CKSTLString& name) {
         return kOpenRefused;
     }
     output::Message("Processing File....");
+    m_reader.emplace(&m_stream, m_version, m_dataFlag, m_typeSizes.data(),
+                     static_cast<std::int8_t>(m_typeCount));
     if (m_noMemory) m_store->StreamFrom(this);
     m_store->SetTraceInfo(m_stream.GetSize(), m_dataFlag, m_secondFlag, m_version, m_fileName);
     // Kept: a stream marks no edited calls; its log is of what was recorded.
@@ -106,6 +120,9 @@ bool CTraceDocument::ChooseStart(SRecordLoop& loop) const {
     if (!m_noMemory) {
         loop.stateFirst = HasStateSection();
         loop.offset = HasStateSection() ? StateStart() : m_firstRecordOffset;
+        loop.end = loop.size;
+        if (m_stateOffset == 0) loop.end = std::max(loop.size, kFooterSize) - kFooterSize;
+        if (HasStateSection()) loop.end = m_stateOffset;
         return true;
     }
     if (position >= loop.size) return false;
@@ -120,24 +137,41 @@ bool CTraceDocument::ChooseStart(SRecordLoop& loop) const {
     return true;
 }
 
-bool CTraceDocument::AtEnd(SRecordLoop& loop) const {
-    if (m_stateOffset == kNoFooter) return loop.offset >= loop.size;
-    if (loop.stateFirst) {
-        // Kept: met exactly or run past; recordings whose section doesn't fit are told as errors.
-        if (loop.offset + kFooterSize == loop.size) {
-            loop.offset = m_firstRecordOffset;
-            loop.stateFirst = false;
-        }
-        return false;
+inline bool CTraceDocument::AtEnd(SRecordLoop& loop) const {
+    if (!loop.stateFirst) return loop.offset >= loop.end;
+    // Kept: met exactly or run past; recordings whose section doesn't fit are told as errors.
+    if (loop.offset + kFooterSize == loop.size) {
+        loop.offset = m_firstRecordOffset;
+        loop.stateFirst = false;
     }
-    if (m_stateOffset == 0) return loop.offset + kFooterSize >= loop.size;
-    return loop.offset >= m_stateOffset;
+    return false;
+}
+
+std::unique_ptr<CApiCall> CTraceDocument::CreateCall(std::uint16_t id, CTrace& reader) {
+    std::unique_ptr<CApiCall> call = CallOfFamily(id, reader);
+    if (call) call->m_id = id;
+    return call;
+}
+
+inline bool CTraceDocument::TakeCall(SRecordLoop& loop, std::uint16_t id, std::uint32_t size,
+                                     std::uint64_t offset) {
+    if (loop.offset > loop.size) return false;
+    m_reader->SetRecordSize(size);
+    std::unique_ptr<CApiCall> call = CreateCall(id, *m_reader);
+    // Kept: fails behind the last record of old files, which loses its call; readers expect it.
+    if (m_noMemory) m_stream.Seek(static_cast<std::int32_t>(loop.offset), SEEK_SET);
+    if (!call) return true;
+    const CApiCall& made = *call;
+    m_reader->CallNumber() = m_store->CallCount() + 1;
+    m_store->AppendCall(std::move(call), offset, loop.inStateBlock, m_trackState && !m_noMemory);
+    // Far below the hundredth that is told next, which is measured in single precision.
+    const std::uint64_t soon = std::uint64_t{progressValue} + progressMax / 128;
+    if (m_progressEnabled && loop.offset >= soon) ShowProgress(made, loop.offset);
+    return true;
 }
 
 unsigned CTraceDocument::LoadRecords() {
     progressMax = m_stream.GetSize();
-    m_reader.emplace(&m_stream, m_version, m_dataFlag, m_typeSizes.data(),
-                     static_cast<std::int8_t>(m_typeCount));
     SRecordLoop loop{m_stream.GetSize(), m_stream.Tell()};
     if (!ChooseStart(loop)) return kOpened;
     while (m_noMemory || !AtEnd(loop)) {
@@ -145,10 +179,7 @@ unsigned CTraceDocument::LoadRecords() {
         // Offsets past 31 bits lie behind every file.
         const bool seekable = recordOffset < loop.size;
         const auto target = static_cast<std::int32_t>(seekable ? recordOffset : loop.size);
-        if (m_stream.Seek(target, SEEK_SET) == 0) {
-            m_reader.reset();
-            throw 4;
-        }
+        if (m_stream.Seek(target, SEEK_SET) == 0) throw 4;
         const std::uint32_t size = ReadUInt32(m_stream, 0, true);
         const std::uint16_t id = ReadUInt16(m_stream, 0, true);
         loop.offset += size + kRecordHead;
@@ -186,24 +217,7 @@ void CTraceDocument::TakeThread(SRecordLoop& loop) {
     loop.thread = thread;
 }
 
-bool CTraceDocument::TakeCall(SRecordLoop& loop, std::uint16_t id, std::uint32_t size,
-                              std::uint64_t offset) {
-    if (loop.offset > loop.size) return false;
-    m_reader->SetRecordSize(size);
-    std::unique_ptr<CApiCall> call = CreateCall(id, *m_reader);
-    // Kept: fails behind the last record of old files, which loses its call; readers expect it.
-    if (m_noMemory) m_stream.Seek(static_cast<std::int32_t>(loop.offset), SEEK_SET);
-    if (!call) return true;
-    const CApiCall& made = *call;
-    m_reader->CallNumber() = m_store->CallCount() + 1;
-    m_store->AppendCall(std::move(call), offset, loop.inStateBlock, m_trackState && !m_noMemory);
-    if (m_progressEnabled) ShowProgress(made, loop.offset);
-    return true;
-}
-
 void CTraceDocument::ShowProgress(const CApiCall& call, std::uint64_t offset) {
-    // Far below the hundredth that is told next, which is measured in single precision.
-    if (offset < std::uint64_t{progressValue} + progressMax / 128) return;
     constexpr float kStep = 0.01F;
     const auto whole = static_cast<float>(progressMax);
     const float done = static_cast<float>(offset) / whole;
@@ -214,23 +228,6 @@ void CTraceDocument::ShowProgress(const CApiCall& call, std::uint64_t offset) {
     progressTitle = progressDetail;
     progressValue = static_cast<std::uint32_t>(offset);
     CLoadObservers::Instance().Notify(kLoadProgressEvent, *this);
-}
-
-std::unique_ptr<CApiCall> CTraceDocument::CreateCall(std::uint16_t id, CTrace& reader) {
-    std::unique_ptr<CApiCall> call;
-    if (id >= 1001 && id <= 1200) {
-        call = CreateEglCall(id, reader);
-    } else if (id >= 3001 && id <= 3145) {
-        call = CreateEs1Call(id, reader);
-    } else if (id >= 2001 && id <= 2142) {
-        call = CreateEs2Call(id, reader);
-    } else if (id >= 5001 && id <= 5246) {
-        call = CreateEs3Call(id, reader);
-    } else if (id >= 4001 && id <= 4239) {
-        call = CreateExtCall(id, reader);
-    }
-    if (call) call->m_id = id;
-    return call;
 }
 
 void CTraceDocument::CloseTrace() {

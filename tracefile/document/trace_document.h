@@ -90,7 +90,7 @@ private:
 
     static constexpr std::uint64_t kNoFooter = ~std::uint64_t{0};
 
-    /// The newest reader: one for a whole file, one for each record of a stream.
+    /// There while a trace is open.
     std::optional<CTrace> m_reader;
     std::unique_ptr<CFrameStore> m_store;
     bool m_byteSwapped = false;
