@@ -5,8 +5,6 @@ target_compile_features(kestrail_options INTERFACE cxx_std_20)
 target_compile_options(
   kestrail_options
   INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wnon-virtual-dtor -Wold-style-cast)
-# Position-independent code of ours replaces no function of a program, so that calls can be inlined.
-target_compile_options(kestrail_options INTERFACE -fno-semantic-interposition)
 target_include_directories(kestrail_options INTERFACE ${PROJECT_SOURCE_DIR} ${PROJECT_BINARY_DIR})
 if(CMAKE_CXX_COMPILER_ID MATCHES Clang)
   # As g++, whose conversions leave signs out.
