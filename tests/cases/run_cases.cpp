@@ -63,149 +63,128 @@ Lines Unfolded(Lines lines) {
 }
 
 /// What one section expects of one run.
-class CExpectation {
-public:
-    CExpectation(const SRunResult& run, const SSection& section, std::size_t startUpCalls,
-                 std::size_t traceSize)
-        : m_run(run),
-          m_rest(section.rest),
-          m_words(SplitWords(section.rest)),
-          m_lines(Unfolded(section.lines)),
-          m_startUpCalls(startUpCalls),
-          m_traceSize(traceSize) {}
+struct SExpectation {
+    const SRunResult& run;
+    const std::string& rest;
+    Lines words;
+    Lines lines;
+    std::size_t startUpCalls;
+    std::size_t traceSize;
 
     void Check(const std::string& word) const {
-        static const std::map<std::string, void (CExpectation::*)() const> checks = {
-            {"host", &CExpectation::Host},         {"tail", &CExpectation::Tail},
-            {"messages", &CExpectation::Messages}, {"lines", &CExpectation::CallLines},
-            {"printed", &CExpectation::Printed},   {"unprinted", &CExpectation::Unprinted},
-            {"output", &CExpectation::Output},     {"frames", &CExpectation::Frames},
-            {"errors", &CExpectation::Errors},     {"starts", &CExpectation::Starts},
-            {"peak", &CExpectation::Peak},         {"count", &CExpectation::Count},
-            {"live", &CExpectation::Live},         {"ends", &CExpectation::Ends}};
+        static const std::map<std::string, void (SExpectation::*)() const> checks = {
+            {"host", &SExpectation::Host},         {"tail", &SExpectation::Tail},
+            {"messages", &SExpectation::Messages}, {"lines", &SExpectation::CallLines},
+            {"printed", &SExpectation::Printed},   {"unprinted", &SExpectation::Unprinted},
+            {"output", &SExpectation::Output},     {"frames", &SExpectation::Frames},
+            {"errors", &SExpectation::Errors},     {"starts", &SExpectation::Starts},
+            {"peak", &SExpectation::Peak},         {"count", &SExpectation::Count},
+            {"ends", &SExpectation::Ends}};
         const auto check = checks.find(word);
         if (check == checks.end()) throw std::runtime_error(word + ": no such section");
         (this->*check->second)();
     }
 
-private:
     /// Names of enumerants may stand for the numbers that the host logs.
     void Compare(const Lines& seen) const {
-        const std::string expected = Joined(m_lines);
+        const std::string expected = Joined(lines);
         EXPECT_EQ(WithValues(expected), Joined(seen)) << "Which stands as\n" << expected;
     }
-    std::int64_t Number(std::size_t place) const { return NumberOf(m_words.at(place)); }
-    Lines Behind(std::size_t startUpCalls) const {
-        const Lines lines = m_run.CallLines();
-        const std::size_t first = std::min(startUpCalls, lines.size());
-        return {lines.begin() + static_cast<std::ptrdiff_t>(first), lines.end()};
+    std::int64_t Number(std::size_t place) const { return NumberOf(words.at(place)); }
+    Lines Behind() const {
+        const Lines all = run.CallLines();
+        const std::size_t first = std::min(startUpCalls, all.size());
+        return {all.begin() + static_cast<std::ptrdiff_t>(first), all.end()};
     }
 
-    void Host() const {
-        Compare(m_words.empty() ? m_run.GlCalls() : Matching(m_run.calls, m_words));
-    }
+    void Host() const { Compare(words.empty() ? run.GlCalls() : Matching(run.calls, words)); }
     void Tail() const {
-        const bool counted = std::isdigit(static_cast<unsigned char>(m_words.at(0)[0])) != 0;
-        const auto& all = m_run.calls;
+        const bool counted = std::isdigit(static_cast<unsigned char>(words.at(0)[0])) != 0;
+        const auto& all = run.calls;
         auto first = all.begin();
         for (auto call = all.begin(); !counted && call != all.end(); ++call) {
-            if (Begins(*call, m_words[0] + "(")) first = call + 1;
+            if (Begins(*call, words[0] + "(")) first = call + 1;
         }
-        const Lines patterns(m_words.begin() + 1, m_words.end());
+        const Lines patterns(words.begin() + 1, words.end());
         Lines calls = Matching({first, all.end()}, patterns.empty() ? Lines{"*"} : patterns);
         const auto count = static_cast<std::ptrdiff_t>(calls.size());
         const std::ptrdiff_t left = counted ? std::max<std::ptrdiff_t>(0, count - Number(0)) : 0;
         Compare({calls.begin() + left, calls.end()});
     }
     void Messages() const {
-        if (m_words.empty()) Compare(m_run.Messages());
+        if (words.empty()) Compare(run.Messages());
     }
     void CallLines() const {
-        Lines lines = Behind(m_startUpCalls);
-        Lines expected = m_lines;
-        if (m_words.empty()) {
-            std::transform(lines.begin(), lines.end(), lines.begin(), CallText);
-            for (std::string& call : expected) {
-                if (call.find("=>") == std::string::npos) call += " =>  :: Error: GL_NO_ERROR";
-            }
+        Lines seen = Behind();
+        Lines expected = lines;
+        std::transform(seen.begin(), seen.end(), seen.begin(), CallText);
+        for (std::string& call : expected) {
+            if (call.find("=>") == std::string::npos) call += " =>  :: Error: GL_NO_ERROR";
         }
-        EXPECT_EQ(Joined(lines), Joined(expected));
+        EXPECT_EQ(Joined(seen), Joined(expected));
     }
     void Printed() const {
-        if (m_words.empty()) {
-            EXPECT_NE(("\n" + m_run.out).find("\n" + Joined(m_lines)), std::string::npos)
-                << Joined(m_lines) << "is not in\n"
-                << m_run.out;
+        if (words.empty()) {
+            EXPECT_NE(("\n" + run.out).find("\n" + Joined(lines)), std::string::npos)
+                << Joined(lines) << "is not in\n"
+                << run.out;
             return;
         }
-        Lines lines = m_run.Lines();
+        Lines seen = run.Lines();
         std::erase_if(
-            lines, [&](const std::string& line) { return line.find(m_rest) == std::string::npos; });
-        EXPECT_EQ(Joined(lines), Joined(m_lines));
+            seen, [&](const std::string& line) { return line.find(rest) == std::string::npos; });
+        EXPECT_EQ(Joined(seen), Joined(lines));
     }
     void Unprinted() const {
-        for (const std::string& text : m_lines) EXPECT_FALSE(m_run.Printed(text)) << text;
+        for (const std::string& text : lines) EXPECT_FALSE(run.Printed(text)) << text;
     }
     void Output() const {
-        std::string out = m_run.out;
+        std::string out = run.out;
         const std::size_t path = out.find(KESTRAIL_PLAYER);
         if (path != std::string::npos) out.replace(path, sizeof KESTRAIL_PLAYER - 1, "PLAYER");
-        EXPECT_EQ(out, Joined(m_lines));
+        EXPECT_EQ(out, Joined(lines));
     }
-    void Errors() const { EXPECT_EQ(m_run.err, Joined(m_lines)); }
+    void Errors() const { EXPECT_EQ(run.err, Joined(lines)); }
     void Frames() const {
         constexpr std::size_t number = sizeof("KESTRAIL(M) Frame(P): ") - 1;
         std::string frames;
-        for (const std::string& line : Behind(m_startUpCalls)) {
+        for (const std::string& line : Behind()) {
             frames += " " + line.substr(number, line.find(' ', number) - number);
         }
-        EXPECT_EQ(frames, " " + m_rest);
+        EXPECT_EQ(frames, " " + rest);
     }
     void Starts() const {
-        const Lines lines = m_run.Lines();
-        for (const std::string& start : m_lines) {
-            EXPECT_EQ(std::count_if(lines.begin(), lines.end(),
+        const Lines seen = run.Lines();
+        for (const std::string& start : lines) {
+            EXPECT_EQ(std::count_if(seen.begin(), seen.end(),
                                     [&](const std::string& one) { return Begins(one, start); }),
                       Number(0))
                 << start << "\n"
-                << m_run.out;
+                << run.out;
         }
     }
     void Peak() const {
-        EXPECT_GT(m_run.maxResidentKilobytes, 0);
-        EXPECT_LE(m_run.maxResidentKilobytes,
-                  static_cast<std::int64_t>(m_traceSize >> 10) * Number(0) + (Number(1) << 10));
+        EXPECT_GT(run.maxResidentKilobytes, 0);
+        EXPECT_LE(run.maxResidentKilobytes,
+                  static_cast<std::int64_t>(traceSize >> 10) * Number(0) + (Number(1) << 10));
     }
     void Count() const {
-        for (std::size_t i = 0; i + 1 < m_words.size(); i += 2) {
-            EXPECT_EQ(static_cast<std::int64_t>(Matching(m_run.calls, {m_words[i]}).size()),
-                      Number(i + 1))
-                << m_words[i];
-        }
-    }
-    void Live() const {
-        for (std::size_t i = 0; i + 1 < m_words.size(); i += 2) {
-            const auto live = m_run.live.find(m_words[i]);
-            EXPECT_EQ(live == m_run.live.end() ? 0 : live->second, Number(i + 1)) << m_words[i];
+        for (std::size_t i = 0; i + 1 < words.size(); i += 2) {
+            const auto live = run.live.find(words[i]);
+            EXPECT_EQ(live == run.live.end() ? Matching(run.calls, {words[i]}).size()
+                                             : static_cast<std::size_t>(live->second),
+                      static_cast<std::size_t>(Number(i + 1)))
+                << words[i];
         }
     }
     void Ends() const {
-        if (m_rest == "crash") {
+        if (rest == "crash") {
             // A sanitizer turns the fault into an exit of its own.
-            EXPECT_TRUE(m_run.signal != 0 || (IsSanitized() && m_run.status != 0))
-                << m_run.Ending();
+            EXPECT_TRUE(run.signal != 0 || (IsSanitized() && run.status != 0)) << run.Ending();
         } else {
-            EXPECT_EQ(m_words.at(0) == "signal" ? m_run.signal : m_run.status, Number(1))
-                << m_run.Ending();
+            EXPECT_EQ(words.at(0) == "signal" ? run.signal : run.status, Number(1)) << run.Ending();
         }
     }
-
-    const SRunResult& m_run;
-    const std::string& m_rest;
-    Lines m_words;
-    Lines m_lines;
-    std::size_t m_startUpCalls;
-    std::size_t m_traceSize;
 };
 
 class CCaseRun {
@@ -245,8 +224,6 @@ private:
             m_options.script = WithValues(Joined(section.lines));
         } else if (section.word == "library") {
             m_options.host = section.rest;
-        } else if (section.word == "environment") {
-            m_options.environment = section.lines;
         } else if (section.word == "memory") {
             m_options.memoryLimit = static_cast<unsigned>(NumberOf(section.rest));
         } else if (section.word == "files") {
@@ -285,7 +262,13 @@ private:
                 SCOPED_TRACE(section.word + " of line " + std::to_string(section.number));
                 messages = messages || section.word == "messages";
                 ends = ends || section.word == "ends";
-                CExpectation(run, section, m_startUpCalls, size).Check(section.word);
+                const SExpectation expectation = {run,
+                                                  section.rest,
+                                                  SplitWords(section.rest),
+                                                  Unfolded(section.lines),
+                                                  m_startUpCalls,
+                                                  size};
+                expectation.Check(section.word);
             }
             EXPECT_TRUE(ends || run.Ok()) << run.Ending();
             EXPECT_EQ(messages ? "" : Joined(run.Messages()), "") << "no messages are expected";

@@ -57,25 +57,17 @@ private:
 
 using Directive = std::function<void(CTraceBuilder&, const CDirective&)>;
 
-constexpr std::uint32_t kDisplay = CTraceBuilder::display;
 constexpr std::uint32_t kSurface = CTraceBuilder::surface;
 constexpr std::uint32_t kContext = CTraceBuilder::context;
-
-void SetFooter(CTraceBuilder& t, const CDirective& d) {
-    t.settings.footer = d.Word(1) != "off";
-    if (d.Word(2).empty()) return;
-    t.settings.firstMark = d.As<std::int8_t>(1);
-    t.settings.secondMark = d.As<std::int8_t>(2);
-}
 
 const std::map<std::string, Directive>& Directives() {
     using T = CTraceBuilder&;
     using D = const CDirective&;
     static const std::map<std::string, Directive> directives = {
         {"startup", [](T t, D d) { t.StartUp(d.As<int>(1), d.Size(2).first, d.Size(2).second); }},
-        {"display", [](T t, D d) { t.GetDisplay(d.As(1, kDisplay)); }},
-        {"init", [](T t, D d) { t.Initialize(d.As(1, kDisplay)); }},
-        {"context", [](T t, D d) { t.CreateContext(d.As<int>(1), d.As(2, kContext), d.As(3)); }},
+        {"display", [](T t, D) { t.GetDisplay(); }},
+        {"init", [](T t, D) { t.Initialize(); }},
+        {"context", [](T t, D d) { t.CreateContext(d.As<int>(1), d.As(2, kContext)); }},
         {"window",
          [](T t, D d) {
              t.CreateWindowSurface(d.Size(1).first, d.Size(1).second, d.As(2, kSurface));
@@ -98,14 +90,14 @@ const std::map<std::string, Directive>& Directives() {
          [](T t, D d) { d.EachOf(1, [&](std::uint32_t n) { t.OverrideText(n, d.Inner(2)); }); }},
         {"patch", [](T t, D d) { t.Patch(d.As(1), d.As(2)); }},
         {"cut", [](T t, D d) { t.CutAt(d.As(1)); }},
-        {"footer", SetFooter},
+        {"footer",
+         [](T t, D d) {
+             t.settings.firstMark = d.As<std::int8_t>(1);
+             t.settings.secondMark = d.As<std::int8_t>(2);
+         }},
         {"magic", [](T t, D d) { t.settings.magic = d.Inner(1); }},
         {"mark", [](T t, D d) { t.settings.mark = d.As(1); }},
-        {"flags",
-         [](T t, D d) {
-             t.settings.dataFlag = d.As<std::uint8_t>(1);
-             t.settings.secondFlag = d.As<std::uint8_t>(2, t.settings.secondFlag);
-         }},
+        {"flag", [](T t, D d) { t.settings.dataFlag = d.As<std::uint8_t>(1); }},
         {"typeset", [](T t, D d) { t.settings.typeSet = d.As(1); }},
         {"widths", [](T t, D d) { t.settings.widths = d.List<std::int8_t>(1); }},
         {"widthcount", [](T t, D d) { t.settings.widthCount = d.As<std::int8_t>(1); }},

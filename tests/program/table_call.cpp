@@ -78,7 +78,7 @@ public:
             if (Starts("glGen") && slot == "[Uint]") return Named("new", list);
             return {slot == "data" ? "[00*64]" : slot == "string" ? "\"text\"" : "{1}", "ptr"};
         }
-        const std::string table = slot == "Enum" ? "" : Table(name);
+        const std::string table = slot == "Enum" ? "" : m_rows.Table(m_prototype.entry, name);
         if (!table.empty()) return Named(table, list);
         if (name == "pointer") return {"0x1234", "4660"};
         if (name == "length" && list) return Same("{6}");
@@ -94,15 +94,6 @@ private:
     Value Named(const std::string& table, bool list) const {
         const auto& [recorded, live] = m_opening.names.at(table);
         return list ? Value("{" + recorded + "}", "{" + live + "}") : Value(recorded, live);
-    }
-
-    /// The table that a parameter's name goes through, or none.
-    std::string Table(const std::string& name) const {
-        auto entry = m_rows.translated.find(m_prototype.entry);
-        if (entry == m_rows.translated.end()) entry = m_rows.translated.find("*");
-        if (entry == m_rows.translated.end()) return "";
-        const auto table = entry->second.find(name);
-        return table == entry->second.end() ? "" : table->second;
     }
 
     Value DataOf(const std::string& name) const {

@@ -21,8 +21,7 @@ TEST_P(CTable, EveryCallReachesTheHostByItsPrototype) {
     const SOpening opening = Open(rows);
     const std::size_t opened = RunTrace(opening.trace).calls.size();
     for (const std::string& entry : rows.entries) {
-        const auto mark = rows.played.find(entry);
-        const Played played = mark == rows.played.end() ? Played::Yes : mark->second;
+        const Played played = rows.HowPlayed(entry);
         if (played == Played::ByHand) continue;
         const STableCall call = MakeTableCall(opening, rows, entry);
         SCOPED_TRACE(call.line);

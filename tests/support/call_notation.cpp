@@ -23,12 +23,7 @@ const char* const exceptions = R"(
 1018 eglMakeCurrent EglBoolean Display Surface Surface Context Config@9 attributes@9
 1022 eglSwapBuffers EglBoolean Display Surface Uint@9 Uint@10 Uint@10 data@10
 1027 eglReleaseTexImage EglBoolean Display Surface EglInt EglInt
-1100 eglSetSwapRectangleANDROID EglBoolean Display Surface EglInt EglInt EglInt EglInt
-1101 eglGetRenderBufferANDROID EglClientBuffer Display Surface
-1102 eglLockSurfaceKHR EglBoolean Display Surface attributes
-1103 eglUnlockSurfaceKHR EglBoolean Display Surface
 1104 eglCreateImageKHR EglImage Display Context EglEnum EglClientBuffer attributes
-1105 eglDestroyImageKHR EglBoolean Display EglImage
 2042 es2.glDrawElements void Enum Sizei Enum data Pointer
 2106 es2.glTexImage2D void Enum Int Int Sizei Sizei Int Enum Enum data Int
 3037 es1.glDrawElements void Enum Sizei Enum data Pointer
@@ -36,14 +31,9 @@ const char* const exceptions = R"(
 4002 glMultiDrawElementsEXT void Enum [Sizei] Enum [Pointer] Sizei
 4005 glUnmapBufferOES Boolean Enum data
 4030 glTexBindStreamQVA void Int Int
-4031 glGetTexStreamDeviceAttributeivQVA void Int Enum [Int]
-4032 glGetTexStreamDeviceNameQVA string Int
 4038 glSetFenceNV void Uint Enum
-4041 glEGLImageTargetTexture2DOES void Enum EglImageOes
 4042 glAlphaFuncxOES void Enum Clampx
-4062 glLoadMatrixxOES void (Fixed)
 4080 glTranslatexOES void Fixed Fixed Fixed
-4127 glProgramBinaryOES void Uint Enum data Int
 5177 glEndTransformFeedback void data
 5212 glDrawElementsInstanced void Enum Sizei Enum Sizei data Pointer
 )";

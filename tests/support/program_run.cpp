@@ -223,10 +223,7 @@ SRunResult RunTrace(const CTraceBuilder& trace, const std::vector<std::string>& 
     const CTempFolder folder;
     std::vector<std::string> words = {folder.File("trace.kstl")};
     words.insert(words.end(), arguments.begin(), arguments.end());
-    const Bytes bytes = trace.Build();
-    std::ofstream(words[0], std::ios::binary)
-        .write(reinterpret_cast<const char*>(bytes.data()),
-               static_cast<std::streamsize>(bytes.size()));
+    trace.Write(words[0]);
     return RunProgram(words, options);
 }
 

@@ -1,5 +1,7 @@
 #include "tests/support/table_rows.h"
 
+#include <fnmatch.h>
+
 #include <iterator>
 #include <sstream>
 
@@ -48,17 +50,57 @@ std::vector<std::string> Entries(const std::string& family) {
     return entries;
 }
 
-std::map<std::string, Played> Marked(const std::vector<std::string>& unplayed,
-                                     const std::vector<std::string>& checked,
-                                     const std::vector<std::string>& byHand) {
-    std::map<std::string, Played> marks;
-    for (const std::string& entry : unplayed) marks[entry] = Played::No;
-    for (const std::string& entry : checked) marks[entry] = Played::Checked;
-    for (const std::string& entry : byHand) marks[entry] = Played::ByHand;
-    return marks;
+constexpr char kEs1Played[] = "-glGet* -glIs* =glClipPlanex =glDraw*";
+constexpr char kEs1Translated[] = "+*.buffer +*.buffers +*.texture +*.textures";
+constexpr char kEs2Played[] = R"(
+    -glCheck* -glGetVertexAttrib* -glIs* -glReadPixels -glValidateProgram
+    +glGet*Location +glGetProgramiv ?glGet* =glDrawArrays =glDrawElements)";
+constexpr char kEs2Translated[] = R"(
+    -glBindAttribLocation.index +*.*buffer +*.*buffers +*.texture +*.textures +*.program
+    +*.shader +*.shaders +*.index +*.location)";
+constexpr char kEs3Played[] = R"(
+    ?glGet* ?glIs* ?*Query ?glGenQueries +glEndTransformFeedback ?*TransformFeedback*
+    ?glTexSubImage3D ?glVertexAttribI4uiv
+    =glDrawRangeElements =glDrawElementsInstanced =glUnmapBuffer)";
+constexpr char kEs3Translated[] = R"(
+    +glUniform*.location +glUniformBlockBinding.program +*.array +*.arrays +glBindBuffer*.buffer
+    +*Sync.sync +glDeleteSamplers.samplers +glBindSampler.sampler)";
+constexpr char kExtEntries[] = R"(
+    glDiscardFramebufferEXT glMultiDrawElementsEXT glMultiDrawArraysEXT glMapBufferOES
+    glUnmapBufferOES glGetBufferPointervOES glBindVertexArrayOES glDeleteVertexArraysOES
+    glGenVertexArraysOES glIsVertexArrayOES glCurrentPaletteMatrixOES
+    glLoadPaletteFromModelViewMatrixOES glMatrixIndexPointerOES glWeightPointerOES
+    glIsRenderbufferOES glBindRenderbufferOES glDeleteRenderbuffersOES
+    glGenRenderbuffersOES glRenderbufferStorageOES glGetRenderbufferParameterivOES
+    glIsFramebufferOES glBindFramebufferOES glDeleteFramebuffersOES glGenFramebuffersOES
+    glCheckFramebufferStatusOES glFramebufferTexture2DOES glFramebufferRenderbufferOES
+    glGetFramebufferAttachmentParameterivOES glGenerateMipmapOES)";
+constexpr char kExtPlayed[] = R"(
+    ?glGetBufferPointervOES ?glIs* ?glGetRenderbufferParameterivOES ?glCheckFramebufferStatusOES
+    =glMultiDraw* =glUnmapBufferOES)";
+constexpr char kExtTranslated[] = "+*.array +*.arrays +glBind*.*buffer +*.texture +*.renderbuffer";
+constexpr char kMultisampleEntries[] =
+    "glRenderbufferStorageMultisampleQVA glFramebufferTexture2DMultisampleQVA";
+
+/// The mark in front of the first pattern that fits.
+char MarkOf(const std::string& text, const std::vector<std::string>& patterns, Played usual) {
+    for (const std::string& pattern : patterns) {
+        if (fnmatch(pattern.c_str() + 1, text.c_str(), 0) == 0) return pattern[0];
+    }
+    return static_cast<char>(usual);
 }
 
 }  // namespace
+
+Played SFamilyRows::HowPlayed(const std::string& entry) const {
+    return static_cast<Played>(MarkOf(entry, played, Played::Yes));
+}
+
+std::string SFamilyRows::Table(const std::string& entry, std::string parameter) const {
+    if (MarkOf(entry + "." + parameter, translated, Played::No) == '-') return "";
+    if (parameter.back() == 's') parameter.pop_back();
+    return parameter;
+}
 
 const SPrototype* FindPrototype(const std::string& family, const std::string& entry) {
     for (const SPrototype& prototype : Prototypes()) {
@@ -68,154 +110,37 @@ const SPrototype* FindPrototype(const std::string& family, const std::string& en
 }
 
 const SFamilyRows& EglRows() {
-    static const SFamilyRows rows = [] {
-        SFamilyRows egl;
-        egl.family = "Egl";
-        egl.first = 1001;
-        egl.entries = Entries("Egl");
-        return egl;
-    }();
+    static const SFamilyRows rows = {"Egl", 1001, "", 0, Entries("Egl"), {}, {}};
     return rows;
 }
 
-// NOLINTNEXTLINE(readability-function-size): a table.
 const SFamilyRows& Es2Rows() {
-    static const SFamilyRows rows = [] {
-        SFamilyRows es2;
-        es2.family = "Es2";
-        es2.first = 2001;
-        es2.entries = Entries("Es2");
-        es2.played = Marked(Words(R"(
-            glCheckFramebufferStatus glGetVertexAttribfv glGetVertexAttribiv
-            glGetVertexAttribPointerv glIsBuffer glIsEnabled glIsFramebuffer glIsProgram
-            glIsRenderbuffer glIsShader glIsTexture glReadPixels glValidateProgram)"),
-                            Words(R"(
-            glGetActiveAttrib glGetActiveUniform glGetAttachedShaders glGetBooleanv
-            glGetBufferParameteriv glGetError glGetFloatv glGetFramebufferAttachmentParameteriv
-            glGetIntegerv glGetProgramInfoLog glGetRenderbufferParameteriv glGetShaderiv
-            glGetShaderInfoLog glGetShaderPrecisionFormat glGetShaderSource glGetString
-            glGetTexParameterfv glGetTexParameteriv glGetUniformfv glGetUniformiv)"),
-                            {"glDrawArrays", "glDrawElements"});
-        for (const std::string& name : Words(R"(
-            buffer framebuffer renderbuffer texture program shader index location)")) {
-            es2.translated["*"][name] = name;
-        }
-        es2.translated["glBindAttribLocation"] = {{"program", "program"}};
-        es2.translated["glDeleteBuffers"] = {{"buffers", "buffer"}};
-        es2.translated["glDeleteFramebuffers"] = {{"framebuffers", "framebuffer"}};
-        es2.translated["glDeleteRenderbuffers"] = {{"renderbuffers", "renderbuffer"}};
-        es2.translated["glDeleteTextures"] = {{"textures", "texture"}};
-        es2.translated["glShaderBinary"] = {{"shaders", "shader"}};
-        return es2;
-    }();
+    static const SFamilyRows rows = {
+        "Es2", 2001, "", 0, Entries("Es2"), Words(kEs2Played), Words(kEs2Translated)};
     return rows;
 }
 
-// NOLINTNEXTLINE(readability-function-size): a table.
 const SFamilyRows& Es1Rows() {
-    static const SFamilyRows rows = [] {
-        SFamilyRows es1;
-        es1.family = "Es1";
-        es1.first = 3001;
-        es1.prefix = "es1.";
-        es1.entries = Entries("Es1");
-        es1.played = Marked(Words(R"(
-            glGetBooleanv glGetBufferParameteriv glGetClipPlanef glGetClipPlanex glGetError
-            glGetFixedv glGetFloatv glGetIntegerv glGetLightfv glGetLightxv glGetMaterialfv
-            glGetMaterialxv glGetPointerv glGetString glGetTexEnvfv glGetTexEnviv glGetTexEnvxv
-            glGetTexParameterfv glGetTexParameteriv glGetTexParameterxv glIsBuffer glIsEnabled
-            glIsTexture)"),
-                            {}, {"glClipPlanex", "glDrawArrays", "glDrawElements"});
-        es1.translated["*"] = {{"buffer", "buffer"}, {"texture", "texture"}};
-        es1.translated["glDeleteBuffers"] = {{"buffers", "buffer"}};
-        es1.translated["glDeleteTextures"] = {{"textures", "texture"}};
-        return es1;
-    }();
+    static const SFamilyRows rows = {
+        "Es1", 3001, "es1.", 0, Entries("Es1"), Words(kEs1Played), Words(kEs1Translated)};
     return rows;
 }
 
-// NOLINTNEXTLINE(readability-function-size): a table.
 const SFamilyRows& Es3Rows() {
-    static const SFamilyRows rows = [] {
-        SFamilyRows es3;
-        es3.family = "Es3";
-        es3.first = 5143;
-        es3.entries = Entries("Es3");
-        es3.played = Marked({}, Words(R"(
-            glTexSubImage3D glGenQueries glIsQuery glBeginQuery glEndQuery glGetQueryiv
-            glGetQueryObjectuiv glGetBufferPointerv glIsVertexArray glGetIntegeri_v
-            glBeginTransformFeedback glTransformFeedbackVaryings glGetTransformFeedbackVarying
-            glGetVertexAttribIiv glGetVertexAttribIuiv glVertexAttribI4uiv glGetUniformuiv
-            glGetFragDataLocation glGetStringi glGetUniformIndices glGetActiveUniformsiv
-            glGetUniformBlockIndex glGetActiveUniformBlockiv glGetActiveUniformBlockName glIsSync
-            glGetInteger64v glGetSynciv glGetInteger64i_v glGetBufferParameteri64v glIsSampler
-            glGetSamplerParameteriv glGetSamplerParameterfv glBindTransformFeedback
-            glDeleteTransformFeedbacks glGenTransformFeedbacks glIsTransformFeedback
-            glPauseTransformFeedback glResumeTransformFeedback glGetProgramBinary
-            glGetInternalformativ)"),
-                            {"glDrawRangeElements", "glDrawElementsInstanced", "glUnmapBuffer"});
-        for (const std::string& entry : es3.entries) {
-            if (entry.rfind("glUniform", 0) == 0) {
-                es3.translated[entry] = {{"location", "location"}};
-            }
-        }
-        es3.translated["glUniformBlockBinding"] = {{"program", "program"}};
-        es3.translated["glBindVertexArray"] = {{"array", "array"}};
-        es3.translated["glDeleteVertexArrays"] = {{"arrays", "array"}};
-        es3.translated["glBindBufferRange"] = {{"buffer", "buffer"}};
-        es3.translated["glBindBufferBase"] = {{"buffer", "buffer"}};
-        es3.translated["glDeleteSync"] = {{"sync", "sync"}};
-        es3.translated["glClientWaitSync"] = {{"sync", "sync"}};
-        es3.translated["glWaitSync"] = {{"sync", "sync"}};
-        es3.translated["glDeleteSamplers"] = {{"samplers", "sampler"}};
-        es3.translated["glBindSampler"] = {{"sampler", "sampler"}};
-        return es3;
-    }();
+    static const SFamilyRows rows = {
+        "Es3", 5143, "", 0, Entries("Es3"), Words(kEs3Played), Words(kEs3Translated)};
     return rows;
 }
 
 const SFamilyRows& ExtRows() {
-    static const SFamilyRows rows = [] {
-        SFamilyRows ext;
-        ext.family = "Ext";
-        ext.first = 4001;
-        ext.api = 1;
-        ext.entries = Words(R"(
-            glDiscardFramebufferEXT glMultiDrawElementsEXT glMultiDrawArraysEXT glMapBufferOES
-            glUnmapBufferOES glGetBufferPointervOES glBindVertexArrayOES glDeleteVertexArraysOES
-            glGenVertexArraysOES glIsVertexArrayOES glCurrentPaletteMatrixOES
-            glLoadPaletteFromModelViewMatrixOES glMatrixIndexPointerOES glWeightPointerOES
-            glIsRenderbufferOES glBindRenderbufferOES glDeleteRenderbuffersOES
-            glGenRenderbuffersOES glRenderbufferStorageOES glGetRenderbufferParameterivOES
-            glIsFramebufferOES glBindFramebufferOES glDeleteFramebuffersOES glGenFramebuffersOES
-            glCheckFramebufferStatusOES glFramebufferTexture2DOES glFramebufferRenderbufferOES
-            glGetFramebufferAttachmentParameterivOES glGenerateMipmapOES)");
-        ext.played = Marked({}, Words(R"(
-            glGetBufferPointervOES glIsVertexArrayOES glIsRenderbufferOES
-            glGetRenderbufferParameterivOES glIsFramebufferOES glCheckFramebufferStatusOES)"),
-                            {"glMultiDrawElementsEXT", "glMultiDrawArraysEXT", "glUnmapBufferOES"});
-        ext.translated["glBindVertexArrayOES"] = {{"array", "array"}};
-        ext.translated["glDeleteVertexArraysOES"] = {{"arrays", "array"}};
-        ext.translated["glBindRenderbufferOES"] = {{"renderbuffer", "renderbuffer"}};
-        ext.translated["glBindFramebufferOES"] = {{"framebuffer", "framebuffer"}};
-        ext.translated["glFramebufferTexture2DOES"] = {{"texture", "texture"}};
-        ext.translated["glFramebufferRenderbufferOES"] = {{"renderbuffer", "renderbuffer"}};
-        return ext;
-    }();
+    static const SFamilyRows rows = {
+        "Ext", 4001, "", 1, Words(kExtEntries), Words(kExtPlayed), Words(kExtTranslated)};
     return rows;
 }
 
 const SFamilyRows& MultisampleRows() {
-    static const SFamilyRows rows = [] {
-        SFamilyRows ext;
-        ext.family = "Ext";
-        ext.first = 4089;
-        ext.api = 2;
-        ext.entries = {"glRenderbufferStorageMultisampleQVA",
-                       "glFramebufferTexture2DMultisampleQVA"};
-        ext.translated["glFramebufferTexture2DMultisampleQVA"] = {{"texture", "texture"}};
-        return ext;
-    }();
+    static const SFamilyRows rows = {"Ext", 4089,          "", 2, Words(kMultisampleEntries),
+                                     {},    {"+*.texture"}};
     return rows;
 }
 

@@ -3,21 +3,20 @@
 #pragma once
 
 #include <cstdint>
-#include <map>
 #include <string>
 #include <vector>
 
 namespace kestrail {
 
-enum class Played {
+enum class Played : char {
     /// One host call with the recorded values, names translated by what the prototype calls them.
-    Yes,
+    Yes = '+',
     /// Nothing reaches the host, not even the question for an error.
-    No,
+    No = '-',
     /// Nothing but the question for an error.
-    Checked,
+    Checked = '?',
     /// Has tests of its own.
-    ByHand,
+    ByHand = '=',
 };
 
 struct SPrototype {
@@ -33,14 +32,18 @@ struct SFamilyRows {
     std::uint16_t first = 0;
     /// Before an entry of this family in the host's log.
     std::string prefix;
-    std::vector<std::string> entries;
-    /// What isn't listed is played.
-    std::map<std::string, Played> played;
-    /// Entry, parameter, and the table that its name goes through; "*" holds for every entry that
-    /// isn't listed. All other values reach the host as recorded.
-    std::map<std::string, std::map<std::string, std::string>> translated;
     /// The API of an extension call's record, 0 for the other families.
     std::uint8_t api = 0;
+    std::vector<std::string> entries;
+    /// Patterns of entries behind their mark. The first that fits holds; what none fits is played.
+    std::vector<std::string> played;
+    /// Patterns ENTRY.PARAMETER of the names that go through a table behind a +, of some that don't
+    /// behind a -. The first that fits holds; all other values reach the host as recorded.
+    std::vector<std::string> translated;
+
+    Played HowPlayed(const std::string& entry) const;
+    /// The table that a parameter's name goes through, or none.
+    std::string Table(const std::string& entry, std::string parameter) const;
 };
 
 const SFamilyRows& EglRows();

@@ -61,11 +61,6 @@ CRecordBuilder& CRecordBuilder::Real(unsigned typeTag, float value) {
     return Value(typeTag, std::bit_cast<std::uint32_t>(value));
 }
 
-CRecordBuilder& CRecordBuilder::U8(std::uint8_t value) {
-    m_bytes.push_back(value);
-    return *this;
-}
-
 CRecordBuilder& CRecordBuilder::U32(std::uint32_t value) {
     AppendLittle(m_bytes, value, 4);
     return *this;
@@ -226,34 +221,33 @@ CTraceBuilder& CTraceBuilder::EndState() {
     return *this;
 }
 
-CTraceBuilder& CTraceBuilder::GetDisplay(std::uint32_t dpy) {
-    return Add(1014, Egl().Display(dpy).Value(tag::EglNativeDisplay, 0));
+CTraceBuilder& CTraceBuilder::GetDisplay() {
+    return Add(1014, Egl().Display(display).Value(tag::EglNativeDisplay, 0));
 }
 
-CTraceBuilder& CTraceBuilder::Initialize(std::uint32_t dpy) {
+CTraceBuilder& CTraceBuilder::Initialize() {
     return Add(1017, Egl()
                          .EglBoolean(true)
-                         .Display(dpy)
+                         .Display(display)
                          .Array(tag::EglInt, 0x20000, {1})
                          .Array(tag::EglInt, 0x20004, {4}));
 }
 
-CTraceBuilder& CTraceBuilder::CreateContext(int clientVersion, std::uint32_t ctx,
-                                            std::uint32_t share) {
+CTraceBuilder& CTraceBuilder::CreateContext(int clientVersion, std::uint32_t ctx) {
     return Add(1003, Egl()
                          .Context(ctx)
                          .Display(display)
                          .Config(config)
-                         .Context(share)
+                         .Context(0)
                          .Attributes({0x3098, clientVersion, 0x3038})
                          .Attributes(settings.configAttributes));
 }
 
 CTraceBuilder& CTraceBuilder::CreateWindowSurface(std::uint32_t width, std::uint32_t height,
-                                                  std::uint32_t srf, std::uint32_t dpy) {
+                                                  std::uint32_t srf) {
     return Add(1006, Egl()
                          .Surface(srf)
-                         .Display(dpy)
+                         .Display(display)
                          .Config(config)
                          .Window(0x500, width, height)
                          .Attributes({})
