@@ -13,11 +13,10 @@ namespace kestrail {
 namespace {
 
 /// The words of a directive, by place; words that aren't there are empty.
-class CDirective {
-public:
-    explicit CDirective(std::vector<std::string> words) : m_words(std::move(words)) {}
+struct SDirective {
+    std::vector<std::string> words;
 
-    std::string Word(std::size_t i) const { return i < m_words.size() ? m_words[i] : ""; }
+    std::string Word(std::size_t i) const { return i < words.size() ? words[i] : ""; }
     /// Without its quotes or brackets.
     std::string Inner(std::size_t i) const { return Word(i).substr(1, Word(i).size() - 2); }
     std::int64_t Number(std::size_t i, std::int64_t usual = 0) const {
@@ -29,8 +28,8 @@ public:
     }
     /// WIDTHxHEIGHT.
     std::pair<std::uint32_t, std::uint32_t> Size(std::size_t i) const {
-        const CDirective parts(
-            {Word(i).substr(0, Word(i).find('x')), Word(i).substr(Word(i).find('x') + 1)});
+        const std::size_t cross = Word(i).find('x');
+        const SDirective parts{{Word(i).substr(0, cross), Word(i).substr(cross + 1)}};
         return {parts.As(0), parts.As(1)};
     }
     /// Calls the action with each number of FIRST-LAST, or with the one number.
@@ -50,19 +49,16 @@ public:
         }
         return list;
     }
-
-private:
-    std::vector<std::string> m_words;
 };
 
-using Directive = std::function<void(CTraceBuilder&, const CDirective&)>;
+using Directive = std::function<void(CTraceBuilder&, const SDirective&)>;
 
 constexpr std::uint32_t kSurface = CTraceBuilder::surface;
 constexpr std::uint32_t kContext = CTraceBuilder::context;
 
 const std::map<std::string, Directive>& Directives() {
     using T = CTraceBuilder&;
-    using D = const CDirective&;
+    using D = const SDirective&;
     static const std::map<std::string, Directive> directives = {
         {"startup", [](T t, D d) { t.StartUp(d.As<int>(1), d.Size(2).first, d.Size(2).second); }},
         {"display", [](T t, D) { t.GetDisplay(); }},
@@ -136,7 +132,7 @@ void CTraceText::Add(const std::string& line) {
     if (words[0] == "fill") {
         Fill(static_cast<std::uint32_t>(NumberOf(words[1])), line.substr(line.find(' ', 5)));
     } else if (directive != Directives().end()) {
-        directive->second(trace, CDirective(words));
+        directive->second(trace, SDirective{words});
     } else if (std::isdigit(static_cast<unsigned char>(words[0][0])) != 0) {
         const std::int64_t times = NumberOf(words[0].substr(0, words[0].size() - 1));
         for (std::int64_t i = 0; i < times; ++i) Add(line.substr(words[0].size() + 1));
@@ -152,7 +148,7 @@ void CTraceText::Fill(std::uint32_t mebibytes, std::string calls) {
     constexpr std::uint32_t mark = 0x5A5A5A00;
     std::vector<std::function<std::uint32_t(std::uint32_t)>> numbers;
     for (std::smatch match; std::regex_search(calls, match, number);) {
-        const CDirective given({match[2], match[4], match[6]});
+        const SDirective given{{match[2], match[4], match[6]}};
         numbers.push_back(
             [times = given.As(0, 1), most = given.As(1, 0xFFFFFFFF),
              more = given.As(2)](std::uint32_t n) { return n * times % most + more; });

@@ -63,22 +63,22 @@ Value Same(const std::string& word) {
     return {word, word[0] == '{' ? std::regex_replace(word, std::regex(" "), ", ") : word};
 }
 
-class CTableCall {
-public:
-    CTableCall(const SOpening& opening, const SFamilyRows& rows, const SPrototype& prototype)
-        : m_opening(opening), m_rows(rows), m_prototype(prototype) {}
+struct STableValues {
+    const SOpening& opening;
+    const SFamilyRows& rows;
+    const SPrototype& prototype;
 
     Value ValueOf(const std::string& slot, std::size_t place) const {
         // What the record keeps beside the prototype's parameters, such as the unpack alignment.
-        if (place >= m_prototype.types.size()) return {slot == "data" ? "[00*4]" : "4", ""};
-        const std::string& type = m_prototype.types[place];
-        const std::string& name = m_prototype.names[place];
+        if (place >= prototype.types.size()) return {slot == "data" ? "[00*4]" : "4", ""};
+        const std::string& type = prototype.types[place];
+        const std::string& name = prototype.names[place];
         const bool list = slot[0] == '[' || slot[0] == '(';
         if (type.back() == '*' && type.rfind("const", 0) != 0) {
             if (Starts("glGen") && slot == "[Uint]") return Named("new", list);
             return {slot == "data" ? "[00*64]" : slot == "string" ? "\"text\"" : "{1}", "ptr"};
         }
-        const std::string table = slot == "Enum" ? "" : m_rows.Table(m_prototype.entry, name);
+        const std::string table = slot == "Enum" ? "" : rows.Table(prototype.entry, name);
         if (!table.empty()) return Named(table, list);
         if (name == "pointer") return {"0x1234", "4660"};
         if (name == "length" && list) return Same("{6}");
@@ -88,17 +88,16 @@ public:
         return Same(list ? VectorOf(slot, name) : ScalarOf(slot, name, static_cast<int>(place)));
     }
 
-private:
-    bool Starts(const std::string& start) const { return m_prototype.entry.rfind(start, 0) == 0; }
+    bool Starts(const std::string& start) const { return prototype.entry.rfind(start, 0) == 0; }
 
     Value Named(const std::string& table, bool list) const {
-        const auto& [recorded, live] = m_opening.names.at(table);
+        const auto& [recorded, live] = opening.names.at(table);
         return list ? Value("{" + recorded + "}", "{" + live + "}") : Value(recorded, live);
     }
 
     Value DataOf(const std::string& name) const {
         if (name != "pixels") return {"[01020304]", "<01020304:4>"};
-        const auto& names = m_prototype.names;
+        const auto& names = prototype.names;
         const bool deep = std::count(names.begin(), names.end(), "depth") != 0;
         const std::string size = deep ? "96" : "32";
         return {"[ee*" + size + "]", "<eeeeeeeeeeeeeeeeeeeeeeeeeeeeeeee:" + size + ">"};
@@ -107,7 +106,7 @@ private:
     std::string VectorOf(const std::string& slot, const std::string& name) const {
         const bool several = name == "attachments" || (name == "value" && Starts("glUniform"));
         std::string word = "{";
-        for (std::size_t i = 0; i < ItemSize(m_prototype, name) * (several ? 2 : 1); ++i) {
+        for (std::size_t i = 0; i < ItemSize(prototype, name) * (several ? 2 : 1); ++i) {
             word += (i == 0 ? "" : " ");
             word += slot.find("Float") == 1 ? RealText(0.25F * static_cast<float>(i))
                                             : std::to_string(i + 3);
@@ -118,7 +117,7 @@ private:
     std::string ScalarOf(const std::string& slot, const std::string& name, int place) const {
         if (slot == "Float" || slot == "Clampf") return RealText(0.5F + static_cast<float>(place));
         // More samples than the host's most would be cut.
-        if (name == "samples" && m_rows.api == 2) return "3";
+        if (name == "samples" && rows.api == 2) return "3";
         if (name == "buffer" && Starts("glClearBuffer")) return "6144";
         if (slot == "Int" || slot == "Fixed") return std::to_string(-200 - place);
         // What says how much stands behind a pointer has to be true.
@@ -126,7 +125,7 @@ private:
             {"n", "1"},     {"size", "4"},   {"imageSize", "4"}, {"length", "4"},
             {"width", "2"}, {"height", "1"}, {"depth", "3"},     {"numAttachments", "2"}};
         const bool pointers =
-            std::any_of(m_prototype.types.begin(), m_prototype.types.end(),
+            std::any_of(prototype.types.begin(), prototype.types.end(),
                         [](const std::string& type) { return type.back() == '*'; });
         if (slot.rfind("Sizei", 0) == 0 && pointers) {
             if (name == "count") return Starts("glUniform") ? "2" : "1";
@@ -135,10 +134,6 @@ private:
         }
         return std::to_string((slot == "Boolean" || slot == "Ubyte" ? 100 : 0x2000) + place);
     }
-
-    const SOpening& m_opening;
-    const SFamilyRows& m_rows;
-    const SPrototype& m_prototype;
 };
 
 }  // namespace
@@ -158,7 +153,7 @@ STableCall MakeTableCall(const SOpening& opening, const SFamilyRows& rows,
     family[0] = 'e';
     const SCallLayout& layout = FindLayout(entry, family);
     const SPrototype& prototype = *FindPrototype(rows.family, entry);
-    const CTableCall values(opening, rows, prototype);
+    const STableValues values{opening, rows, prototype};
     STableCall call{family + "." + entry, rows.prefix + entry + "("};
     for (std::size_t i = 0; i < layout.slots.size(); ++i) {
         const auto [word, seen] = values.ValueOf(layout.slots[i], i);

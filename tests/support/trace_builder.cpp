@@ -1,7 +1,6 @@
 #include "tests/support/trace_builder.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
@@ -48,17 +47,10 @@ WidthTable StandardWidths() {
             -4, -4, 1, 2, 4, 4, 4, -4, -4, -4, -4, 0, -4, -4, -8, -8};
 }
 
-CRecordBuilder::CRecordBuilder(const WidthTable& widths, std::uint32_t version)
-    : m_widths(widths), m_version(version) {}
-
 CRecordBuilder& CRecordBuilder::Value(unsigned typeTag, std::uint64_t value) {
     const int entry = typeTag < m_widths.size() ? m_widths[typeTag] : 0;
     AppendLittle(m_bytes, value, entry == 0 ? 4U : static_cast<std::size_t>(std::abs(entry)));
     return *this;
-}
-
-CRecordBuilder& CRecordBuilder::Real(unsigned typeTag, float value) {
-    return Value(typeTag, std::bit_cast<std::uint32_t>(value));
 }
 
 CRecordBuilder& CRecordBuilder::U32(std::uint32_t value) {
@@ -83,10 +75,6 @@ CRecordBuilder& CRecordBuilder::Data(std::uint64_t pointer, const void* data, st
 CRecordBuilder& CRecordBuilder::String(std::uint64_t pointer, std::string_view text) {
     Pointer(pointer).U32(Low32(text.size()));
     return pointer == 0 ? *this : Raw(text.data(), text.size());
-}
-
-CRecordBuilder& CRecordBuilder::ArrayHead(std::uint64_t pointer, std::uint32_t count) {
-    return Pointer(pointer).U32(count);
 }
 
 CRecordBuilder& CRecordBuilder::Array(unsigned typeTag, std::uint64_t pointer,
@@ -134,16 +122,6 @@ CRecordBuilder& CRecordBuilder::RealItem(unsigned typeTag, std::uint64_t pointer
     return *this;
 }
 
-CRecordBuilder& CRecordBuilder::Attributes(const std::vector<std::int64_t>& list,
-                                           std::uint64_t pointer) {
-    return Array(tag::EglInt, list.empty() ? 0 : pointer, list);
-}
-
-CRecordBuilder& CRecordBuilder::Window(std::uint64_t handle, std::uint32_t width,
-                                       std::uint32_t height) {
-    return Value(tag::EglNativeWindow, handle).U32(width).U32(height);
-}
-
 CRecordBuilder& CRecordBuilder::ClientArray(std::int64_t index, std::uint64_t pointer,
                                             const Bytes& bytes) {
     if (m_version >= 14) Int(index);
@@ -169,22 +147,6 @@ CTraceBuilder& CTraceBuilder::OverrideText(std::uint32_t callNumber, std::string
     return *this;
 }
 
-CRecordBuilder CTraceBuilder::Plain() const {
-    return CRecordBuilder(settings.widths, m_version);
-}
-
-CRecordBuilder CTraceBuilder::Egl(std::int32_t error) const {
-    return Plain().EglInt(error);
-}
-
-CRecordBuilder CTraceBuilder::Gl(std::uint32_t error) const {
-    return Plain().Enum(error);
-}
-
-CRecordBuilder CTraceBuilder::Ext(std::uint32_t error, std::uint8_t api) const {
-    return Plain().Enum(error).Ubyte(api);
-}
-
 CTraceBuilder& CTraceBuilder::Add(std::uint16_t id, const CRecordBuilder& record) {
     return AddSized(Low32(record.Content().size()), id, record.Content());
 }
@@ -203,14 +165,6 @@ CTraceBuilder& CTraceBuilder::AddRaw(const Bytes& bytes) {
     return *this;
 }
 
-CTraceBuilder& CTraceBuilder::Thread(std::uint64_t thread) {
-    return Add(1, Plain().U64(thread));
-}
-
-CTraceBuilder& CTraceBuilder::Marker(std::uint16_t id) {
-    return Add(id, Plain());
-}
-
 CTraceBuilder& CTraceBuilder::BeginState() {
     m_inState = true;
     return *this;
@@ -219,10 +173,6 @@ CTraceBuilder& CTraceBuilder::BeginState() {
 CTraceBuilder& CTraceBuilder::EndState() {
     m_inState = false;
     return *this;
-}
-
-CTraceBuilder& CTraceBuilder::GetDisplay() {
-    return Add(1014, Egl().Display(display).Value(tag::EglNativeDisplay, 0));
 }
 
 CTraceBuilder& CTraceBuilder::Initialize() {

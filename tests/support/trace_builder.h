@@ -3,6 +3,7 @@
 // the reader: every layout is written down here once more.
 #pragma once
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -53,12 +54,15 @@ enum Tag : unsigned {
 /// them).
 class CRecordBuilder {
 public:
-    CRecordBuilder(const WidthTable& widths, std::uint32_t version);
+    CRecordBuilder(const WidthTable& widths, std::uint32_t version)
+        : m_widths(widths), m_version(version) {}
 
     /// A value in the width of its tag, least significant byte first; bytes above the eighth are 0.
     CRecordBuilder& Value(unsigned typeTag, std::uint64_t value);
     /// A float as its four bytes, filled with zeros where the tag's width is more than four.
-    CRecordBuilder& Real(unsigned typeTag, float value);
+    CRecordBuilder& Real(unsigned typeTag, float value) {
+        return Value(typeTag, std::bit_cast<std::uint32_t>(value));
+    }
 
     CRecordBuilder& Enum(std::uint32_t value) { return Value(tag::Enum, value); }
     CRecordBuilder& Boolean(bool value) { return Value(tag::Boolean, value ? 1U : 0U); }
@@ -95,7 +99,9 @@ public:
     /// A string: pointer, length, and the characters unless the pointer is null.
     CRecordBuilder& String(std::uint64_t pointer, std::string_view text);
     /// The head of a counted array (pointer and count); the elements are up to the caller.
-    CRecordBuilder& ArrayHead(std::uint64_t pointer, std::uint32_t count);
+    CRecordBuilder& ArrayHead(std::uint64_t pointer, std::uint32_t count) {
+        return Pointer(pointer).U32(count);
+    }
     /// A counted array. `perItem` is the number of scalars in one item; the count on file is in
     /// items. A null pointer writes no elements.
     CRecordBuilder& Array(unsigned typeTag, std::uint64_t pointer,
@@ -110,9 +116,13 @@ public:
                              const std::vector<float>& scalars);
     /// An EGL attribute list, its EGL_NONE included in `list`; an empty list is a null pointer.
     CRecordBuilder& Attributes(const std::vector<std::int64_t>& list,
-                               std::uint64_t pointer = 0x10000);
+                               std::uint64_t pointer = 0x10000) {
+        return Array(tag::EglInt, list.empty() ? 0 : pointer, list);
+    }
     /// A native window: handle by width, then width and height.
-    CRecordBuilder& Window(std::uint64_t handle, std::uint32_t width, std::uint32_t height);
+    CRecordBuilder& Window(std::uint64_t handle, std::uint32_t width, std::uint32_t height) {
+        return Value(tag::EglNativeWindow, handle).U32(width).U32(height);
+    }
     /// One captured array at the end of a draw; the attribute index stands there from version 14
     /// on.
     CRecordBuilder& ClientArray(std::int64_t index, std::uint64_t pointer, const Bytes& bytes);
@@ -161,19 +171,21 @@ public:
     CTraceBuilder& OverrideText(std::uint32_t callNumber, std::string_view text);
 
     /// A payload that begins with the family's own fields.
-    CRecordBuilder Egl(std::int32_t error = 0x3000) const;
-    CRecordBuilder Gl(std::uint32_t error = 0) const;
-    CRecordBuilder Ext(std::uint32_t error = 0, std::uint8_t api = 2) const;
-    CRecordBuilder Plain() const;
+    CRecordBuilder Egl(std::int32_t error = 0x3000) const { return Plain().EglInt(error); }
+    CRecordBuilder Gl(std::uint32_t error = 0) const { return Plain().Enum(error); }
+    CRecordBuilder Ext(std::uint32_t error = 0, std::uint8_t api = 2) const {
+        return Plain().Enum(error).Ubyte(api);
+    }
+    CRecordBuilder Plain() const { return CRecordBuilder(settings.widths, m_version); }
 
     CTraceBuilder& Add(std::uint16_t id, const CRecordBuilder& record);
     /// A record whose size field may lie.
     CTraceBuilder& AddSized(std::uint32_t size, std::uint16_t id, const Bytes& payload);
     /// Bytes without a frame.
     CTraceBuilder& AddRaw(const Bytes& bytes);
-    CTraceBuilder& Thread(std::uint64_t thread = 1);
+    CTraceBuilder& Thread(std::uint64_t thread = 1) { return Add(1, Plain().U64(thread)); }
     /// A section marker, 2 to 5.
-    CTraceBuilder& Marker(std::uint16_t id);
+    CTraceBuilder& Marker(std::uint16_t id) { return Add(id, Plain()); }
     /// What follows goes to the state section behind the call records, until EndState.
     CTraceBuilder& BeginState();
     CTraceBuilder& EndState();
@@ -184,7 +196,9 @@ public:
     static constexpr std::uint32_t context = 0x300;
     static constexpr std::uint32_t surface = 0x400;
 
-    CTraceBuilder& GetDisplay();
+    CTraceBuilder& GetDisplay() {
+        return Add(1014, Egl().Display(display).Value(tag::EglNativeDisplay, 0));
+    }
     CTraceBuilder& Initialize();
     CTraceBuilder& CreateContext(int clientVersion, std::uint32_t ctx = context);
     CTraceBuilder& CreateWindowSurface(std::uint32_t width, std::uint32_t height,
