@@ -18,7 +18,7 @@ constexpr std::size_t kLongestFloat = 64;
 /// "00" to "99" in a row.
 constexpr auto kPairs = [] {
     std::array<char, 200> pairs{};
-    for (unsigned i = 0; i < 100; ++i) {
+    for (std::size_t i = 0; i < 100; ++i) {
         pairs[2 * i] = static_cast<char>('0' + i / 10);
         pairs[2 * i + 1] = static_cast<char>('0' + i % 10);
     }

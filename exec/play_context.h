@@ -13,7 +13,7 @@ struct TPlayContext {
     SPlayerState& player;
     CCallEntry& entry;
     CGenCallInfo info;
-    std::uint16_t id;
+    std::uint16_t id = 0;
     Host& host;
     Names& names;
 

@@ -39,6 +39,7 @@ public:
     /// in the window.
     bool ReadInWindow(void* destination, std::uint32_t size) {
         if (size == 0 || static_cast<std::size_t>(m_end - m_next) < size) return false;
+        // NOLINTNEXTLINE(clang-analyzer-core.NonNullParamChecker): no window has no bytes.
         std::memcpy(destination, m_next, size);
         m_next += size;
         return true;
