@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <fstream>
 #include <map>
-#include <regex>
+#include <ranges>
 #include <stdexcept>
 
 namespace kestrail {
@@ -30,11 +30,11 @@ using Values = std::map<std::string, std::string>;
 
 std::string Filled(std::string text, const Values& values) {
     // Longer names first, as one may begin with another.
-    for (auto value = values.rbegin(); value != values.rend(); ++value) {
-        const std::string name = "$" + value->first;
+    for (const auto& [key, value] : values | std::views::reverse) {
+        const std::string name = "$" + key;
         for (std::size_t at = 0; (at = text.find(name, at)) != std::string::npos;) {
-            text.replace(at, name.size(), value->second);
-            at += value->second.size();
+            text.replace(at, name.size(), value);
+            at += value.size();
         }
     }
     return text;
@@ -43,6 +43,7 @@ std::string Filled(std::string text, const Values& values) {
 using Fragments = std::map<std::string, std::vector<std::string>>;
 
 /// A line's share of a section: several calls behind one another, a fragment, or nothing.
+// NOLINTNEXTLINE(misc-no-recursion): fragments are made of fragments.
 void AppendLines(std::vector<std::string>& lines, const std::string& line,
                  const Fragments& fragments) {
     for (const std::string& part : Split(line, " ; ")) {

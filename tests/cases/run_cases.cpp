@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <iostream>
 #include <map>
 #include <sstream>
 #include <stdexcept>
@@ -318,12 +319,17 @@ void RegisterFile(const std::filesystem::path& path) {
 }  // namespace kestrail
 
 int main(int argc, char** argv) {
-    ::testing::InitGoogleTest(&argc, argv);
-    std::vector<std::filesystem::path> files;
-    for (const auto& entry : std::filesystem::directory_iterator(KESTRAIL_CASES)) {
-        if (entry.path().extension() == ".cases") files.push_back(entry.path());
+    try {
+        ::testing::InitGoogleTest(&argc, argv);
+        std::vector<std::filesystem::path> files;
+        for (const auto& entry : std::filesystem::directory_iterator(KESTRAIL_CASES)) {
+            if (entry.path().extension() == ".cases") files.push_back(entry.path());
+        }
+        std::sort(files.begin(), files.end());
+        for (const std::filesystem::path& file : files) kestrail::RegisterFile(file);
+        return RUN_ALL_TESTS();
+    } catch (const std::exception& fault) {
+        std::cerr << fault.what() << "\n";
+        return 2;
     }
-    std::sort(files.begin(), files.end());
-    for (const std::filesystem::path& file : files) kestrail::RegisterFile(file);
-    return RUN_ALL_TESTS();
 }

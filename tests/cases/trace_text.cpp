@@ -122,20 +122,27 @@ CTraceText::CTraceText(const std::string& head)
     : trace(static_cast<std::uint32_t>(NumberOf(Option(head, "version", "14")))),
       m_es1(head.rfind("es1", 0) == 0) {
     if (head.rfind("es", 0) == 0) {
-        Add("startup " + head.substr(2, 1) + " " + Option(head, "window", "300x300"));
+        AddOnce("startup " + head.substr(2, 1) + " " + Option(head, "window", "300x300"));
     }
 }
 
 void CTraceText::Add(const std::string& line) {
     const std::vector<std::string> words = SplitWords(line);
-    const auto directive = Directives().find(words[0]);
     if (words[0] == "fill") {
         Fill(static_cast<std::uint32_t>(NumberOf(words[1])), line.substr(line.find(' ', 5)));
-    } else if (directive != Directives().end()) {
-        directive->second(trace, SDirective{words});
     } else if (std::isdigit(static_cast<unsigned char>(words[0][0])) != 0) {
         const std::int64_t times = NumberOf(words[0].substr(0, words[0].size() - 1));
-        for (std::int64_t i = 0; i < times; ++i) Add(line.substr(words[0].size() + 1));
+        for (std::int64_t i = 0; i < times; ++i) AddOnce(line.substr(words[0].size() + 1));
+    } else {
+        AddOnce(line);
+    }
+}
+
+void CTraceText::AddOnce(const std::string& line) {
+    const std::vector<std::string> words = SplitWords(line);
+    const auto directive = Directives().find(words[0]);
+    if (directive != Directives().end()) {
+        directive->second(trace, SDirective{words});
     } else {
         AddCall(trace, line, m_es1);
     }
@@ -149,7 +156,7 @@ void CTraceText::Fill(std::uint32_t mebibytes, std::string calls) {
     std::vector<std::function<std::uint32_t(std::uint32_t)>> numbers;
     for (std::smatch match; std::regex_search(calls, match, number);) {
         const SDirective given{{match[2], match[4], match[6]}};
-        numbers.push_back(
+        numbers.emplace_back(
             [times = given.As(0, 1), most = given.As(1, 0xFFFFFFFF),
              more = given.As(2)](std::uint32_t n) { return n * times % most + more; });
         calls.replace(static_cast<std::size_t>(match.position()),
@@ -162,7 +169,7 @@ void CTraceText::Fill(std::uint32_t mebibytes, std::string calls) {
     once.m_es1 = m_es1;
     for (std::size_t at = 0; at < calls.size();) {
         const std::size_t end = std::min(calls.find(";;", at), calls.size());
-        once.Add(calls.substr(at, end - at));
+        once.AddOnce(calls.substr(at, end - at));
         at = end + 2;
     }
     const Bytes whole = once.trace.Build();

@@ -12,11 +12,13 @@ public:
     /// By what stands behind the word trace. Throws std::runtime_error, as does Add.
     explicit CTraceText(const std::string& head);
 
+    /// A call or a directive, once or several times, or many of them.
     void Add(const std::string& line);
 
     CTraceBuilder trace;
 
 private:
+    void AddOnce(const std::string& line);
     void Fill(std::uint32_t mebibytes, std::string calls);
 
     bool m_es1 = false;

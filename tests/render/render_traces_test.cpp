@@ -28,7 +28,9 @@ constexpr SRefused refused[] = {
 std::string Refused(const std::string& trace) {
     std::string texts;
     for (const SRefused& entry : refused) {
-        if (trace == entry.trace) texts += (texts.empty() ? "" : "|") + std::string(entry.text);
+        if (trace != entry.trace) continue;
+        if (!texts.empty()) texts += '|';
+        texts += entry.text;
     }
     return texts;
 }
