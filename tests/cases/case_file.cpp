@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <fstream>
+#include <functional>
 #include <map>
-#include <ranges>
 #include <stdexcept>
 
 namespace kestrail {
@@ -26,11 +26,11 @@ std::vector<std::string> Split(const std::string& text, const std::string& separ
     return parts;
 }
 
-using Values = std::map<std::string, std::string>;
+/// Longer names first, as one may begin with another.
+using Values = std::map<std::string, std::string, std::greater<>>;
 
 std::string Filled(std::string text, const Values& values) {
-    // Longer names first, as one may begin with another.
-    for (const auto& [key, value] : values | std::views::reverse) {
+    for (const auto& [key, value] : values) {
         const std::string name = "$" + key;
         for (std::size_t at = 0; (at = text.find(name, at)) != std::string::npos;) {
             text.replace(at, name.size(), value);
