@@ -15,8 +15,8 @@ bool CTrace::AreUsual(const std::int8_t* typeSizes, std::int8_t typeCount) {
     constexpr std::uint16_t kFloats[] = {22, 23};
     if (typeCount < kUsualTags) return false;
     for (std::uint16_t tag = 0; tag < kUsualTags; ++tag) {
-        const auto width = static_cast<std::int32_t>(typeSizes[tag]);
-        const auto usual = static_cast<std::int32_t>(UsualWidth(tag));
+        const std::int8_t width = typeSizes[tag];
+        const auto usual = static_cast<std::int8_t>(UsualWidth(tag));
         if (std::ranges::count(kUnused, tag) > 0 || width == usual) continue;
         if (std::ranges::count(kFloats, tag) > 0 || width != -usual) return false;
     }
