@@ -30,15 +30,23 @@ void CObjectArena::NextChunk(std::size_t wanted) {
     ASAN_POISON_MEMORY_REGION(m_next, m_left);
 }
 
+void CObjectArena::FreeLast() {
+    SChunk* const last = m_chunk;
+    m_chunk = last->before;
+    ASAN_UNPOISON_MEMORY_REGION(last, last->size);
+    std::free(last);
+}
+
 void CObjectArena::StartAgain() {
-    while (m_chunk->before != nullptr) {
-        SChunk* const last = m_chunk;
-        m_chunk = last->before;
-        ASAN_UNPOISON_MEMORY_REGION(last, last->size);
-        std::free(last);
-    }
+    if (m_chunk == nullptr) return;
+    while (m_chunk->before != nullptr) FreeLast();
     m_next = reinterpret_cast<std::byte*>(m_chunk + 1);
     m_left = m_chunk->size - sizeof(SChunk);
+    ASAN_POISON_MEMORY_REGION(m_next, m_left);
+}
+
+CObjectArena::~CObjectArena() {
+    while (m_chunk != nullptr) FreeLast();
 }
 
 }  // namespace kestrail

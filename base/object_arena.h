@@ -1,5 +1,5 @@
-// Room for objects of one kind that are made by the million and go away together, or one after the
-// other: the calls of a trace, held whole or streamed. For one thread.
+// Room for objects that are made by the million and go away together: the calls of a trace, all of
+// them or, streamed, each before the next. For one thread at a time.
 #pragma once
 
 #include <sanitizer/asan_interface.h>
@@ -8,12 +8,16 @@
 
 namespace kestrail {
 
-/// Hands out pieces of large chunks, one behind the other. Room is used again when every piece has
-/// been given back: one that outlives the others keeps all that was taken since.
+/// Hands out pieces of large chunks, one behind the other. No piece may outlive the arena.
 class CObjectArena {
 public:
     /// What the pieces are aligned to.
     static constexpr std::size_t kAlignment = 8;
+
+    CObjectArena() = default;
+    ~CObjectArena();
+    CObjectArena(const CObjectArena&) = delete;
+    CObjectArena& operator=(const CObjectArena&) = delete;
 
     /// `size` bytes. Throws `std::bad_alloc`.
     void* Take(std::size_t size) {
@@ -22,15 +26,15 @@ public:
         void* const piece = m_next;
         m_next += rounded;
         m_left -= rounded;
-        ++m_taken;
         ASAN_UNPOISON_MEMORY_REGION(piece, size);
         return piece;
     }
-    /// Every piece once, with the size that it was taken with.
-    void GiveBack(void* piece, std::size_t size) {
+    /// A piece is done with. Its room stays taken; the address sanitizer sees who still reaches it.
+    static void GiveBack([[maybe_unused]] void* piece, [[maybe_unused]] std::size_t size) {
         ASAN_POISON_MEMORY_REGION(piece, size);
-        if (--m_taken == 0) StartAgain();
     }
+    /// All pieces are done with, and their room is used again.
+    void StartAgain();
 
 private:
     /// Under the address sanitizer, which then sees what reaches past a piece.
@@ -47,13 +51,12 @@ private:
     };
 
     void NextChunk(std::size_t wanted);
-    void StartAgain();
+    void FreeLast();
 
     /// The one that pieces are taken from; those before it are full.
     SChunk* m_chunk = nullptr;
     std::byte* m_next = nullptr;
     std::size_t m_left = 0;
-    std::size_t m_taken = 0;
 };
 
 }  // namespace kestrail

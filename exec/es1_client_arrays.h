@@ -70,7 +70,7 @@ public:
         : m_c(c),
           m_arrays(arrays),
           m_indices(indices),
-          m_byPosition(!indices.items.empty() && indices.items.front() == -1),
+          m_byPosition(!indices.items.empty() && indices.items[0] == -1),
           m_vertices(vertices),
           m_missing(missing) {}
 

@@ -36,7 +36,7 @@ public:
         : m_c(c),
           m_arrays(arrays),
           m_indices(indices),
-          m_byPosition(!indices.items.empty() && indices.items.front() == -1),
+          m_byPosition(!indices.items.empty() && indices.items[0] == -1),
           m_vertices(vertices) {}
 
     /// An instanced draw: an attribute with a divisor goes on by that many instances a value.

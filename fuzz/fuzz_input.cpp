@@ -11,7 +11,7 @@
 #include "exec/es1_names.h"
 #include "exec/es2_names.h"
 #include "host/os_environment.h"
-#include "tracefile/bytes/memory_manager.h"
+#include "tracefile/document/trace_document.h"
 
 namespace kestrail {
 
@@ -44,7 +44,7 @@ void ForgetHost() {
 }
 
 void SetReadBlock(std::uint32_t bytes) {
-    MemoryManager::Instance().Allocate(bytes);
+    CTraceDocument::Instance()->Stream().Memory().Allocate(bytes);
 }
 
 }  // namespace kestrail

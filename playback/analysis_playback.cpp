@@ -95,15 +95,15 @@ bool CAnalysisPlayback::PlayTrackedCall(CCallEntry& entry) {
     CApiCall& call = *entry.call;
     switch (call.m_group) {
         case kGroupEgl:
-            static_cast<CEglCall&>(call).UpdateState(m_currentEgl);
+            static_cast<CEglCall&>(call).UpdateState(m_currentEgl, store->Updates());
             m_eglDirty = true;
             break;
         case kGroupEs1:
-            static_cast<CEs1Call&>(call).UpdateState(m_currentEs1);
+            static_cast<CEs1Call&>(call).UpdateState(m_currentEs1, store->Updates());
             m_es1Dirty = true;
             break;
         case kGroupEs2:
-            ApplyEs2Call(call, m_currentEs2);
+            ApplyEs2Call(call, m_currentEs2, store->Updates());
             m_es2Dirty = true;
             break;
         // Kept: calls of extensions change no record here; tools compare seeks.

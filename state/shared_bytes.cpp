@@ -4,7 +4,7 @@
 #include <cstring>
 #include <utility>
 
-#include "state/repeating.h"
+#include "state/updates.h"
 
 namespace kestrail {
 namespace {
@@ -21,16 +21,17 @@ std::uint64_t Mixed(std::uint64_t first, std::uint64_t second) {
 
 class CSharedBytes::CTaking {
 public:
-    explicit CTaking(std::uint64_t size) : m_size(size) { s_all += size; }
+    CTaking(std::uint64_t size, std::shared_ptr<std::uint64_t> all)
+        : m_size(size), m_all(std::move(all)) {
+        *m_all += size;
+    }
     CTaking(const CTaking&) = delete;
     CTaking& operator=(const CTaking&) = delete;
-    ~CTaking() { s_all -= m_size; }
-
-    static std::uint64_t All() { return s_all; }
+    ~CTaking() { *m_all -= m_size; }
 
 private:
-    inline static std::uint64_t s_all = 0;
     std::uint64_t m_size;
+    std::shared_ptr<std::uint64_t> m_all;
 };
 
 CSharedBytes CSharedBytes::Borrow(const std::uint8_t* data, std::size_t size) {
@@ -62,19 +63,20 @@ const std::uint8_t* CSharedBytes::Get(std::vector<std::uint8_t>& room) const {
     return room.data();
 }
 
-bool CSharedBytes::Takes(std::uint64_t size) const {
+bool CSharedBytes::Takes(std::uint64_t size, const SUpdates& updates) const {
     if (size > kLargest) return false;
     // What is done again has been allowed before.
-    return IsChanged() || repeatingUpdates || CTaking::All() + size <= kLargestOfAll;
+    return IsChanged() || updates.repeated || *updates.taken + size <= kLargestOfAll;
 }
 
-void CSharedBytes::Put(std::size_t size, const SByteRows& rows, const void* source, Made made) {
+void CSharedBytes::Put(std::size_t size, const SByteRows& rows, const void* source,
+                       const SUpdates& updates, Made made) {
     m_size = size;
     m_identity = Mixed(m_identity, reinterpret_cast<std::uintptr_t>(source));
     m_identity = Mixed(m_identity, rows.offset);
     const bool first = !IsChanged();
     SChanged& changed = m_changed.Write();
-    if (first) changed.taking = std::make_shared<CTaking>(size);
+    if (first) changed.taking = std::make_shared<CTaking>(size, updates.taken);
     changed.parts.Append() = {rows, std::move(made)};
     changed.partBytes += rows.length * rows.count;
     // Once they are a few times as long as the whole, putting them together costs less memory than

@@ -12,6 +12,8 @@
 
 namespace kestrail {
 
+struct SUpdates;
+
 /// Rows of bytes on their way into contents.
 struct SByteRows {
     std::size_t offset = 0;  ///< of the first row in the contents
@@ -28,8 +30,9 @@ public:
     /// Bytes that are in no call.
     using Made = std::shared_ptr<const std::vector<std::uint8_t>>;
 
-    /// The largest contents, in bytes, that take parts, and what all that do may come to. A call
-    /// can claim any size with a few bytes of trace, and a seek puts the bytes of each together.
+    /// The largest contents, in bytes, that take parts, and what all of a trace that do may come
+    /// to. A call can claim any size with a few bytes of trace, and a seek puts the bytes of each
+    /// together.
     static constexpr std::uint64_t kLargest = std::uint64_t{1} << 28;
     static constexpr std::uint64_t kLargestOfAll = std::uint64_t{1} << 30;
 
@@ -48,11 +51,12 @@ public:
     const std::uint8_t* Get(std::vector<std::uint8_t>& room) const;
 
     /// Whether rows can be put into these contents, as `size` bytes.
-    bool Takes(std::uint64_t size) const;
+    bool Takes(std::uint64_t size, const SUpdates& updates) const;
     /// Sets rows within the first `size` bytes, which is how many the contents have from then on,
     /// zeros where there were fewer. The rows stay where they are: with their call, or in `made`,
     /// from what the call has at `source`.
-    void Put(std::size_t size, const SByteRows& rows, const void* source, Made made = nullptr);
+    void Put(std::size_t size, const SByteRows& rows, const void* source, const SUpdates& updates,
+             Made made = nullptr);
 
 private:
     /// Counts contents with parts for as long as any record has them.

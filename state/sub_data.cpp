@@ -3,7 +3,8 @@
 namespace kestrail {
 
 bool ApplySubData(TShared<TStateTable<SBufferState>>& buffers, std::uint32_t name,
-                  std::int64_t offset, std::int64_t size, const SBlock& data) {
+                  std::int64_t offset, std::int64_t size, const SBlock& data,
+                  const SUpdates& updates) {
     const SBufferState* buffer = buffers->Find(name);
     if (buffer == nullptr || data.GetData() == nullptr || size < 0 || size > data.GetSize() ||
         offset < 0 || offset > std::int64_t{buffer->size} - size) {
@@ -12,7 +13,7 @@ bool ApplySubData(TShared<TStateTable<SBufferState>>& buffers, std::uint32_t nam
     if (size == 0) return true;
     const auto length = static_cast<std::size_t>(size);
     const bool whole = length == buffer->size;
-    if (!whole && !buffer->data.Takes(buffer->size)) return false;
+    if (!whole && !buffer->data.Takes(buffer->size, updates)) return false;
     SBufferState& changed = *buffers.Write().Find(name);
     if (whole) {
         changed.data = CSharedBytes::Borrow(data.GetData(), length);
@@ -20,7 +21,7 @@ bool ApplySubData(TShared<TStateTable<SBufferState>>& buffers, std::uint32_t nam
         changed.data.Put(
             changed.size,
             {static_cast<std::size_t>(offset), length, length, 1, data.GetData(), length},
-            data.GetData());
+            data.GetData(), updates);
     }
     return true;
 }

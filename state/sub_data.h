@@ -12,6 +12,7 @@ namespace kestrail {
 /// nothing changed, when there is no such buffer, when the range reaches out of it and when fewer
 /// bytes were captured, with which no call is played.
 bool ApplySubData(TShared<TStateTable<SBufferState>>& buffers, std::uint32_t name,
-                  std::int64_t offset, std::int64_t size, const SBlock& data);
+                  std::int64_t offset, std::int64_t size, const SBlock& data,
+                  const SUpdates& updates);
 
 }  // namespace kestrail

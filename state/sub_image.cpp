@@ -5,7 +5,7 @@
 
 #include "base/output.h"
 #include "calls/pixels/pixel_layout.h"
-#include "state/repeating.h"
+#include "state/updates.h"
 
 namespace kestrail {
 namespace {
@@ -36,9 +36,10 @@ bool Convert(const SImagePart& part, SFittedPart& fitted) {
 
 }  // namespace
 
-bool FitPart(const SImageLayout& image, const SImagePart& part, SFittedPart& fitted) {
+bool FitPart(const SImageLayout& image, const SImagePart& part, SFittedPart& fitted,
+             const SUpdates& updates) {
     if (IsLarger(image, part)) {
-        if (!repeatingUpdates) {
+        if (!updates.repeated) {
             output::Error("glTexSubImage2D: trying to update a texture out of limits.");
         }
         return false;

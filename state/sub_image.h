@@ -60,21 +60,23 @@ void SetWholeImage(Image& image, const Call& call, std::int32_t alignment) {
 /// Makes a part ready for an image. False for a rectangle that reaches out of it (larger than the
 /// image: with a message), for fewer bytes than a host reads, with which no call is played, and for
 /// formats that don't convert.
-bool FitPart(const SImageLayout& image, const SImagePart& part, SFittedPart& fitted);
+bool FitPart(const SImageLayout& image, const SImagePart& part, SFittedPart& fitted,
+             const SUpdates& updates);
 
 /// Puts a part into an image of a record, if there is one. `write` gives the image to change, and
 /// is called for a part that fits only: the record shares its tables with its snapshots until then.
 /// False when nothing changes, but for compressed images, which are not to.
 template <typename Image, typename Write>
-bool ApplySubImage(const Image* image, const SImagePart& part, Write write) {
+bool ApplySubImage(const Image* image, const SImagePart& part, const SUpdates& updates,
+                   Write write) {
     if (image == nullptr) return false;
     if (image->compressed != 0) return true;
     const SImageLayout layout = {image->format, image->type,        image->width,
                                  image->height, image->Layers(),    image->unpackAlignment,
                                  image->border, image->data.Empty()};
     SFittedPart fitted;
-    if (!FitPart(layout, part, fitted)) return false;
-    if (!fitted.whole && !image->data.Takes(fitted.imageSize)) return false;
+    if (!FitPart(layout, part, fitted, updates)) return false;
+    if (!fitted.whole && !image->data.Takes(fitted.imageSize, updates)) return false;
     Image& changed = write();
     changed.format = fitted.format;
     changed.type = fitted.type;
@@ -82,7 +84,7 @@ bool ApplySubImage(const Image* image, const SImagePart& part, Write write) {
     if (fitted.whole) {
         changed.data = CSharedBytes::Borrow(part.data, fitted.imageSize);
     } else {
-        changed.data.Put(fitted.imageSize, fitted.rows, part.data, fitted.converted);
+        changed.data.Put(fitted.imageSize, fitted.rows, part.data, updates, fitted.converted);
     }
     return true;
 }

@@ -17,19 +17,19 @@ const char* CGenCallInfo::GetApiName() const {
     }
 }
 
-bool CEglCall::UpdateState(CEglState&) {
+bool CEglCall::UpdateState(CEglState&, SUpdates&) {
     return false;
 }
-bool CEs1Call::UpdateState(CEs1State&) {
+bool CEs1Call::UpdateState(CEs1State&, SUpdates&) {
     return false;
 }
-bool CEs2Call::UpdateState(CEs2State&) {
+bool CEs2Call::UpdateState(CEs2State&, SUpdates&) {
     return false;
 }
-bool CEs3Call::UpdateState(CEs2State&) {
+bool CEs3Call::UpdateState(CEs2State&, SUpdates&) {
     return false;
 }
-bool CExtCall::UpdateState(CEs1State&) {
+bool CExtCall::UpdateState(CEs1State&, SUpdates&) {
     return false;
 }
 

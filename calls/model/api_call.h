@@ -7,13 +7,13 @@
 
 #include "calls/model/api_type.h"
 #include "calls/model/call_info.h"
-#include "calls/model/call_memory.h"
 
 namespace kestrail {
 
 class CEglState;
 class CEs1State;
 class CEs2State;
+struct SUpdates;
 
 /// Which state record a call belongs to.
 enum CallGroup : std::uint8_t {
@@ -31,9 +31,14 @@ public:
     CApiCall(const CApiCall&) = delete;
     CApiCall& operator=(const CApiCall&) = delete;
 
-    // NOLINTNEXTLINE(misc-new-delete-overloads): the sized delete below matches it.
-    static void* operator new(std::size_t size) { return callMemory.Take(size); }
-    static void operator delete(void* call, std::size_t size) { callMemory.GiveBack(call, size); }
+    /// Calls stand in the memory of the trace, with the small things that they hold.
+    static void* operator new(std::size_t size, const CTrace& trace) {
+        return trace.CallMemory().Take(size);
+    }
+    static void operator delete(void*, const CTrace&) {}
+    static void operator delete(void* call, std::size_t size) {
+        CObjectArena::GiveBack(call, size);
+    }
 
     /// What its class is.
     virtual const SClassLayout& Layout() const = 0;
@@ -65,7 +70,7 @@ protected:
 class CEglCall : public CApiCall {
 public:
     /// Applies the call to a state record, without touching the host. False when it did not.
-    virtual bool UpdateState(CEglState& state);
+    virtual bool UpdateState(CEglState& state, SUpdates& updates);
 
     /// What eglGetError gave after the call when it was recorded.
     TEGLintEnum m_eglError;
@@ -77,7 +82,7 @@ protected:
 class CEs1Call : public CApiCall {
 public:
     /// Applies the call to a state record, without touching the host. False when it did not.
-    virtual bool UpdateState(CEs1State& state);
+    virtual bool UpdateState(CEs1State& state, SUpdates& updates);
 
 protected:
     explicit CEs1Call(CTrace& trace);
@@ -86,7 +91,7 @@ protected:
 class CEs2Call : public CApiCall {
 public:
     /// Applies the call to a state record, without touching the host. False when it did not.
-    virtual bool UpdateState(CEs2State& state);
+    virtual bool UpdateState(CEs2State& state, SUpdates& updates);
 
 protected:
     explicit CEs2Call(CTrace& trace);
@@ -95,7 +100,7 @@ protected:
 class CEs3Call : public CApiCall {
 public:
     /// Applies the call to a state record, without touching the host. False when it did not.
-    virtual bool UpdateState(CEs2State& state);
+    virtual bool UpdateState(CEs2State& state, SUpdates& updates);
 
 protected:
     explicit CEs3Call(CTrace& trace);
@@ -104,7 +109,7 @@ protected:
 class CExtCall : public CApiCall {
 public:
     /// Applies an extension call of ES1 to its state record. Those of ES2 leave no trace in theirs.
-    virtual bool UpdateState(CEs1State& state);
+    virtual bool UpdateState(CEs1State& state, SUpdates& updates);
 
     TGLError m_extError;
     /// The API that was current: 1 is ES1, 2 is ES2, anything else counts as EGL.

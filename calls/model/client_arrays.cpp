@@ -17,20 +17,16 @@ void ReadClientArrays(CTrace& trace, std::uint32_t start, bool indexed,
     // The table's widths are signed, so that a damaged one can keep `remaining` from shrinking:
     // what was taken from the stream bounds the loop as well.
     std::int64_t before = -1;
-    constexpr std::size_t kUsualCount = 2;
-    if (remaining >= entrySize) {
-        arrays.items.reserve(kUsualCount);
-        indices.items.reserve(kUsualCount);
-    }
+    CObjectArena& memory = trace.CallMemory();
     while (remaining >= entrySize && taken() < recordSize && taken() > before) {
         before = taken();
         TintType<17> index;
         index.value = -1;
         if (indexed) trace >> index;
-        SDataPtr& array = arrays.items.emplace_back(std::in_place).value();
+        SDataPtr& array = *arrays.items.Append(memory, std::in_place);
         trace >> array;
         remaining -= entrySize + array.GetSize() + indexSize;
-        indices.items.push_back(index.value);
+        indices.items.Append(memory, index.value);
     }
 }
 

@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "calls/model/array_values.h"
-#include "calls/model/call_memory.h"
 #include "tracefile/bytes/typed_reads.h"
 
 namespace kestrail {
@@ -44,8 +43,8 @@ void SBlock::Read(CTrace& trace) {
     CheckRecordedSize(trace, size);
     // Kept: bytes behind a null pointer too, unlike strings and arrays; recordings hold them.
     if (size == 0) return;
-    m_data =
-        static_cast<std::uint8_t*>(StandsWithCall() ? callMemory.Take(size) : std::malloc(size));
+    m_data = static_cast<std::uint8_t*>(StandsWithCall() ? trace.CallMemory().Take(size)
+                                                         : std::malloc(size));
     if (trace.Stream().Read(m_data, size, true)) return;
     // Nothing arrived: the block reads as zeros, which calloc has ready without writing them.
     if (StandsWithCall()) {
@@ -59,7 +58,7 @@ void SBlock::Read(CTrace& trace) {
 void SBlock::Release() {
     if (m_data == nullptr) return;
     if (StandsWithCall()) {
-        callMemory.GiveBack(m_data, size);
+        CObjectArena::GiveBack(m_data, size);
     } else {
         std::free(m_data);
     }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <optional>
 #include <utility>
 
 #include "calls/text/format_kind.h"
@@ -110,9 +111,10 @@ void SEglNativeWindowDesc::Read(CTrace& trace) {
 
 void SEglNativePixmapDesc::Read(CTrace& trace) {
     trace >> handle;
-    // Kept: once in a process; recordings have the length of the first pixmap alone.
-    static const std::uint32_t length = ReadUInt32(trace.Stream(), 0, true);
-    const std::uint32_t held = std::min(length, trace.RecordRemaining());
+    // Kept: once in a trace; recordings have the length of the first pixmap alone.
+    std::optional<std::uint32_t>& length = trace.PixmapLength();
+    if (!length) length = ReadUInt32(trace.Stream(), 0, true);
+    const std::uint32_t held = std::min(*length, trace.RecordRemaining());
     data.resize(held);
     trace.Stream().Read(data.data(), held, true);
 }

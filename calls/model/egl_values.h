@@ -49,7 +49,7 @@ public:
 };
 
 /// A recorded native pixmap with its bytes. The length of the bytes stands on file once: the first
-/// pixmap that the process reads has it, and every later one takes the same.
+/// pixmap of a trace has it, and every later one takes the same.
 class SEglNativePixmapDesc : public SApiTypeBase {
 public:
     TuintType<10> handle;

@@ -9,6 +9,12 @@
 
 namespace kestrail {
 
+/// A call read from its record. It must not outlive the memory of the trace.
+template <typename Call>
+std::unique_ptr<CApiCall> ReadCall(CTrace& trace) {
+    return std::unique_ptr<CApiCall>(new (trace) Call(trace));
+}
+
 std::unique_ptr<CApiCall> CreateEglCall(std::uint16_t id, CTrace& trace);
 std::unique_ptr<CApiCall> CreateEs1Call(std::uint16_t id, CTrace& trace);
 std::unique_ptr<CApiCall> CreateEs2Call(std::uint16_t id, CTrace& trace);

@@ -21,7 +21,7 @@ SSharedEglAttributes CopyAttributes(const SEglAttribList& list) {
 
 }  // namespace
 
-bool CEgl_eglGetDisplay_v6::UpdateState(CEglState& state) {
+bool CEgl_eglGetDisplay_v6::UpdateState(CEglState& state, SUpdates&) {
     const std::uint32_t display = result.GetValue();
     if (display == 0) return false;
     const std::uint32_t native = NativeDisplayType.GetValue();
@@ -31,20 +31,20 @@ bool CEgl_eglGetDisplay_v6::UpdateState(CEglState& state) {
     return true;
 }
 
-bool CEgl_eglInitialize_v7::UpdateState(CEglState& state) {
+bool CEgl_eglInitialize_v7::UpdateState(CEglState& state, SUpdates&) {
     state.displays.GetOrCreate(dpy.GetValue()).initialised =
         static_cast<std::uint8_t>(result.GetValue());
     return true;
 }
 
-bool CEgl_eglSwapInterval_v1::UpdateState(CEglState& state) {
+bool CEgl_eglSwapInterval_v1::UpdateState(CEglState& state, SUpdates&) {
     const SEglDisplayRecord* known = state.displays.Find(dpy.GetValue());
     if (known != nullptr && known->swapInterval == interval.GetValue()) return true;
     state.displays.GetOrCreate(dpy.GetValue()).swapInterval = interval.GetValue();
     return true;
 }
 
-bool CEgl_eglCreateContext_v1::UpdateState(CEglState& state) {
+bool CEgl_eglCreateContext_v1::UpdateState(CEglState& state, SUpdates&) {
     constexpr std::int32_t kContextClientVersion = 12440;
     constexpr std::size_t kLastScanned = 9999;
     if (result.GetValue() == 0) return false;
@@ -63,12 +63,12 @@ bool CEgl_eglCreateContext_v1::UpdateState(CEglState& state) {
     return true;
 }
 
-bool CEgl_eglDestroyContext_v1::UpdateState(CEglState& state) {
+bool CEgl_eglDestroyContext_v1::UpdateState(CEglState& state, SUpdates&) {
     state.contexts.Erase(ctx.GetValue());
     return true;
 }
 
-bool CEgl_eglCreateWindowSurface_v7::UpdateState(CEglState& state) {
+bool CEgl_eglCreateWindowSurface_v7::UpdateState(CEglState& state, SUpdates&) {
     if (result.GetValue() == 0) return false;
     SEglSurfaceRecord& surface = state.surfaces.GetOrCreate(result.GetValue());
     surface.display = dpy.GetValue();
@@ -81,12 +81,12 @@ bool CEgl_eglCreateWindowSurface_v7::UpdateState(CEglState& state) {
     return true;
 }
 
-bool CEgl_eglDestroySurface_v1::UpdateState(CEglState& state) {
+bool CEgl_eglDestroySurface_v1::UpdateState(CEglState& state, SUpdates&) {
     state.surfaces.Erase(surface.GetValue());
     return true;
 }
 
-bool CEgl_eglMakeCurrent_v2::UpdateState(CEglState& state) {
+bool CEgl_eglMakeCurrent_v2::UpdateState(CEglState& state, SUpdates&) {
     state.currentContext = ctx.GetValue();
     state.currentDisplay = dpy.GetValue();
     state.currentDrawSurface = draw.GetValue();
@@ -94,12 +94,12 @@ bool CEgl_eglMakeCurrent_v2::UpdateState(CEglState& state) {
     return true;
 }
 
-bool CEgl_eglBindAPI_v1::UpdateState(CEglState& state) {
+bool CEgl_eglBindAPI_v1::UpdateState(CEglState& state, SUpdates&) {
     state.boundApi = api.GetValue();
     return true;
 }
 
-bool CEgl_eglTerminate_v1::UpdateState(CEglState& state) {
+bool CEgl_eglTerminate_v1::UpdateState(CEglState& state, SUpdates&) {
     // Kept: every display goes with the one; tools compare seeks.
     state = CEglState();
     return true;

@@ -60,35 +60,35 @@ const std::uint32_t* BoundBuffer(const CEs1State& state, std::uint32_t target) {
 
 }  // namespace
 
-bool CEs1_glEnableClientState_v1::UpdateState(CEs1State& state) {
+bool CEs1_glEnableClientState_v1::UpdateState(CEs1State& state, SUpdates&) {
     return SetClientState(state, array.GetValue(), 1);
 }
 
-bool CEs1_glDisableClientState_v1::UpdateState(CEs1State& state) {
+bool CEs1_glDisableClientState_v1::UpdateState(CEs1State& state, SUpdates&) {
     return SetClientState(state, array.GetValue(), 0);
 }
 
-bool CEs1_glColorPointer_v1::UpdateState(CEs1State& state) {
+bool CEs1_glColorPointer_v1::UpdateState(CEs1State& state, SUpdates&) {
     return SetArrayValue(
         state, [](auto& arrays) -> auto& { return arrays.color; }, Described(state, *this));
 }
 
-bool CEs1_glNormalPointer_v1::UpdateState(CEs1State& state) {
+bool CEs1_glNormalPointer_v1::UpdateState(CEs1State& state, SUpdates&) {
     return SetArrayValue(
         state, [](auto& arrays) -> auto& { return arrays.normal; }, Described(state, *this));
 }
 
-bool CEs1_glVertexPointer_v1::UpdateState(CEs1State& state) {
+bool CEs1_glVertexPointer_v1::UpdateState(CEs1State& state, SUpdates&) {
     return SetArrayValue(
         state, [](auto& arrays) -> auto& { return arrays.vertex; }, Described(state, *this));
 }
 
-bool CEs1_glPointSizePointerOES_v1::UpdateState(CEs1State& state) {
+bool CEs1_glPointSizePointerOES_v1::UpdateState(CEs1State& state, SUpdates&) {
     return SetArrayValue(
         state, [](auto& arrays) -> auto& { return arrays.pointSize; }, Described(state, *this));
 }
 
-bool CEs1_glTexCoordPointer_v1::UpdateState(CEs1State& state) {
+bool CEs1_glTexCoordPointer_v1::UpdateState(CEs1State& state, SUpdates&) {
     const std::int32_t unit = CEs1State::UnitOf(state.clientActiveTexture);
     if (unit < 0) return false;
     const auto place = static_cast<std::size_t>(unit);
@@ -97,7 +97,7 @@ bool CEs1_glTexCoordPointer_v1::UpdateState(CEs1State& state) {
         Described(state, *this));
 }
 
-bool CEs1_glBindBuffer_v1::UpdateState(CEs1State& state) {
+bool CEs1_glBindBuffer_v1::UpdateState(CEs1State& state, SUpdates&) {
     if (target.GetValue() == kArrayBuffer) {
         state.arrayBuffer = buffer.GetValue();
         return true;
@@ -107,7 +107,7 @@ bool CEs1_glBindBuffer_v1::UpdateState(CEs1State& state) {
         state, [](auto& arrays) -> auto& { return arrays.elementBuffer; }, buffer.GetValue());
 }
 
-bool CEs1_glBufferData_v1::UpdateState(CEs1State& state) {
+bool CEs1_glBufferData_v1::UpdateState(CEs1State& state, SUpdates&) {
     const std::uint32_t* bound = BoundBuffer(state, target.GetValue());
     if (bound == nullptr || *bound == 0 || size.GetValue() < 0) return false;
     const auto bytes = static_cast<std::uint32_t>(size.GetValue());
@@ -122,13 +122,13 @@ bool CEs1_glBufferData_v1::UpdateState(CEs1State& state) {
     return true;
 }
 
-bool CEs1_glBufferSubData_v1::UpdateState(CEs1State& state) {
+bool CEs1_glBufferSubData_v1::UpdateState(CEs1State& state, SUpdates& updates) {
     const std::uint32_t* bound = BoundBuffer(state, target.GetValue());
     return bound != nullptr &&
-           ApplySubData(state.buffers, *bound, offset.GetValue(), size.GetValue(), data);
+           ApplySubData(state.buffers, *bound, offset.GetValue(), size.GetValue(), data, updates);
 }
 
-bool CEs1_glDeleteBuffers_v1::UpdateState(CEs1State& state) {
+bool CEs1_glDeleteBuffers_v1::UpdateState(CEs1State& state, SUpdates&) {
     const std::int64_t count = std::min<std::int64_t>(n.GetValue(), buffers.ItemCount());
     for (std::int64_t i = 0; i < count; ++i) {
         const std::uint32_t name = buffers.GetItem(static_cast<std::uint32_t>(i));

@@ -88,71 +88,71 @@ SParameters LightModelParameters(std::uint32_t pname, const Values& values) {
 
 }  // namespace
 
-bool CEs1_glFogf_v1::UpdateState(CEs1State& state) {
+bool CEs1_glFogf_v1::UpdateState(CEs1State& state, SUpdates&) {
     return SetFog(state, pname.GetValue(), SParameters::Of(param));
 }
 
-bool CEs1_glFogfv_v1::UpdateState(CEs1State& state) {
+bool CEs1_glFogfv_v1::UpdateState(CEs1State& state, SUpdates&) {
     return SetFog(state, pname.GetValue(), SParameters::Of(params));
 }
 
-bool CEs1_glFogx_v1::UpdateState(CEs1State& state) {
+bool CEs1_glFogx_v1::UpdateState(CEs1State& state, SUpdates&) {
     return SetFog(state, pname.GetValue(), FogParameters(pname.GetValue(), param));
 }
 
-bool CEs1_glFogxv_v1::UpdateState(CEs1State& state) {
+bool CEs1_glFogxv_v1::UpdateState(CEs1State& state, SUpdates&) {
     return SetFog(state, pname.GetValue(), FogParameters(pname.GetValue(), param));
 }
 
-bool CEs1_glLightf_v1::UpdateState(CEs1State& state) {
+bool CEs1_glLightf_v1::UpdateState(CEs1State& state, SUpdates&) {
     return SetLight(state, light.GetValue(), pname.GetValue(), SParameters::Of(param));
 }
 
-bool CEs1_glLightfv_v1::UpdateState(CEs1State& state) {
+bool CEs1_glLightfv_v1::UpdateState(CEs1State& state, SUpdates&) {
     return SetLight(state, light.GetValue(), pname.GetValue(), SParameters::Of(params));
 }
 
-bool CEs1_glLightx_v1::UpdateState(CEs1State& state) {
+bool CEs1_glLightx_v1::UpdateState(CEs1State& state, SUpdates&) {
     return SetLight(state, light.GetValue(), pname.GetValue(), SParameters::Of(param));
 }
 
-bool CEs1_glLightxv_v1::UpdateState(CEs1State& state) {
+bool CEs1_glLightxv_v1::UpdateState(CEs1State& state, SUpdates&) {
     return SetLight(state, light.GetValue(), pname.GetValue(), SParameters::Of(params));
 }
 
-bool CEs1_glLightModelf_v1::UpdateState(CEs1State& state) {
+bool CEs1_glLightModelf_v1::UpdateState(CEs1State& state, SUpdates&) {
     return SetLightModel(state, pname.GetValue(), SParameters::Of(param));
 }
 
-bool CEs1_glLightModelfv_v1::UpdateState(CEs1State& state) {
+bool CEs1_glLightModelfv_v1::UpdateState(CEs1State& state, SUpdates&) {
     return SetLightModel(state, pname.GetValue(), SParameters::Of(params));
 }
 
-bool CEs1_glLightModelx_v1::UpdateState(CEs1State& state) {
+bool CEs1_glLightModelx_v1::UpdateState(CEs1State& state, SUpdates&) {
     return SetLightModel(state, pname.GetValue(), LightModelParameters(pname.GetValue(), param));
 }
 
-bool CEs1_glLightModelxv_v1::UpdateState(CEs1State& state) {
+bool CEs1_glLightModelxv_v1::UpdateState(CEs1State& state, SUpdates&) {
     return SetLightModel(state, pname.GetValue(), LightModelParameters(pname.GetValue(), param));
 }
 
-bool CEs1_glMaterialf_v1::UpdateState(CEs1State& state) {
+bool CEs1_glMaterialf_v1::UpdateState(CEs1State& state, SUpdates&) {
     return SetMaterial(state, pname.GetValue(), SParameters::Of(param));
 }
 
-bool CEs1_glMaterialfv_v1::UpdateState(CEs1State& state) {
+bool CEs1_glMaterialfv_v1::UpdateState(CEs1State& state, SUpdates&) {
     return SetMaterial(state, pname.GetValue(), SParameters::Of(params));
 }
 
-bool CEs1_glMaterialx_v1::UpdateState(CEs1State& state) {
+bool CEs1_glMaterialx_v1::UpdateState(CEs1State& state, SUpdates&) {
     return SetMaterial(state, pname.GetValue(), SParameters::Of(param));
 }
 
-bool CEs1_glMaterialxv_v1::UpdateState(CEs1State& state) {
+bool CEs1_glMaterialxv_v1::UpdateState(CEs1State& state, SUpdates&) {
     return SetMaterial(state, pname.GetValue(), SParameters::Of(param));
 }
 
-bool CEs1_glShadeModel_v1::UpdateState(CEs1State& state) {
+bool CEs1_glShadeModel_v1::UpdateState(CEs1State& state, SUpdates&) {
     state.shadeModel = mode.GetValue();
     return true;
 }

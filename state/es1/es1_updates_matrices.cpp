@@ -73,12 +73,12 @@ SMatrix MatrixFrom(const float* elements) {
 
 }  // namespace
 
-bool CEs1_glMatrixMode_v1::UpdateState(CEs1State& state) {
+bool CEs1_glMatrixMode_v1::UpdateState(CEs1State& state, SUpdates&) {
     state.matrixMode = mode.GetValue();
     return true;
 }
 
-bool CEs1_glPushMatrix_v1::UpdateState(CEs1State& state) {
+bool CEs1_glPushMatrix_v1::UpdateState(CEs1State& state, SUpdates&) {
     const std::int32_t current = CurrentStack(state, true);
     if (current == kNoStack) return false;
     const auto stack = static_cast<std::size_t>(current);
@@ -90,7 +90,7 @@ bool CEs1_glPushMatrix_v1::UpdateState(CEs1State& state) {
     return true;
 }
 
-bool CEs1_glPopMatrix_v1::UpdateState(CEs1State& state) {
+bool CEs1_glPopMatrix_v1::UpdateState(CEs1State& state, SUpdates&) {
     // Kept: never a palette's, which loads and pushes take; tools compare a seek's matrices.
     const std::int32_t current = CurrentStack(state, false);
     if (current == kNoStack) return false;
@@ -99,76 +99,76 @@ bool CEs1_glPopMatrix_v1::UpdateState(CEs1State& state) {
     return true;
 }
 
-bool CEs1_glLoadIdentity_v1::UpdateState(CEs1State& state) {
+bool CEs1_glLoadIdentity_v1::UpdateState(CEs1State& state, SUpdates&) {
     constexpr SMatrix kIdentity = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
     return Load(state, kIdentity, false);
 }
 
-bool CEs1_glLoadMatrixf_v6::UpdateState(CEs1State& state) {
+bool CEs1_glLoadMatrixf_v6::UpdateState(CEs1State& state, SUpdates&) {
     const float* elements = m.GetRawArray();
     return elements != nullptr && Load(state, MatrixFrom(elements), true);
 }
 
-bool CEs1_glLoadMatrixx_v6::UpdateState(CEs1State& state) {
+bool CEs1_glLoadMatrixx_v6::UpdateState(CEs1State& state, SUpdates&) {
     const std::int32_t* elements = m.GetRawArray();
     return elements != nullptr && Load(state, MatrixFromFixed(elements), true);
 }
 
-bool CEs1_glMultMatrixf_v1::UpdateState(CEs1State& state) {
+bool CEs1_glMultMatrixf_v1::UpdateState(CEs1State& state, SUpdates&) {
     const float* elements = m.GetRawArray();
     return elements != nullptr && Multiply(state, MatrixFrom(elements));
 }
 
-bool CEs1_glMultMatrixx_v1::UpdateState(CEs1State& state) {
+bool CEs1_glMultMatrixx_v1::UpdateState(CEs1State& state, SUpdates&) {
     const std::int32_t* elements = m.GetRawArray();
     return elements != nullptr && Multiply(state, MatrixFromFixed(elements));
 }
 
-bool CEs1_glTranslatef_v1::UpdateState(CEs1State& state) {
+bool CEs1_glTranslatef_v1::UpdateState(CEs1State& state, SUpdates&) {
     return Multiply(state, TranslateMatrix(x.GetValue(), y.GetValue(), z.GetValue()));
 }
 
-bool CEs1_glTranslatex_v1::UpdateState(CEs1State& state) {
+bool CEs1_glTranslatex_v1::UpdateState(CEs1State& state, SUpdates&) {
     return Multiply(state, TranslateMatrix(FixedValue(x.GetValue()), FixedValue(y.GetValue()),
                                            FixedValue(z.GetValue())));
 }
 
-bool CEs1_glScalef_v1::UpdateState(CEs1State& state) {
+bool CEs1_glScalef_v1::UpdateState(CEs1State& state, SUpdates&) {
     return Multiply(state, ScaleMatrix(x.GetValue(), y.GetValue(), z.GetValue()));
 }
 
-bool CEs1_glScalex_v1::UpdateState(CEs1State& state) {
+bool CEs1_glScalex_v1::UpdateState(CEs1State& state, SUpdates&) {
     return Multiply(state, ScaleMatrix(FixedValue(x.GetValue()), FixedValue(y.GetValue()),
                                        FixedValue(z.GetValue())));
 }
 
-bool CEs1_glRotatef_v1::UpdateState(CEs1State& state) {
+bool CEs1_glRotatef_v1::UpdateState(CEs1State& state, SUpdates&) {
     return Multiply(state,
                     RotateMatrix(angle.GetValue(), x.GetValue(), y.GetValue(), z.GetValue()));
 }
 
-bool CEs1_glRotatex_v1::UpdateState(CEs1State& state) {
+bool CEs1_glRotatex_v1::UpdateState(CEs1State& state, SUpdates&) {
     return Multiply(state,
                     RotateMatrixFixed(angle.GetValue(), x.GetValue(), y.GetValue(), z.GetValue()));
 }
 
-bool CEs1_glFrustumf_v1::UpdateState(CEs1State& state) {
+bool CEs1_glFrustumf_v1::UpdateState(CEs1State& state, SUpdates&) {
     return Multiply(state, FrustumMatrix(l.GetValue(), r.GetValue(), b.GetValue(), t.GetValue(),
                                          n.GetValue(), f.GetValue()));
 }
 
-bool CEs1_glFrustumx_v1::UpdateState(CEs1State& state) {
+bool CEs1_glFrustumx_v1::UpdateState(CEs1State& state, SUpdates&) {
     const auto matrix = FrustumMatrixFixed(l.GetValue(), r.GetValue(), b.GetValue(), t.GetValue(),
                                            n.GetValue(), f.GetValue());
     return matrix && Multiply(state, *matrix);
 }
 
-bool CEs1_glOrthof_v1::UpdateState(CEs1State& state) {
+bool CEs1_glOrthof_v1::UpdateState(CEs1State& state, SUpdates&) {
     return Multiply(state, OrthoMatrix(l.GetValue(), r.GetValue(), b.GetValue(), t.GetValue(),
                                        n.GetValue(), f.GetValue()));
 }
 
-bool CEs1_glOrthox_v1::UpdateState(CEs1State& state) {
+bool CEs1_glOrthox_v1::UpdateState(CEs1State& state, SUpdates&) {
     const auto matrix = OrthoMatrixFixed(l.GetValue(), r.GetValue(), b.GetValue(), t.GetValue(),
                                          n.GetValue(), f.GetValue());
     return matrix && Multiply(state, *matrix);

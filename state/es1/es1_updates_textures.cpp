@@ -130,18 +130,18 @@ bool SetTexEnvs(CEs1State& state, std::uint32_t target, std::uint32_t pname, con
 
 }  // namespace
 
-bool CEs1_glActiveTexture_v1::UpdateState(CEs1State& state) {
+bool CEs1_glActiveTexture_v1::UpdateState(CEs1State& state, SUpdates&) {
     state.activeTexture = texture.GetValue();
     state.textureUnitsUsed = std::max(state.textureUnitsUsed, state.ActiveUnit() + 1);
     return true;
 }
 
-bool CEs1_glClientActiveTexture_v1::UpdateState(CEs1State& state) {
+bool CEs1_glClientActiveTexture_v1::UpdateState(CEs1State& state, SUpdates&) {
     state.clientActiveTexture = texture.GetValue();
     return true;
 }
 
-bool CEs1_glBindTexture_v1::UpdateState(CEs1State& state) {
+bool CEs1_glBindTexture_v1::UpdateState(CEs1State& state, SUpdates&) {
     if (BoundTexture(state, target.GetValue()) == nullptr) return false;
     const std::uint32_t name = texture.GetValue();
     state.binding2D[static_cast<std::size_t>(state.ActiveUnit())] = name;
@@ -149,7 +149,7 @@ bool CEs1_glBindTexture_v1::UpdateState(CEs1State& state) {
     return true;
 }
 
-bool CEs1_glDeleteTextures_v1::UpdateState(CEs1State& state) {
+bool CEs1_glDeleteTextures_v1::UpdateState(CEs1State& state, SUpdates&) {
     const std::int64_t count = std::min<std::int64_t>(n.GetValue(), textures.ItemCount());
     const auto used = state.binding2D.begin() + state.textureUnitsUsed;
     for (std::int64_t i = 0; i < count; ++i) {
@@ -160,7 +160,7 @@ bool CEs1_glDeleteTextures_v1::UpdateState(CEs1State& state) {
     return true;
 }
 
-bool CEs1_glTexImage2D_v1::UpdateState(CEs1State& state) {
+bool CEs1_glTexImage2D_v1::UpdateState(CEs1State& state, SUpdates&) {
     const std::uint32_t* bound = BoundTexture(state, target.GetValue());
     if (bound == nullptr || level.GetValue() < 0) return false;
     // An image that is there already hands its parameters on.
@@ -171,7 +171,7 @@ bool CEs1_glTexImage2D_v1::UpdateState(CEs1State& state) {
     return true;
 }
 
-bool CEs1_glCompressedTexImage2D_v1::UpdateState(CEs1State& state) {
+bool CEs1_glCompressedTexImage2D_v1::UpdateState(CEs1State& state, SUpdates&) {
     const std::uint32_t* bound = BoundTexture(state, target.GetValue());
     if (bound == nullptr || level.GetValue() < 0) return false;
     STextureImage1State& image = WriteNamedImage(state, *bound, level.GetValue());
@@ -188,7 +188,7 @@ bool CEs1_glCompressedTexImage2D_v1::UpdateState(CEs1State& state) {
     return true;
 }
 
-bool CEs1_glTexSubImage2D_v1::UpdateState(CEs1State& state) {
+bool CEs1_glTexSubImage2D_v1::UpdateState(CEs1State& state, SUpdates& updates) {
     const std::uint32_t* bound = BoundTexture(state, target.GetValue());
     if (pixels.GetData() == nullptr) return true;
     if (bound == nullptr || level.GetValue() < 0) return false;
@@ -198,55 +198,55 @@ bool CEs1_glTexSubImage2D_v1::UpdateState(CEs1State& state) {
                              yoffset.GetValue(), width.GetValue(), height.GetValue(),
                              format.GetValue(),  type.GetValue(),  state.unpackAlignment};
     return ApplySubImage(
-        state.FindImage(name, place),
-        part, [&]() -> auto& { return state.WriteImage(name, place); });
+        state.FindImage(name, place), part,
+        updates, [&]() -> auto& { return state.WriteImage(name, place); });
 }
 
-bool CEs1_glTexParameterf_v1::UpdateState(CEs1State& state) {
+bool CEs1_glTexParameterf_v1::UpdateState(CEs1State& state, SUpdates&) {
     return SetTexParameter(state, target.GetValue(), pname.GetValue(), ToInt(param.GetValue()));
 }
 
-bool CEs1_glTexParameterfv_v1::UpdateState(CEs1State& state) {
+bool CEs1_glTexParameterfv_v1::UpdateState(CEs1State& state, SUpdates&) {
     return SetTexParameters(state, target.GetValue(), pname.GetValue(), params, ToInt);
 }
 
-bool CEs1_glTexParameteri_v1::UpdateState(CEs1State& state) {
+bool CEs1_glTexParameteri_v1::UpdateState(CEs1State& state, SUpdates&) {
     return SetTexParameter(state, target.GetValue(), pname.GetValue(), param.GetValue());
 }
 
-bool CEs1_glTexParameteriv_v1::UpdateState(CEs1State& state) {
+bool CEs1_glTexParameteriv_v1::UpdateState(CEs1State& state, SUpdates&) {
     return SetTexParameters(state, target.GetValue(), pname.GetValue(), params, std::identity());
 }
 
-bool CEs1_glTexParameterx_v1::UpdateState(CEs1State& state) {
+bool CEs1_glTexParameterx_v1::UpdateState(CEs1State& state, SUpdates&) {
     return SetTexParameter(state, target.GetValue(), pname.GetValue(), param.GetValue());
 }
 
-bool CEs1_glTexParameterxv_v1::UpdateState(CEs1State& state) {
+bool CEs1_glTexParameterxv_v1::UpdateState(CEs1State& state, SUpdates&) {
     return SetTexParameters(state, target.GetValue(), pname.GetValue(), params, std::identity());
 }
 
-bool CEs1_glTexEnvf_v1::UpdateState(CEs1State& state) {
+bool CEs1_glTexEnvf_v1::UpdateState(CEs1State& state, SUpdates&) {
     return SetTexEnv(state, target.GetValue(), pname.GetValue(), Real(param.GetValue()));
 }
 
-bool CEs1_glTexEnvfv_v1::UpdateState(CEs1State& state) {
+bool CEs1_glTexEnvfv_v1::UpdateState(CEs1State& state, SUpdates&) {
     return SetTexEnvs(state, target.GetValue(), pname.GetValue(), params, Real);
 }
 
-bool CEs1_glTexEnvi_v1::UpdateState(CEs1State& state) {
+bool CEs1_glTexEnvi_v1::UpdateState(CEs1State& state, SUpdates&) {
     return SetTexEnv(state, target.GetValue(), pname.GetValue(), Exact(param.GetValue()));
 }
 
-bool CEs1_glTexEnviv_v1::UpdateState(CEs1State& state) {
+bool CEs1_glTexEnviv_v1::UpdateState(CEs1State& state, SUpdates&) {
     return SetTexEnvs(state, target.GetValue(), pname.GetValue(), params, Exact);
 }
 
-bool CEs1_glTexEnvx_v1::UpdateState(CEs1State& state) {
+bool CEs1_glTexEnvx_v1::UpdateState(CEs1State& state, SUpdates&) {
     return SetTexEnv(state, target.GetValue(), pname.GetValue(), Scaled(param.GetValue()));
 }
 
-bool CEs1_glTexEnvxv_v1::UpdateState(CEs1State& state) {
+bool CEs1_glTexEnvxv_v1::UpdateState(CEs1State& state, SUpdates&) {
     return SetTexEnvs(state, target.GetValue(), pname.GetValue(), params, Scaled);
 }
 

@@ -72,31 +72,31 @@ bool Attach(CEs1State& state, std::uint32_t target, std::uint32_t attachment,
 
 }  // namespace
 
-bool CExt_glBindFramebufferOES_v1::UpdateState(CEs1State& state) {
+bool CExt_glBindFramebufferOES_v1::UpdateState(CEs1State& state, SUpdates&) {
     return BindObject(state.framebuffers, state.boundFramebuffer, framebuffer.GetValue());
 }
 
-bool CExt_glBindRenderbufferOES_v1::UpdateState(CEs1State& state) {
+bool CExt_glBindRenderbufferOES_v1::UpdateState(CEs1State& state, SUpdates&) {
     return BindObject(state.renderbuffers, state.boundRenderbuffer, renderbuffer.GetValue());
 }
 
-bool CExt_glGenFramebuffersOES_v1::UpdateState(CEs1State& state) {
+bool CExt_glGenFramebuffersOES_v1::UpdateState(CEs1State& state, SUpdates&) {
     return MakeObjects(state.framebuffers, n.GetValue(), framebuffers);
 }
 
-bool CExt_glGenRenderbuffersOES_v1::UpdateState(CEs1State& state) {
+bool CExt_glGenRenderbuffersOES_v1::UpdateState(CEs1State& state, SUpdates&) {
     return MakeObjects(state.renderbuffers, n.GetValue(), renderbuffers);
 }
 
-bool CExt_glDeleteFramebuffersOES_v1::UpdateState(CEs1State& state) {
+bool CExt_glDeleteFramebuffersOES_v1::UpdateState(CEs1State& state, SUpdates&) {
     return DeleteObjects(state.framebuffers, state.boundFramebuffer, n.GetValue(), framebuffers);
 }
 
-bool CExt_glDeleteRenderbuffersOES_v1::UpdateState(CEs1State& state) {
+bool CExt_glDeleteRenderbuffersOES_v1::UpdateState(CEs1State& state, SUpdates&) {
     return DeleteObjects(state.renderbuffers, state.boundRenderbuffer, n.GetValue(), renderbuffers);
 }
 
-bool CExt_glRenderbufferStorageOES_v1::UpdateState(CEs1State& state) {
+bool CExt_glRenderbufferStorageOES_v1::UpdateState(CEs1State& state, SUpdates&) {
     const std::uint32_t bound = state.boundRenderbuffer;
     if (state.renderbuffers->Find(bound) == nullptr) return false;
     SRenderbufferState& renderbuffer = state.renderbuffers.Write().GetOrCreate(bound);
@@ -106,7 +106,7 @@ bool CExt_glRenderbufferStorageOES_v1::UpdateState(CEs1State& state) {
     return true;
 }
 
-bool CExt_glFramebufferTexture2DOES_v1::UpdateState(CEs1State& state) {
+bool CExt_glFramebufferTexture2DOES_v1::UpdateState(CEs1State& state, SUpdates&) {
     constexpr std::uint32_t kTexture = 5890;
     SAttachmentState object;
     object.kind = kTexture;
@@ -115,7 +115,7 @@ bool CExt_glFramebufferTexture2DOES_v1::UpdateState(CEs1State& state) {
     return Attach(state, target.GetValue(), attachment.GetValue(), object);
 }
 
-bool CExt_glFramebufferRenderbufferOES_v1::UpdateState(CEs1State& state) {
+bool CExt_glFramebufferRenderbufferOES_v1::UpdateState(CEs1State& state, SUpdates&) {
     constexpr std::uint32_t kRenderbuffer = 36161;
     SAttachmentState object;
     object.kind = kRenderbuffer;
@@ -123,12 +123,12 @@ bool CExt_glFramebufferRenderbufferOES_v1::UpdateState(CEs1State& state) {
     return Attach(state, target.GetValue(), attachment.GetValue(), object);
 }
 
-bool CExt_glBindVertexArrayOES_v1::UpdateState(CEs1State& state) {
+bool CExt_glBindVertexArrayOES_v1::UpdateState(CEs1State& state, SUpdates&) {
     state.currentVertexArray = array.GetValue();
     return true;
 }
 
-bool CExt_glCurrentPaletteMatrixOES_v1::UpdateState(CEs1State& state) {
+bool CExt_glCurrentPaletteMatrixOES_v1::UpdateState(CEs1State& state, SUpdates&) {
     const std::uint32_t index = matrixpaletteindex.GetValue();
     if (index > INT32_MAX) return false;
     state.paletteIndex = static_cast<std::int32_t>(index);
@@ -138,10 +138,10 @@ bool CExt_glCurrentPaletteMatrixOES_v1::UpdateState(CEs1State& state) {
 }
 
 // Kept: these two pointers are taken and dropped; tools compare pictures of sought frames.
-bool CExt_glMatrixIndexPointerOES_v1::UpdateState(CEs1State&) {
+bool CExt_glMatrixIndexPointerOES_v1::UpdateState(CEs1State&, SUpdates&) {
     return true;
 }
-bool CExt_glWeightPointerOES_v1::UpdateState(CEs1State&) {
+bool CExt_glWeightPointerOES_v1::UpdateState(CEs1State&, SUpdates&) {
     return true;
 }
 

@@ -25,7 +25,7 @@ bool ReplaceImage(CEs2State& state, const SImagePlace& place, STextureImageState
 /// Brings the pixels into the image at (name, face, level). False, and nothing changed, when there
 /// is no such image or they don't fit into it.
 bool UpdateSubImage(CEs2State& state, const SImagePlace& place, std::uint32_t level,
-                    const SImagePart& part);
+                    const SImagePart& part, const SUpdates& updates);
 
 /// The bytes that the image's layout takes, at most all ones.
 std::uint64_t LayoutSize(const STextureImageState& image);

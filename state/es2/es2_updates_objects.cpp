@@ -92,7 +92,7 @@ bool SetRenderbufferStorage(CEs2State& state, std::uint32_t internalFormat, std:
     return true;
 }
 
-bool CEs2_glBindBuffer_v1::UpdateState(CEs2State& state) {
+bool CEs2_glBindBuffer_v1::UpdateState(CEs2State& state, SUpdates&) {
     const std::uint32_t name = buffer.GetValue();
     std::uint32_t bound = 0;
     if (!BoundBuffer(state, target.GetValue(), bound)) return false;
@@ -102,7 +102,7 @@ bool CEs2_glBindBuffer_v1::UpdateState(CEs2State& state) {
     return true;
 }
 
-bool CEs2_glBufferData_v1::UpdateState(CEs2State& state) {
+bool CEs2_glBufferData_v1::UpdateState(CEs2State& state, SUpdates&) {
     std::uint32_t name = 0;
     if (!BoundBuffer(state, target.GetValue(), name) || name == 0 || size.GetValue() < 0) {
         return false;
@@ -119,17 +119,17 @@ bool CEs2_glBufferData_v1::UpdateState(CEs2State& state) {
     return true;
 }
 
-bool CEs2_glBufferSubData_v1::UpdateState(CEs2State& state) {
+bool CEs2_glBufferSubData_v1::UpdateState(CEs2State& state, SUpdates& updates) {
     std::uint32_t name = 0;
     if (!BoundBuffer(state, target.GetValue(), name)) return false;
-    return ApplySubData(state.buffers, name, offset.GetValue(), size.GetValue(), data);
+    return ApplySubData(state.buffers, name, offset.GetValue(), size.GetValue(), data, updates);
 }
 
-bool CEs2_glDeleteBuffers_v1::UpdateState(CEs2State& state) {
+bool CEs2_glDeleteBuffers_v1::UpdateState(CEs2State& state, SUpdates&) {
     return EraseRecords(state.buffers, buffers);
 }
 
-bool CEs2_glBindFramebuffer_v1::UpdateState(CEs2State& state) {
+bool CEs2_glBindFramebuffer_v1::UpdateState(CEs2State& state, SUpdates&) {
     const std::uint32_t name = framebuffer.GetValue();
     state.boundFramebuffer = name;
     if (name == 0) return true;
@@ -138,7 +138,7 @@ bool CEs2_glBindFramebuffer_v1::UpdateState(CEs2State& state) {
     return true;
 }
 
-bool CEs2_glFramebufferRenderbuffer_v1::UpdateState(CEs2State& state) {
+bool CEs2_glFramebufferRenderbuffer_v1::UpdateState(CEs2State& state, SUpdates&) {
     if (target.GetValue() != GL_FRAMEBUFFER || !IsAttachment(attachment.GetValue())) return false;
     SFramebufferState* bound = WriteFramebuffer(state);
     if (bound == nullptr) return false;
@@ -146,7 +146,7 @@ bool CEs2_glFramebufferRenderbuffer_v1::UpdateState(CEs2State& state) {
     return true;
 }
 
-bool CEs2_glFramebufferTexture2D_v1::UpdateState(CEs2State& state) {
+bool CEs2_glFramebufferTexture2D_v1::UpdateState(CEs2State& state, SUpdates&) {
     if (!IsAttachment(attachment.GetValue())) return false;
     SFramebufferState* bound = WriteFramebuffer(state);
     if (bound == nullptr) return false;
@@ -157,16 +157,16 @@ bool CEs2_glFramebufferTexture2D_v1::UpdateState(CEs2State& state) {
     return true;
 }
 
-bool CEs2_glGenFramebuffers_v1::UpdateState(CEs2State& state) {
+bool CEs2_glGenFramebuffers_v1::UpdateState(CEs2State& state, SUpdates&) {
     return MakeRecords(state.framebuffers, framebuffers);
 }
 
-bool CEs2_glDeleteFramebuffers_v1::UpdateState(CEs2State& state) {
+bool CEs2_glDeleteFramebuffers_v1::UpdateState(CEs2State& state, SUpdates&) {
     Unbind(state.boundFramebuffer, framebuffers);
     return EraseRecords(state.framebuffers, framebuffers);
 }
 
-bool CEs2_glBindRenderbuffer_v1::UpdateState(CEs2State& state) {
+bool CEs2_glBindRenderbuffer_v1::UpdateState(CEs2State& state, SUpdates&) {
     const std::uint32_t name = renderbuffer.GetValue();
     state.boundRenderbuffer = name;
     if (name == 0) return true;
@@ -179,29 +179,29 @@ bool CEs2_glBindRenderbuffer_v1::UpdateState(CEs2State& state) {
     return true;
 }
 
-bool CEs2_glRenderbufferStorage_v1::UpdateState(CEs2State& state) {
+bool CEs2_glRenderbufferStorage_v1::UpdateState(CEs2State& state, SUpdates&) {
     return SetRenderbufferStorage(state, internalformat.GetValue(), width.GetValue(),
                                   height.GetValue());
 }
 
-bool CEs2_glGenRenderbuffers_v1::UpdateState(CEs2State& state) {
+bool CEs2_glGenRenderbuffers_v1::UpdateState(CEs2State& state, SUpdates&) {
     return MakeRecords(state.renderbuffers, renderbuffers);
 }
 
-bool CEs2_glDeleteRenderbuffers_v1::UpdateState(CEs2State& state) {
+bool CEs2_glDeleteRenderbuffers_v1::UpdateState(CEs2State& state, SUpdates&) {
     Unbind(state.boundRenderbuffer, renderbuffers);
     return EraseRecords(state.renderbuffers, renderbuffers);
 }
 
-bool CEs2_glEnableVertexAttribArray_v1::UpdateState(CEs2State& state) {
+bool CEs2_glEnableVertexAttribArray_v1::UpdateState(CEs2State& state, SUpdates&) {
     return SetAttribEnabled(state, index.GetValue(), 1);
 }
 
-bool CEs2_glDisableVertexAttribArray_v1::UpdateState(CEs2State& state) {
+bool CEs2_glDisableVertexAttribArray_v1::UpdateState(CEs2State& state, SUpdates&) {
     return SetAttribEnabled(state, index.GetValue(), 0);
 }
 
-bool CEs2_glVertexAttribPointer_v1::UpdateState(CEs2State& state) {
+bool CEs2_glVertexAttribPointer_v1::UpdateState(CEs2State& state, SUpdates&) {
     if (index.GetValue() >= SVertexArrayState::kMaxAttributes) return false;
     const SAttribPointerState& held = AttribPointer(state, index.GetValue());
     SAttribPointerState wanted;

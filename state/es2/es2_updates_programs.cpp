@@ -130,7 +130,7 @@ bool SameText(const TShared<CKSTLString>& held, const SString& text) {
 
 }  // namespace
 
-bool CEs2_glCreateShader_v1::UpdateState(CEs2State& state) {
+bool CEs2_glCreateShader_v1::UpdateState(CEs2State& state, SUpdates&) {
     const std::uint32_t name = result.GetValue();
     if (name == 0) return false;
     SShaderState& shader = state.shaders.Write().GetOrCreate(name);
@@ -140,7 +140,7 @@ bool CEs2_glCreateShader_v1::UpdateState(CEs2State& state) {
     return true;
 }
 
-bool CEs2_glShaderSource_v1::UpdateState(CEs2State& state) {
+bool CEs2_glShaderSource_v1::UpdateState(CEs2State& state, SUpdates&) {
     const SShaderState* found = state.shaders->Find(shader.GetValue());
     if (found == nullptr) return false;
     const auto id = reinterpret_cast<std::uintptr_t>(source.GetCString());
@@ -152,7 +152,7 @@ bool CEs2_glShaderSource_v1::UpdateState(CEs2State& state) {
     return true;
 }
 
-bool CEs2_glCompileShader_v1::UpdateState(CEs2State& state) {
+bool CEs2_glCompileShader_v1::UpdateState(CEs2State& state, SUpdates&) {
     const SShaderState* found = state.shaders->Find(shader.GetValue());
     if (found == nullptr) return false;
     if (found->compiled == 0) state.shaders.Write().Find(shader.GetValue())->compiled = 1;
@@ -160,12 +160,12 @@ bool CEs2_glCompileShader_v1::UpdateState(CEs2State& state) {
     return true;
 }
 
-bool CEs2_glReleaseShaderCompiler_v1::UpdateState(CEs2State& state) {
+bool CEs2_glReleaseShaderCompiler_v1::UpdateState(CEs2State& state, SUpdates&) {
     state.shaderCompilerReleased = 1;
     return true;
 }
 
-bool CEs2_glDeleteShader_v1::UpdateState(CEs2State& state) {
+bool CEs2_glDeleteShader_v1::UpdateState(CEs2State& state, SUpdates&) {
     const std::uint32_t name = shader.GetValue();
     const SShaderState* found = state.shaders->Find(name);
     if (found == nullptr) return false;
@@ -177,7 +177,7 @@ bool CEs2_glDeleteShader_v1::UpdateState(CEs2State& state) {
     return true;
 }
 
-bool CEs2_glCreateProgram_v1::UpdateState(CEs2State& state) {
+bool CEs2_glCreateProgram_v1::UpdateState(CEs2State& state, SUpdates&) {
     const std::uint32_t name = result.GetValue();
     if (name == 0) return false;
     SProgramState& program = state.programs.Write().GetOrCreate(name);
@@ -186,7 +186,7 @@ bool CEs2_glCreateProgram_v1::UpdateState(CEs2State& state) {
     return true;
 }
 
-bool CEs2_glAttachShader_v1::UpdateState(CEs2State& state) {
+bool CEs2_glAttachShader_v1::UpdateState(CEs2State& state, SUpdates&) {
     if (state.programs->Find(program.GetValue()) == nullptr ||
         state.shaders->Find(shader.GetValue()) == nullptr) {
         return false;
@@ -198,7 +198,7 @@ bool CEs2_glAttachShader_v1::UpdateState(CEs2State& state) {
     return true;
 }
 
-bool CEs2_glDetachShader_v1::UpdateState(CEs2State& state) {
+bool CEs2_glDetachShader_v1::UpdateState(CEs2State& state, SUpdates&) {
     const SShaderState* found = state.shaders->Find(shader.GetValue());
     if (found == nullptr || state.programs->Find(program.GetValue()) == nullptr) return false;
     SProgramState& target = *state.programs.Write().Find(program.GetValue());
@@ -207,7 +207,7 @@ bool CEs2_glDetachShader_v1::UpdateState(CEs2State& state) {
     return true;
 }
 
-bool CEs2_glLinkProgram_v1::UpdateState(CEs2State& state) {
+bool CEs2_glLinkProgram_v1::UpdateState(CEs2State& state, SUpdates&) {
     const std::uint32_t name = program.GetValue();
     const SProgramState* found = state.programs->Find(name);
     if (found == nullptr) return false;
@@ -224,7 +224,7 @@ bool CEs2_glLinkProgram_v1::UpdateState(CEs2State& state) {
     return true;
 }
 
-bool CEs2_glUseProgram_v1::UpdateState(CEs2State& state) {
+bool CEs2_glUseProgram_v1::UpdateState(CEs2State& state, SUpdates&) {
     const std::uint32_t name = program.GetValue();
     if (state.programs->Find(name) == nullptr) return false;
     if (state.currentProgramDeletePending != 0 && name != state.currentProgram.name) {
@@ -235,7 +235,7 @@ bool CEs2_glUseProgram_v1::UpdateState(CEs2State& state) {
     return true;
 }
 
-bool CEs2_glDeleteProgram_v1::UpdateState(CEs2State& state) {
+bool CEs2_glDeleteProgram_v1::UpdateState(CEs2State& state, SUpdates&) {
     const std::uint32_t name = program.GetValue();
     if (name == 0) return true;
     if (state.programs->Find(name) == nullptr) return false;
@@ -249,7 +249,7 @@ bool CEs2_glDeleteProgram_v1::UpdateState(CEs2State& state) {
     return true;
 }
 
-bool CEs2_glBindAttribLocation_v1::UpdateState(CEs2State& state) {
+bool CEs2_glBindAttribLocation_v1::UpdateState(CEs2State& state, SUpdates&) {
     const std::uint32_t key = index.GetValue();
     if (key >= SVertexArrayState::kMaxAttributes) return false;
     if (const auto* bindings = state.attributeBindings->Find(program.GetValue())) {
@@ -264,7 +264,7 @@ bool CEs2_glBindAttribLocation_v1::UpdateState(CEs2State& state) {
     return true;
 }
 
-bool CEs2_glGetUniformLocation_v1::UpdateState(CEs2State& state) {
+bool CEs2_glGetUniformLocation_v1::UpdateState(CEs2State& state, SUpdates&) {
     const std::int32_t location = result.GetValue();
     if (location == -1 || name.GetCString()[0] == '\0') return true;
     const auto key = static_cast<std::uint32_t>(location);
@@ -280,101 +280,101 @@ bool CEs2_glGetUniformLocation_v1::UpdateState(CEs2State& state) {
     return true;
 }
 
-bool CEs2_glUniform1f_v1::UpdateState(CEs2State& state) {
+bool CEs2_glUniform1f_v1::UpdateState(CEs2State& state, SUpdates&) {
     return SetUniform(state, location, {v0.GetValue()});
 }
-bool CEs2_glUniform1fv_v1::UpdateState(CEs2State& state) {
+bool CEs2_glUniform1fv_v1::UpdateState(CEs2State& state, SUpdates&) {
     return SetUniforms(state, location, count, value);
 }
 
-bool CEs2_glUniform1i_v1::UpdateState(CEs2State& state) {
+bool CEs2_glUniform1i_v1::UpdateState(CEs2State& state, SUpdates&) {
     return SetUniform(state, location, {v0.GetValue()});
 }
-bool CEs2_glUniform1iv_v1::UpdateState(CEs2State& state) {
+bool CEs2_glUniform1iv_v1::UpdateState(CEs2State& state, SUpdates&) {
     return SetUniforms(state, location, count, value);
 }
 
-bool CEs2_glUniform2f_v1::UpdateState(CEs2State& state) {
+bool CEs2_glUniform2f_v1::UpdateState(CEs2State& state, SUpdates&) {
     return SetUniform(state, location, {v0.GetValue(), v1.GetValue()});
 }
-bool CEs2_glUniform2fv_v1::UpdateState(CEs2State& state) {
+bool CEs2_glUniform2fv_v1::UpdateState(CEs2State& state, SUpdates&) {
     return SetUniforms(state, location, count, value);
 }
 
-bool CEs2_glUniform2i_v1::UpdateState(CEs2State& state) {
+bool CEs2_glUniform2i_v1::UpdateState(CEs2State& state, SUpdates&) {
     return SetUniform(state, location, {v0.GetValue(), v1.GetValue()});
 }
-bool CEs2_glUniform2iv_v1::UpdateState(CEs2State& state) {
+bool CEs2_glUniform2iv_v1::UpdateState(CEs2State& state, SUpdates&) {
     return SetUniforms(state, location, count, value);
 }
 
-bool CEs2_glUniform3f_v1::UpdateState(CEs2State& state) {
+bool CEs2_glUniform3f_v1::UpdateState(CEs2State& state, SUpdates&) {
     return SetUniform(state, location, {v0.GetValue(), v1.GetValue(), v2.GetValue()});
 }
-bool CEs2_glUniform3fv_v1::UpdateState(CEs2State& state) {
+bool CEs2_glUniform3fv_v1::UpdateState(CEs2State& state, SUpdates&) {
     return SetUniforms(state, location, count, value);
 }
 
-bool CEs2_glUniform3i_v1::UpdateState(CEs2State& state) {
+bool CEs2_glUniform3i_v1::UpdateState(CEs2State& state, SUpdates&) {
     return SetUniform(state, location, {v0.GetValue(), v1.GetValue(), v2.GetValue()});
 }
-bool CEs2_glUniform3iv_v1::UpdateState(CEs2State& state) {
+bool CEs2_glUniform3iv_v1::UpdateState(CEs2State& state, SUpdates&) {
     return SetUniforms(state, location, count, value);
 }
 
-bool CEs2_glUniform4f_v1::UpdateState(CEs2State& state) {
+bool CEs2_glUniform4f_v1::UpdateState(CEs2State& state, SUpdates&) {
     return SetUniform(state, location,
                       {v0.GetValue(), v1.GetValue(), v2.GetValue(), v3.GetValue()});
 }
-bool CEs2_glUniform4fv_v1::UpdateState(CEs2State& state) {
+bool CEs2_glUniform4fv_v1::UpdateState(CEs2State& state, SUpdates&) {
     return SetUniforms(state, location, count, value);
 }
 
-bool CEs2_glUniform4i_v1::UpdateState(CEs2State& state) {
+bool CEs2_glUniform4i_v1::UpdateState(CEs2State& state, SUpdates&) {
     return SetUniform(state, location,
                       {v0.GetValue(), v1.GetValue(), v2.GetValue(), v3.GetValue()});
 }
-bool CEs2_glUniform4iv_v1::UpdateState(CEs2State& state) {
+bool CEs2_glUniform4iv_v1::UpdateState(CEs2State& state, SUpdates&) {
     return SetUniforms(state, location, count, value);
 }
 
-bool CEs2_glUniformMatrix2fv_v1::UpdateState(CEs2State& state) {
+bool CEs2_glUniformMatrix2fv_v1::UpdateState(CEs2State& state, SUpdates&) {
     return SetMatrices(state, location, count, value);
 }
 
-bool CEs2_glUniformMatrix3fv_v1::UpdateState(CEs2State& state) {
+bool CEs2_glUniformMatrix3fv_v1::UpdateState(CEs2State& state, SUpdates&) {
     return SetMatrices(state, location, count, value);
 }
 
-bool CEs2_glUniformMatrix4fv_v1::UpdateState(CEs2State& state) {
+bool CEs2_glUniformMatrix4fv_v1::UpdateState(CEs2State& state, SUpdates&) {
     return SetMatrices(state, location, count, value);
 }
 
-bool CEs2_glVertexAttrib1f_v1::UpdateState(CEs2State& state) {
+bool CEs2_glVertexAttrib1f_v1::UpdateState(CEs2State& state, SUpdates&) {
     return SetAttribute(state, index, {x.GetValue()});
 }
-bool CEs2_glVertexAttrib1fv_v1::UpdateState(CEs2State& state) {
+bool CEs2_glVertexAttrib1fv_v1::UpdateState(CEs2State& state, SUpdates&) {
     return SetAttribute(state, index, v);
 }
 
-bool CEs2_glVertexAttrib2f_v1::UpdateState(CEs2State& state) {
+bool CEs2_glVertexAttrib2f_v1::UpdateState(CEs2State& state, SUpdates&) {
     return SetAttribute(state, index, {x.GetValue(), y.GetValue()});
 }
-bool CEs2_glVertexAttrib2fv_v1::UpdateState(CEs2State& state) {
+bool CEs2_glVertexAttrib2fv_v1::UpdateState(CEs2State& state, SUpdates&) {
     return SetAttribute(state, index, v);
 }
 
-bool CEs2_glVertexAttrib3f_v1::UpdateState(CEs2State& state) {
+bool CEs2_glVertexAttrib3f_v1::UpdateState(CEs2State& state, SUpdates&) {
     return SetAttribute(state, index, {x.GetValue(), y.GetValue(), z.GetValue()});
 }
-bool CEs2_glVertexAttrib3fv_v1::UpdateState(CEs2State& state) {
+bool CEs2_glVertexAttrib3fv_v1::UpdateState(CEs2State& state, SUpdates&) {
     return SetAttribute(state, index, v);
 }
 
-bool CEs2_glVertexAttrib4f_v1::UpdateState(CEs2State& state) {
+bool CEs2_glVertexAttrib4f_v1::UpdateState(CEs2State& state, SUpdates&) {
     return SetAttribute(state, index, {x.GetValue(), y.GetValue(), z.GetValue(), w.GetValue()});
 }
-bool CEs2_glVertexAttrib4fv_v1::UpdateState(CEs2State& state) {
+bool CEs2_glVertexAttrib4fv_v1::UpdateState(CEs2State& state, SUpdates&) {
     return SetAttribute(state, index, v);
 }
 

@@ -123,13 +123,13 @@ bool ReplaceImage(CEs2State& state, const SImagePlace& place, STextureImageState
 }
 
 bool UpdateSubImage(CEs2State& state, const SImagePlace& place, std::uint32_t level,
-                    const SImagePart& part) {
+                    const SImagePart& part, const SUpdates& updates) {
     return ApplySubImage(
-        state.FindImage(place.name, place.face, level),
-        part, [&]() -> auto& { return state.WriteImage(place.name, place.face, level); });
+        state.FindImage(place.name, place.face, level), part,
+        updates, [&]() -> auto& { return state.WriteImage(place.name, place.face, level); });
 }
 
-bool CEs2_glActiveTexture_v1::UpdateState(CEs2State& state) {
+bool CEs2_glActiveTexture_v1::UpdateState(CEs2State& state, SUpdates&) {
     state.activeTexture = texture.GetValue();
     const std::uint32_t unit = ActiveUnit(state);
     if (unit == kTextureUnits) return true;
@@ -137,7 +137,7 @@ bool CEs2_glActiveTexture_v1::UpdateState(CEs2State& state) {
     return true;
 }
 
-bool CEs2_glBindTexture_v1::UpdateState(CEs2State& state) {
+bool CEs2_glBindTexture_v1::UpdateState(CEs2State& state, SUpdates&) {
     const std::uint32_t name = texture.GetValue();
     const std::uint32_t unit = ActiveUnit(state);
     TShared<SUnitBindings>* units = UnitsOf(state, target.GetValue());
@@ -149,7 +149,7 @@ bool CEs2_glBindTexture_v1::UpdateState(CEs2State& state) {
     return true;
 }
 
-bool CEs2_glDeleteTextures_v1::UpdateState(CEs2State& state) {
+bool CEs2_glDeleteTextures_v1::UpdateState(CEs2State& state, SUpdates&) {
     const auto used = static_cast<std::size_t>(state.textureUnitsUsed);
     const std::uint32_t count = textures.ItemCount();
     for (TShared<SUnitBindings>* units :
@@ -167,7 +167,7 @@ bool CEs2_glDeleteTextures_v1::UpdateState(CEs2State& state) {
     return EraseRecords(state.textures, textures);
 }
 
-bool CEs2_glTexImage2D_v1::UpdateState(CEs2State& state) {
+bool CEs2_glTexImage2D_v1::UpdateState(CEs2State& state, SUpdates&) {
     SImagePlace place;
     if (!PlaceOf(state, target.GetValue(), place)) return false;
     STextureImageState image;
@@ -177,7 +177,7 @@ bool CEs2_glTexImage2D_v1::UpdateState(CEs2State& state) {
     return ReplaceImage(state, place, image);
 }
 
-bool CEs2_glCompressedTexImage2D_v1::UpdateState(CEs2State& state) {
+bool CEs2_glCompressedTexImage2D_v1::UpdateState(CEs2State& state, SUpdates&) {
     SImagePlace place;
     if (!PlaceOf(state, target.GetValue(), place) || imageSize.GetValue() < 0) return false;
     STextureImageState image;
@@ -196,31 +196,32 @@ bool CEs2_glCompressedTexImage2D_v1::UpdateState(CEs2State& state) {
     return ReplaceImage(state, place, image);
 }
 
-bool CEs2_glTexSubImage2D_v1::UpdateState(CEs2State& state) {
+bool CEs2_glTexSubImage2D_v1::UpdateState(CEs2State& state, SUpdates& updates) {
     if (pixels.GetData() == nullptr) return true;
     SImagePlace place;
     if (!PlaceOf(state, target.GetValue(), place) || level.GetValue() < 0) return false;
     return UpdateSubImage(state, place, static_cast<std::uint32_t>(level.GetValue()),
                           {pixels.GetData(), pixels.GetSize(), xoffset.GetValue(),
                            yoffset.GetValue(), width.GetValue(), height.GetValue(),
-                           format.GetValue(), type.GetValue(), state.unpackAlignment});
+                           format.GetValue(), type.GetValue(), state.unpackAlignment},
+                          updates);
 }
 
-bool CEs2_glTexParameterf_v1::UpdateState(CEs2State& state) {
+bool CEs2_glTexParameterf_v1::UpdateState(CEs2State& state, SUpdates&) {
     return SetTexParameter(state, target.GetValue(), pname.GetValue(),
                            ParameterFromFloat(param.GetValue()));
 }
 
-bool CEs2_glTexParameterfv_v1::UpdateState(CEs2State& state) {
+bool CEs2_glTexParameterfv_v1::UpdateState(CEs2State& state, SUpdates&) {
     return params.ItemCount() != 0 && SetTexParameter(state, target.GetValue(), pname.GetValue(),
                                                       ParameterFromFloat(params.GetItem(0)));
 }
 
-bool CEs2_glTexParameteri_v1::UpdateState(CEs2State& state) {
+bool CEs2_glTexParameteri_v1::UpdateState(CEs2State& state, SUpdates&) {
     return SetTexParameter(state, target.GetValue(), pname.GetValue(), param.GetValue());
 }
 
-bool CEs2_glTexParameteriv_v1::UpdateState(CEs2State& state) {
+bool CEs2_glTexParameteriv_v1::UpdateState(CEs2State& state, SUpdates&) {
     return params.ItemCount() != 0 &&
            SetTexParameter(state, target.GetValue(), pname.GetValue(), params.GetItem(0));
 }

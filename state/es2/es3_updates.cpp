@@ -18,7 +18,7 @@ bool PlaceOf3D(const CEs2State& state, std::uint32_t target, SImagePlace& place)
 
 }  // namespace
 
-bool CEs3_glTexImage3D_v1::UpdateState(CEs2State& state) {
+bool CEs3_glTexImage3D_v1::UpdateState(CEs2State& state, SUpdates&) {
     SImagePlace place;
     if (!PlaceOf3D(state, target.GetValue(), place)) return false;
     STextureImageState image;
@@ -29,7 +29,7 @@ bool CEs3_glTexImage3D_v1::UpdateState(CEs2State& state) {
     return ReplaceImage(state, place, image);
 }
 
-bool CEs3_glTexSubImage3D_v1::UpdateState(CEs2State& state) {
+bool CEs3_glTexSubImage3D_v1::UpdateState(CEs2State& state, SUpdates& updates) {
     if (pixels.GetData() == nullptr) return true;
     SImagePlace place;
     if (!PlaceOf3D(state, target.GetValue(), place) || level.GetValue() < 0) return false;
@@ -38,10 +38,11 @@ bool CEs3_glTexSubImage3D_v1::UpdateState(CEs2State& state) {
     return UpdateSubImage(state, place, 0,
                           {pixels.GetData(), pixels.GetSize(), xoffset.GetValue(),
                            yoffset.GetValue(), width.GetValue(), height.GetValue(),
-                           format.GetValue(), type.GetValue(), state.unpackAlignment});
+                           format.GetValue(), type.GetValue(), state.unpackAlignment},
+                          updates);
 }
 
-bool CEs3_glDrawBuffers_v1::UpdateState(CEs2State& state) {
+bool CEs3_glDrawBuffers_v1::UpdateState(CEs2State& state, SUpdates&) {
     const SFramebufferState* found = state.framebuffers->Find(state.boundFramebuffer);
     if (found == nullptr || n.GetValue() < 0) return false;
     const std::uint32_t count = std::min({static_cast<std::uint32_t>(n.GetValue()),
@@ -58,22 +59,22 @@ bool CEs3_glDrawBuffers_v1::UpdateState(CEs2State& state) {
     return false;
 }
 
-bool CEs3_glRenderbufferStorageMultisample_v1::UpdateState(CEs2State& state) {
+bool CEs3_glRenderbufferStorageMultisample_v1::UpdateState(CEs2State& state, SUpdates&) {
     // Kept: the samples are dropped; tools compare seeks.
     return SetRenderbufferStorage(state, internalformat.GetValue(), width.GetValue(),
                                   height.GetValue());
 }
 
-bool CEs3_glBindVertexArray_v1::UpdateState(CEs2State& state) {
+bool CEs3_glBindVertexArray_v1::UpdateState(CEs2State& state, SUpdates&) {
     state.currentVertexArray = array.GetValue();
     return true;
 }
 
-bool CEs3_glDeleteVertexArrays_v1::UpdateState(CEs2State& state) {
+bool CEs3_glDeleteVertexArrays_v1::UpdateState(CEs2State& state, SUpdates&) {
     return EraseRecords(state.vertexArrays, arrays);
 }
 
-bool CEs3_glGenVertexArrays_v1::UpdateState(CEs2State& state) {
+bool CEs3_glGenVertexArrays_v1::UpdateState(CEs2State& state, SUpdates&) {
     const std::uint32_t count = arrays.ItemCount();
     for (std::uint32_t i = 0; i < count; ++i) {
         const std::uint32_t name = arrays.GetItem(i);

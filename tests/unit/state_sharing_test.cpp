@@ -26,10 +26,11 @@ State AppliedTwice(State& state, const std::string& calls, std::uint32_t once, A
     CTraceDocument& document = *CTraceDocument::Instance();
     Printed([&] { EXPECT_EQ(document.OpenTrace(file.Name(), true), 0U); });
     State between;
+    SUpdates updates;
     for (std::uint32_t turn = 0, first = 1; turn < 2; ++turn, first = once + 1) {
         between = state;
         for (std::uint32_t i = first; i <= trace.CallCount(); ++i) {
-            apply(*document.GetFrameStore()->CallAt(i)->call, state);
+            apply(*document.GetFrameStore()->CallAt(i)->call, state, updates);
         }
     }
     document.CloseTrace();
@@ -55,8 +56,10 @@ constexpr const char* kEs2Calls = R"(
 
 TEST(StateSharing, Es2CallsThatChangeNothingCopyNothing) {
     CEs2State a;
-    const CEs2State b = AppliedTwice(
-        a, kEs2Calls, 4, [](CApiCall& call, CEs2State& state) { ApplyEs2Call(call, state); });
+    const CEs2State b =
+        AppliedTwice(a, kEs2Calls, 4, [](CApiCall& call, CEs2State& state, SUpdates& updates) {
+            ApplyEs2Call(call, state, updates);
+        });
     using S = CEs2State;
     EXPECT_THAT(Shared(a, b, &S::buffers, &S::framebuffers, &S::programs, &S::renderbuffers,
                        &S::shaders, &S::textures, &S::binding2D, &S::uniforms, &S::attributeValues,
@@ -73,10 +76,11 @@ constexpr const char* kEs1Calls = R"(
 
 TEST(StateSharing, Es1CallsThatChangeNothingCopyNothing) {
     CEs1State a;
-    const CEs1State b = AppliedTwice(a, kEs1Calls, 4, [](CApiCall& call, CEs1State& state) {
-        call.m_group == kGroupEs1 ? static_cast<CEs1Call&>(call).UpdateState(state)
-                                  : static_cast<CExtCall&>(call).UpdateState(state);
-    });
+    const CEs1State b =
+        AppliedTwice(a, kEs1Calls, 4, [](CApiCall& call, CEs1State& state, SUpdates& updates) {
+            call.m_group == kGroupEs1 ? static_cast<CEs1Call&>(call).UpdateState(state, updates)
+                                      : static_cast<CExtCall&>(call).UpdateState(state, updates);
+        });
     using S = CEs1State;
     EXPECT_THAT(Shared(a, b, &S::textures, &S::textureEnvs, &S::lights, &S::vertexArrays,
                        &S::framebuffers, &S::renderbuffers, &S::currentTexCoord),
@@ -95,6 +99,7 @@ Content ContentOf(const CSharedBytes& bytes) {
 /// Parts anywhere in contents of several pieces, with copies in between that keep theirs.
 TEST(SharedBytes, PartsGoIntoOneCopyOnly) {
     constexpr std::size_t kSize = 30'000;
+    const SUpdates updates;
     Content model(20'000, 5);
     const Content borrowed = model;
     CSharedBytes bytes = CSharedBytes::Borrow(borrowed.data(), borrowed.size());
@@ -112,8 +117,8 @@ TEST(SharedBytes, PartsGoIntoOneCopyOnly) {
         parts.emplace_back(rows.length * rows.count, turn);
         rows.data = parts.back().data();
         rows.dataStride = rows.length;
-        ASSERT_TRUE(bytes.Takes(kSize));
-        bytes.Put(kSize, rows, rows.data);
+        ASSERT_TRUE(bytes.Takes(kSize, updates));
+        bytes.Put(kSize, rows, rows.data, updates);
         EXPECT_NE(bytes.Identity(), copies.back().first.Identity());
         for (std::size_t row = 0; row < rows.count; ++row) {
             std::fill_n(
@@ -132,23 +137,24 @@ TEST(SharedBytes, PartsGoIntoOneCopyOnly) {
 }
 
 TEST(SharedBytes, AllThatTakePartsComeToNoMoreThanALimit) {
+    const SUpdates updates;
     const std::uint8_t one = 1;
     const SByteRows rows = {7, 1, 1, 1, &one, 1};
-    EXPECT_FALSE(CSharedBytes().Takes(CSharedBytes::kLargest + 1));
+    EXPECT_FALSE(CSharedBytes().Takes(CSharedBytes::kLargest + 1, updates));
     constexpr std::uint64_t kFitting = CSharedBytes::kLargestOfAll / CSharedBytes::kLargest;
     std::vector<CSharedBytes> taking(kFitting);
     for (CSharedBytes& bytes : taking) {
-        ASSERT_TRUE(bytes.Takes(CSharedBytes::kLargest));
-        bytes.Put(CSharedBytes::kLargest, rows, rows.data);
+        ASSERT_TRUE(bytes.Takes(CSharedBytes::kLargest, updates));
+        bytes.Put(CSharedBytes::kLargest, rows, rows.data, updates);
     }
-    EXPECT_FALSE(CSharedBytes().Takes(8));
-    EXPECT_TRUE(taking.back().Takes(CSharedBytes::kLargest));
+    EXPECT_FALSE(CSharedBytes().Takes(8, updates));
+    EXPECT_TRUE(taking.back().Takes(CSharedBytes::kLargest, updates));
     // A copy counts as one with the original, until both are gone.
     const CSharedBytes copy = taking.back();
     taking.back() = CSharedBytes();
-    EXPECT_FALSE(CSharedBytes().Takes(8));
+    EXPECT_FALSE(CSharedBytes().Takes(8, updates));
     taking.front() = CSharedBytes();
-    EXPECT_TRUE(CSharedBytes().Takes(8));
+    EXPECT_TRUE(CSharedBytes().Takes(8, updates));
 }
 
 }  // namespace

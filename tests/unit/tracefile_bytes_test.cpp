@@ -12,14 +12,9 @@ constexpr std::uint32_t kBlock = 0x1400000;
 
 class TraceBytes : public testing::Test {
 protected:
-    void TearDown() override {
-        m_stream.Close();
-        MemoryManager::Instance().Allocate(kBlock);
-        MemoryManager::Instance().Close();
-    }
     /// Reads through a block of 64 bytes; with a size, a file that ends in a hole.
     bool Open(const Bytes& content, std::uintmax_t size = 0) {
-        MemoryManager::Instance().Allocate(64);
+        m_stream.Memory().Allocate(64);
         m_file = std::make_unique<CTempFile>(content);
         if (size != 0) std::filesystem::resize_file(m_file->Name().c_str(), size);
         return m_stream.Open(m_file->Name(), true);
@@ -56,7 +51,7 @@ TEST_F(TraceBytes, ReadsGoOnWithinALargeBlock) {
     constexpr std::uint32_t kSize = 500000;
     ASSERT_TRUE(Open(Counting(kSize)));
     for (const std::uint32_t block : {200000U, kBlock}) {
-        MemoryManager::Instance().Allocate(block);
+        m_stream.Memory().Allocate(block);
         ASSERT_TRUE(m_stream.Open(m_file->Name(), true));
         for (const std::uint32_t piece : {4093U, 20011U, 70001U}) {
             ASSERT_EQ(m_stream.Seek(0, SEEK_SET), 0);
@@ -139,7 +134,7 @@ TEST_F(TraceBytes, WritingReportsOnlySingleBytes) {
 }
 
 TEST_F(TraceBytes, ValuesOfAnyWidth) {
-    MemoryManager::Instance().Allocate(kBlock);
+    m_stream.Memory().Allocate(kBlock);
     m_file = std::make_unique<CTempFile>(Bytes(300, 0xFF));
     ASSERT_TRUE(m_stream.Open(m_file->Name(), true));
     for (const std::int32_t width : {0, 1, -1, 2, -3, 4, -4, 8, -8, 127, -128}) {
@@ -167,7 +162,8 @@ TEST_F(TraceBytes, ValuesOfAnyWidth) {
 
 TEST(Trace, TypeWidths) {
     const std::int8_t table[] = {4, -8, 0};
-    const CTrace trace(nullptr, 14, true, table, 2);
+    CObjectArena memory;
+    const CTrace trace(nullptr, 14, true, table, 2, memory);
     EXPECT_EQ(trace.GetEsTypeSize(1), -8);
     EXPECT_EQ(trace.GetEsTypeSize(2), 0) << "the entry behind the table";
     EXPECT_ANY_THROW(trace.GetEsTypeSize(3));

@@ -59,7 +59,7 @@ public:
         : m_widths(widths),
           m_file(WithTail(payload)),
           m_trace(&m_stream, version, true, WithSpare(m_widths),
-                  static_cast<std::int8_t>(widths.size())) {
+                  static_cast<std::int8_t>(widths.size()), ForEver()) {
         EXPECT_TRUE(m_stream.Open(m_file.Name(), true));
         m_trace.SetRecordSize(static_cast<std::uint32_t>(payload.size()));
     }
@@ -74,6 +74,11 @@ private:
     static Bytes WithTail(Bytes payload) {
         payload.resize(payload.size() + 64);
         return payload;
+    }
+    /// Calls and values may outlive what they are read from.
+    static CObjectArena& ForEver() {
+        static CObjectArena memory;
+        return memory;
     }
     static const std::int8_t* WithSpare(WidthTable& widths) {
         widths.push_back(0);

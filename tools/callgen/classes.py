@@ -34,7 +34,7 @@ def declaration(row, base):
              f"    explicit {row.class_name}(CTrace& trace);",
              "    const SClassLayout& Layout() const override;"]
     if row.state:
-        lines.append(f"    bool UpdateState({STATES[row.family]}& state) override;")
+        lines.append(f"    bool UpdateState({STATES[row.family]}& state, SUpdates& updates) override;")
     lines.append("")
     if row.returns:
         lines.append(f"    {cpp_class(row.returns)} result;")
@@ -111,7 +111,7 @@ def factory(rows, family):
         out.append(f"        case {identifier}:")
         for row in [r for r in rows if r.id == identifier]:
             test = selection(row)
-            make = f"return std::make_unique<{row.class_name}>(trace);"
+            make = f"return ReadCall<{row.class_name}>(trace);"
             out.append(f"            if ({test}) {make}" if test else f"            {make}")
         if test:
             out.append("            return nullptr;")

@@ -13,8 +13,6 @@ void PassOn(const MemoryManagerException& failure) {
 
 IOManagerException::IOManagerException(std::uint32_t /*reason*/) : code(0) {}
 
-IOManager::IOManager() : m_memory(&MemoryManager::Instance()) {}
-
 IOManager::~IOManager() {
     if (m_writeFile != nullptr) std::fclose(m_writeFile);
 }
@@ -27,7 +25,7 @@ bool IOManager::Open(const CKSTLString& name, bool read) {
         return m_writeFile != nullptr;
     }
     try {
-        return m_memory->Open(name);
+        return m_memory.Open(name);
     } catch (const MemoryManagerException& failure) {
         PassOn(failure);
         return false;
@@ -36,7 +34,7 @@ bool IOManager::Open(const CKSTLString& name, bool read) {
 
 bool IOManager::ReadWithRefill(void* buffer, std::uint32_t size) {
     try {
-        return m_memory->Read(buffer, size);
+        return m_memory.Read(buffer, size);
     } catch (const MemoryManagerException& failure) {
         PassOn(failure);
         return false;
@@ -55,7 +53,7 @@ std::uint32_t IOManager::TellWritten() const {
 }
 
 void IOManager::Close() {
-    if (m_readMode) return m_memory->Close();
+    if (m_readMode) return m_memory.Close();
     if (m_writeFile != nullptr) std::fclose(m_writeFile);
     m_writeFile = nullptr;
 }

@@ -15,11 +15,6 @@ constexpr std::uint32_t kLargestCopied = kWindow / 8;
 // Kept: drops the reason, so that streams fail plainly; damaged recordings end as cut ones do.
 MemoryManagerException::MemoryManagerException(std::uint32_t /*reason*/) : code(0) {}
 
-MemoryManager& MemoryManager::Instance() {
-    static MemoryManager instance;
-    return instance;
-}
-
 MemoryManager::~MemoryManager() {
     if (m_file != nullptr) std::fclose(m_file);
 }

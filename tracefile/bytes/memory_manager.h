@@ -1,4 +1,4 @@
-// One fixed block of the input file. Every byte of a trace is read through it, in both load modes.
+// One fixed block of an input file. Every byte of a trace is read through it, in both load modes.
 // What is asked of the block passes through a window that stays in the processor's cache, so that
 // file data takes no more memory than the window.
 #pragma once
@@ -26,7 +26,10 @@ public:
     /// The size of the block, which no single read may exceed.
     static constexpr std::uint32_t kBlockSize = 0x1400000;
 
-    static MemoryManager& Instance();
+    MemoryManager() = default;
+    ~MemoryManager();
+    MemoryManager(const MemoryManager&) = delete;
+    MemoryManager& operator=(const MemoryManager&) = delete;
 
     /// Opens `name` with a block from its start. False if it cannot be opened. Throws when there is
     /// nothing to read in it.
@@ -72,9 +75,6 @@ public:
     std::int32_t FileSize() const { return m_fileSize; }
 
 private:
-    MemoryManager() = default;
-    ~MemoryManager();
-
     /// Bytes of the file that stand in the block from its first byte on.
     struct SFill {
         std::int64_t start = 0;

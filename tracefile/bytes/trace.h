@@ -1,8 +1,11 @@
-// What call constructors read from: the stream, the file's version and its table of type widths.
+// What call constructors read from: the stream, the file's version and its table of type widths;
+// and where the calls go.
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
+#include "base/object_arena.h"
 #include "tracefile/bytes/io_manager.h"
 
 namespace kestrail {
@@ -10,11 +13,12 @@ namespace kestrail {
 class CTrace {
 public:
     /// `typeSizes` holds one signed width for each type tag and one spare entry behind them, which
-    /// the tag equal to `typeCount` reads. Neither pointer is owned.
+    /// the tag equal to `typeCount` reads. Calls stand in `callMemory`. Nothing of it is owned.
     CTrace(IOManager* stream, std::uint32_t version, bool recordData, const std::int8_t* typeSizes,
-           std::int8_t typeCount)
+           std::int8_t typeCount, CObjectArena& callMemory)
         : m_version(version),
           m_stream(stream),
+          m_callMemory(&callMemory),
           m_recordData(recordData),
           m_typeSizes(typeSizes),
           m_typeCount(typeCount),
@@ -40,6 +44,7 @@ public:
     bool HasUsualWidths() const { return m_usualWidths; }
 
     IOManager& Stream() const { return *m_stream; }
+    CObjectArena& CallMemory() const { return *m_callMemory; }
     std::uint32_t Version() const { return m_version; }
     bool RecordData() const { return m_recordData; }
     std::uint32_t GetRecordSize() const { return m_recordSize; }
@@ -55,6 +60,8 @@ public:
     }
     /// The 1-based number that the call being read will have.
     std::uint32_t& CallNumber() { return m_callNumber; }
+    /// How many bytes every pixmap has; none until one is read.
+    std::optional<std::uint32_t>& PixmapLength() { return m_pixmapLength; }
 
 private:
     static constexpr std::uint16_t kUsualTags = 28;
@@ -66,6 +73,7 @@ private:
 
     std::uint32_t m_version;
     IOManager* m_stream;
+    CObjectArena* m_callMemory;
     bool m_recordData;
     const std::int8_t* m_typeSizes;
     std::int8_t m_typeCount;
@@ -73,6 +81,7 @@ private:
     std::uint32_t m_recordSize = 0;
     std::uint64_t m_recordEnd = 0;
     std::uint32_t m_callNumber = 0;
+    std::optional<std::uint32_t> m_pixmapLength;
 };
 
 }  // namespace kestrail

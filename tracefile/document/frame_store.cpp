@@ -4,7 +4,6 @@
 #include <iterator>
 #include <utility>
 
-#include "state/repeating.h"
 #include "tracefile/document/trace_document.h"
 
 namespace kestrail {
@@ -16,7 +15,7 @@ constexpr std::uint16_t kEglSwapBuffers = 1022;
 
 void CFrameStore::BeginFrame() {
     m_frames.clear();
-    m_calls.clear();
+    m_calls = std::make_shared<STraceCalls>();
     m_edits.Clear();
     m_frames.emplace_back();
     m_currentFrame = 0;
@@ -41,7 +40,7 @@ void CFrameStore::SetTraceInfo(std::uint32_t fileSize, bool dataFlag, bool secon
                                std::uint32_t version, const CKSTLString& fileName) {
     // Fewer than calls take, so that the list need not move. Room that is not used costs nothing.
     constexpr std::uint32_t kBytesPerRecord = 16;
-    if (m_document == nullptr) m_calls.reserve(fileSize / kBytesPerRecord);
+    if (m_document == nullptr) m_calls->list.reserve(fileSize / kBytesPerRecord);
     m_dataFlag = dataFlag;
     m_secondFlag = secondFlag;
     m_version = version;
@@ -83,7 +82,7 @@ void CFrameStore::AppendCall(std::unique_ptr<CApiCall>&& call, std::uint64_t off
     if (trackState && !firstBehindState && !m_edits.IsCallDisabled(m_callCount)) {
         Track(appended);
     }
-    m_calls.emplace_back().call = std::move(call);
+    m_calls->list.emplace_back().call = std::move(call);
     CFrameRecord& current = m_frames[m_currentFrame];
     if (current.firstCall == m_callCount - 1) current.startOffset = offset;
     CFrameRecord& last = m_frames.back();
@@ -104,28 +103,28 @@ void CFrameStore::AppendCall(std::unique_ptr<CApiCall>&& call, std::uint64_t off
 void CFrameStore::Track(CApiCall& call) {
     ++m_callsSinceKept;
     if (call.m_error.GetValue() != 0) return;
-    m_state.Apply(call);
+    m_state.Apply(call, m_updates);
     m_es1Used = m_es1Used || call.m_group == kGroupEs1 || call.m_group == kGroupExtEs1;
     m_es2Used = m_es2Used || call.m_group == kGroupEs2 || call.m_group == kGroupExtEs2;
 }
 
-void SFrameState::Apply(CApiCall& call) {
+void SFrameState::Apply(CApiCall& call, SUpdates& updates) {
     constexpr std::uint32_t kEs3 = 3;
     // Kept: what failed in EGL or an extension counts, its error isn't here; tools compare seeks.
     if (call.m_error.GetValue() != 0) return;
-    const bool updates = call.m_updatesState;
+    const bool sets = call.m_updatesState;
     switch (call.m_group) {
         case kGroupEgl:
-            if (updates) static_cast<CEglCall&>(call).UpdateState(egl.Write());
+            if (sets) static_cast<CEglCall&>(call).UpdateState(egl.Write(), updates);
             break;
         case kGroupEs1:
-            if (updates) static_cast<CEs1Call&>(call).UpdateState(es1.Write());
+            if (sets) static_cast<CEs1Call&>(call).UpdateState(es1.Write(), updates);
             break;
         case kGroupExtEs1:
-            if (updates) static_cast<CExtCall&>(call).UpdateState(es1.Write());
+            if (sets) static_cast<CExtCall&>(call).UpdateState(es1.Write(), updates);
             break;
         case kGroupEs2:
-            if (updates) ApplyEs2Call(call, es2.Write());
+            if (sets) ApplyEs2Call(call, es2.Write(), updates);
             if (egl->contextClientVersion == kEs3 && es2->apiVersion != kEs3) {
                 es2.Write().apiVersion = kEs3;
             }
@@ -136,10 +135,10 @@ void SFrameState::Apply(CApiCall& call) {
     }
 }
 
-bool ApplyEs2Call(CApiCall& call, CEs2State& state) {
+bool ApplyEs2Call(CApiCall& call, CEs2State& state, SUpdates& updates) {
     constexpr std::uint16_t kFirstEs3 = 5001;
-    if (call.m_id >= kFirstEs3) return static_cast<CEs3Call&>(call).UpdateState(state);
-    return static_cast<CEs2Call&>(call).UpdateState(state);
+    if (call.m_id >= kFirstEs3) return static_cast<CEs3Call&>(call).UpdateState(state, updates);
+    return static_cast<CEs2Call&>(call).UpdateState(state, updates);
 }
 
 const SFrameState& CFrameStore::StateOfFrame(std::uint32_t frame) const {
@@ -151,12 +150,13 @@ const SFrameState& CFrameStore::StateOfFrame(std::uint32_t frame) const {
         [](std::size_t wanted, const SKeptState& kept) { return wanted < kept.frame; });
     const SKeptState& kept = *std::prev(behind);
     if (m_asked.frame > place || m_asked.frame <= kept.frame) m_asked = kept;
-    const SRepeatedUpdates repeated;
+    m_asked.state.calls = m_calls;
+    const SRepeatedUpdates repeated(m_updates);
     for (std::uint32_t call = m_frames[m_asked.frame].firstCall; call < m_frames[place].firstCall;
          ++call) {
         const std::uint32_t number = call + 1;
         if (number == m_firstBehindState || !m_edits.IsCallDisabled(number)) {
-            m_asked.state.Apply(*m_calls[call].call);
+            m_asked.state.Apply(*m_calls->list[call].call, m_updates);
         }
     }
     m_asked.frame = place;
@@ -203,17 +203,19 @@ void CFrameStore::ResetCursor() {
 
 CCallEntry* CFrameStore::NextCall() {
     if (m_document != nullptr) return NextStreamedCall();
-    if (m_nextCall >= m_calls.size()) return nullptr;
+    std::vector<CCallEntry>& calls = m_calls->list;
+    if (m_nextCall >= calls.size()) return nullptr;
     if (m_nextCall == m_frames[m_currentFrame].lastCall + 1) return nullptr;
     m_currentCall = m_nextCall++;
-    return &m_calls[m_currentCall];
+    return &calls[m_currentCall];
 }
 
 CCallEntry* CFrameStore::NextStreamedCall() {
     // Kept: the cursor stays, so all lines have the first call's frame; readers match them.
-    m_calls.clear();
+    m_calls->list.clear();
+    m_calls->memory.StartAgain();
     m_document->LoadRecords();
-    return m_calls.empty() ? nullptr : &m_calls.front();
+    return m_calls->list.empty() ? nullptr : &m_calls->list.front();
 }
 
 std::uint32_t CFrameStore::CurrentFrameNumber() const {
@@ -238,7 +240,7 @@ std::size_t CFrameStore::IndexOf(std::uint32_t frame) const {
 }
 
 CCallEntry* CFrameStore::CallAt(std::uint32_t number) {
-    return number == 0 || number > m_calls.size() ? nullptr : &m_calls[number - 1];
+    return number == 0 || number > m_calls->list.size() ? nullptr : &m_calls->list[number - 1];
 }
 
 std::uint32_t CFrameStore::SearchFrameOfCall(std::uint32_t index) const {

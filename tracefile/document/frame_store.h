@@ -14,21 +14,12 @@
 #include "state/egl/egl_state.h"
 #include "state/es1/es1_state.h"
 #include "state/es2/es2_state.h"
+#include "state/updates.h"
 #include "tracefile/document/edit_list.h"
 
 namespace kestrail {
 
 class CTraceDocument;
-
-/// What the application had set at some point of the trace. Copies share what none of them changed.
-struct SFrameState {
-    TShared<CEglState> egl;
-    TShared<CEs1State> es1;
-    TShared<CEs2State> es2;
-
-    /// Applies a call, unless it had failed when it was recorded.
-    void Apply(CApiCall& call);
-};
 
 struct CFrameRecord {
     /// `lastCall` of a frame without calls.
@@ -56,8 +47,26 @@ public:
     }
 };
 
+/// The calls of a trace, and what they stand in.
+struct STraceCalls {
+    CObjectArena memory;
+    std::vector<CCallEntry> list;
+};
+
+/// What the application had set at some point of the trace. Copies share what none of them changed.
+struct SFrameState {
+    TShared<CEglState> egl;
+    TShared<CEs1State> es1;
+    TShared<CEs2State> es2;
+    /// Whose bytes the records refer to; they stay as long as this does.
+    std::shared_ptr<const STraceCalls> calls;
+
+    /// Applies a call, unless it had failed when it was recorded.
+    void Apply(CApiCall& call, SUpdates& updates);
+};
+
 /// Applies a call of the ES2 group, which is one of ES2 or ES3, to a record.
-bool ApplyEs2Call(CApiCall& call, CEs2State& state);
+bool ApplyEs2Call(CApiCall& call, CEs2State& state, SUpdates& updates);
 
 class CFrameStore {
 public:
@@ -98,6 +107,12 @@ public:
     /// Null out of range.
     const CFrameRecord* GetFrameRecord(std::uint32_t frame) const;
     CCallEntry* CallAt(std::uint32_t number);
+    /// All calls, which stay as long as somebody has them; streaming, the last one, for as long as
+    /// it is the last.
+    std::shared_ptr<STraceCalls> Calls() const { return m_calls; }
+    /// Where calls are made that `AppendCall` takes.
+    CObjectArena& CallMemory() { return m_calls->memory; }
+    SUpdates& Updates() { return m_updates; }
     /// The frame that holds the 0-based `index`, or 0. The line of a call asks with the call's
     /// 1-based number, so that a frame's last call shows as the next frame's.
     std::uint32_t FrameOfCall(std::uint32_t index) const {
@@ -134,13 +149,14 @@ private:
 
     CTraceDocument* m_document = nullptr;
     std::vector<CFrameRecord> m_frames;
-    std::vector<CCallEntry> m_calls;
+    std::shared_ptr<STraceCalls> m_calls;
     CEditList m_edits;
     /// The state that a frame begins with, by the frame's place in `m_frames`.
     struct SKeptState {
         std::size_t frame = 0;
         SFrameState state;
     };
+    mutable SUpdates m_updates;
     /// What all calls so far have set.
     SFrameState m_state;
     std::vector<SKeptState> m_keptStates;

@@ -4,11 +4,6 @@
 
 namespace kestrail {
 
-CLoadObservers& CLoadObservers::Instance() {
-    static CLoadObservers instance;
-    return instance;
-}
-
 void CLoadObservers::Register(std::uint32_t event, CLoadObserver* observer) {
     m_observers.emplace_back(event, observer);
 }

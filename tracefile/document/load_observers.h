@@ -28,8 +28,6 @@ public:
 
 class CLoadObservers {
 public:
-    static CLoadObservers& Instance();
-
     /// Observers are not owned.
     void Register(std::uint32_t event, CLoadObserver* observer);
     void Unregister(std::uint32_t event, CLoadObserver* observer);

@@ -84,10 +84,9 @@ unsigned CTraceDocument::Load(const CKSTLString& name) {
     if (!m_stream.Open(name, true)) return kOpenEmpty;
     output::Message("Trace file open : %s", name.c_str());
     SetStage("File Read", 100);
-    CLoadObservers::Instance().Notify(kLoadProgressEvent, *this);
+    m_observers.Notify(kLoadProgressEvent, *this);
     progressValue = 0;
     m_store = std::make_unique<CFrameStore>();
-    m_store->BeginFrame();
     if (!ReadTraceStart()) {
         m_stream.Close();
         m_store.reset();
@@ -95,7 +94,7 @@ unsigned CTraceDocument::Load(const CKSTLString& name) {
     }
     output::Message("Processing File....");
     m_reader.emplace(&m_stream, m_version, m_dataFlag, m_typeSizes.data(),
-                     static_cast<std::int8_t>(m_typeCount));
+                     static_cast<std::int8_t>(m_typeCount), m_store->CallMemory());
     if (m_noMemory) m_store->StreamFrom(this);
     m_store->SetTraceInfo(m_stream.GetSize(), m_dataFlag, m_secondFlag, m_version, m_fileName);
     // Kept: a stream marks no edited calls; its log is of what was recorded.
@@ -110,7 +109,7 @@ unsigned CTraceDocument::Load(const CKSTLString& name) {
     }
     m_stream.Close();
     SetStage(errors != 0 ? "Trace Error" : "Trace Processed", 100);
-    CLoadObservers::Instance().Notify(kLoadProgressEvent, *this);
+    m_observers.Notify(kLoadProgressEvent, *this);
     if (errors != 0) return errors;
     return m_store->CallCount() > 0 ? kOpened : kOpenEmpty;
 }
@@ -227,7 +226,7 @@ void CTraceDocument::ShowProgress(const CApiCall& call, std::uint64_t offset) {
     progressDetail.append(" ");
     progressTitle = progressDetail;
     progressValue = static_cast<std::uint32_t>(offset);
-    CLoadObservers::Instance().Notify(kLoadProgressEvent, *this);
+    m_observers.Notify(kLoadProgressEvent, *this);
 }
 
 void CTraceDocument::CloseTrace() {

@@ -1,5 +1,6 @@
-// The loaded trace's owner: the byte stream, the header's values and the store of frames. A trace
-// is read whole when it is opened, or, streamed, record by record as the store is asked for calls.
+// A loaded trace's owner: the byte stream, the header's values and the store of frames. A trace is
+// read whole when it is opened, or, streamed, record by record as the store is asked for calls.
+// Several can be open at once, each for one thread at a time.
 #pragma once
 
 #include <cstdint>
@@ -27,7 +28,13 @@ enum EOpenResult : unsigned {
 
 class CTraceDocument : private COpenProgress {
 public:
+    /// The player's.
     static CTraceDocument* Instance();
+
+    CTraceDocument() = default;
+    ~CTraceDocument() = default;
+    CTraceDocument(const CTraceDocument&) = delete;
+    CTraceDocument& operator=(const CTraceDocument&) = delete;
 
     /// Opens a trace. `useMemory`: all records are read now; otherwise the header alone, and the
     /// store streams. An open trace is closed first.
@@ -47,12 +54,14 @@ public:
     void CloseTrace();
     /// The store, rewound; null when nothing is loaded.
     CFrameStore* GetFrameStore();
+    /// What all traces are read through, one after the other.
+    IOManager& Stream() { return m_stream; }
 
     void RegisterObserver(std::uint32_t event, CLoadObserver* observer) {
-        CLoadObservers::Instance().Register(event, observer);
+        m_observers.Register(event, observer);
     }
     void UnregisterObserver(std::uint32_t event, CLoadObserver* observer) {
-        CLoadObservers::Instance().Unregister(event, observer);
+        m_observers.Unregister(event, observer);
     }
 
     /// The call of a record, by its identifier and the file's version; null for what is no call.
@@ -61,9 +70,6 @@ public:
 private:
     /// Where a run over the records stands.
     struct SRecordLoop;
-
-    CTraceDocument() = default;
-    ~CTraceDocument() = default;
 
     unsigned Load(const CKSTLString& name);
     /// Header and footer. False when the header is refused.
@@ -90,6 +96,7 @@ private:
 
     static constexpr std::uint64_t kNoFooter = ~std::uint64_t{0};
 
+    CLoadObservers m_observers;
     /// There while a trace is open.
     std::optional<CTrace> m_reader;
     std::unique_ptr<CFrameStore> m_store;
