@@ -14,6 +14,8 @@
 namespace kestrail::output {
 namespace {
 
+constexpr const char* kMessagePrefix = "KESTRAIL(M) ";
+constexpr const char* kErrorPrefix = "KESTRAIL(W) ERROR: ";
 constexpr std::size_t kFlushAt = std::size_t{64} * 1024;
 constexpr int kEndingSignals[] = {SIGSEGV, SIGBUS, SIGFPE,  SIGILL,  SIGABRT, SIGTERM,
                                   SIGINT,  SIGHUP, SIGQUIT, SIGPIPE, SIGXCPU, SIGSYS};
@@ -70,6 +72,25 @@ void PrefixedLine(const char* prefix, const char* format, std::va_list arguments
     LineDone();
 }
 
+class CPrinted : public Diagnostics {
+    void OnTold(EDiagnostic kind, const char* format, std::va_list arguments) override {
+        switch (kind) {
+            case EDiagnostic::kMessage:
+                return PrefixedLine(kMessagePrefix, format, arguments);
+            case EDiagnostic::kError:
+                return PrefixedLine(kErrorPrefix, format, arguments);
+            case EDiagnostic::kText:
+                g_pending.AppendFormatV(format, arguments);
+                return LineDone();
+            case EDiagnostic::kErrorStream:
+                TextWriter text;
+                text.AppendFormatV(format, arguments);
+                text.Append('\0');
+                return ErrorStreamLine(text.Data());
+        }
+    }
+};
+
 }  // namespace
 
 void FlushOnAnyExit() {
@@ -91,7 +112,7 @@ void FlushOnAnyExit() {
 void Message(const char* format, ...) {
     std::va_list arguments;
     va_start(arguments, format);
-    PrefixedLine("KESTRAIL(M) ", format, arguments);
+    PrefixedLine(kMessagePrefix, format, arguments);
     va_end(arguments);
 }
 
@@ -105,7 +126,7 @@ void Warning(const char* format, ...) {
 void Error(const char* format, ...) {
     std::va_list arguments;
     va_start(arguments, format);
-    PrefixedLine("KESTRAIL(W) ERROR: ", format, arguments);
+    PrefixedLine(kErrorPrefix, format, arguments);
     va_end(arguments);
 }
 
@@ -143,6 +164,11 @@ void SystemError(const char* text) {
 void ErrorStreamLine(const char* text) {
     Flush();
     std::fprintf(stderr, "%s\n", text);
+}
+
+Diagnostics& Printed() {
+    static CPrinted printed;
+    return printed;
 }
 
 }  // namespace kestrail::output

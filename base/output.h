@@ -5,6 +5,7 @@
 
 #include <cstdarg>
 
+#include "base/diagnostics.h"
 #include "base/text_writer.h"
 
 namespace kestrail::output {
@@ -33,5 +34,7 @@ void Flush();
 void SystemError(const char* text);
 /// Flushes, then the text with a line end on standard error.
 void ErrorStreamLine(const char* text);
+/// Diagnostics that are printed as all of these are.
+Diagnostics& Printed();
 
 }  // namespace kestrail::output

@@ -3,7 +3,6 @@
 #include <memory>
 #include <utility>
 
-#include "base/output.h"
 #include "calls/pixels/pixel_layout.h"
 #include "state/updates.h"
 
@@ -40,7 +39,8 @@ bool FitPart(const SImageLayout& image, const SImagePart& part, SFittedPart& fit
              const SUpdates& updates) {
     if (IsLarger(image, part)) {
         if (!updates.repeated) {
-            output::Error("glTexSubImage2D: trying to update a texture out of limits.");
+            updates.diagnostics.Tell(EDiagnostic::kError,
+                                     "glTexSubImage2D: trying to update a texture out of limits.");
         }
         return false;
     }

@@ -4,9 +4,14 @@
 #include <cstdint>
 #include <memory>
 
+#include "base/diagnostics.h"
+
 namespace kestrail {
 
 struct SUpdates {
+    explicit SUpdates(Diagnostics& told) : diagnostics(told) {}
+
+    Diagnostics& diagnostics;
     /// They are done once more: the states of most frames are not kept but made again from the
     /// calls since a kept one, which must not print anything twice.
     bool repeated = false;

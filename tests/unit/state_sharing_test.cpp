@@ -26,7 +26,7 @@ State AppliedTwice(State& state, const std::string& calls, std::uint32_t once, A
     CTraceDocument& document = *CTraceDocument::Instance();
     Printed([&] { EXPECT_EQ(document.OpenTrace(file.Name(), true), 0U); });
     State between;
-    SUpdates updates;
+    SUpdates updates(output::Printed());
     for (std::uint32_t turn = 0, first = 1; turn < 2; ++turn, first = once + 1) {
         between = state;
         for (std::uint32_t i = first; i <= trace.CallCount(); ++i) {
@@ -99,7 +99,7 @@ Content ContentOf(const CSharedBytes& bytes) {
 /// Parts anywhere in contents of several pieces, with copies in between that keep theirs.
 TEST(SharedBytes, PartsGoIntoOneCopyOnly) {
     constexpr std::size_t kSize = 30'000;
-    const SUpdates updates;
+    const SUpdates updates(output::Printed());
     Content model(20'000, 5);
     const Content borrowed = model;
     CSharedBytes bytes = CSharedBytes::Borrow(borrowed.data(), borrowed.size());
@@ -137,7 +137,7 @@ TEST(SharedBytes, PartsGoIntoOneCopyOnly) {
 }
 
 TEST(SharedBytes, AllThatTakePartsComeToNoMoreThanALimit) {
-    const SUpdates updates;
+    const SUpdates updates(output::Printed());
     const std::uint8_t one = 1;
     const SByteRows rows = {7, 1, 1, 1, &one, 1};
     EXPECT_FALSE(CSharedBytes().Takes(CSharedBytes::kLargest + 1, updates));

@@ -70,7 +70,7 @@ bool ApplyEs2Call(CApiCall& call, CEs2State& state, SUpdates& updates);
 
 class CFrameStore {
 public:
-    CFrameStore() { BeginFrame(); }
+    explicit CFrameStore(Diagnostics& diagnostics) : m_updates(diagnostics) { BeginFrame(); }
 
     /// Drops everything and opens frame 1.
     void BeginFrame();

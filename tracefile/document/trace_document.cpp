@@ -41,7 +41,7 @@ struct CTraceDocument::SRecordLoop {
 };
 
 CTraceDocument* CTraceDocument::Instance() {
-    static CTraceDocument instance;
+    static CTraceDocument instance(output::Printed());
     return &instance;
 }
 
@@ -66,12 +66,12 @@ unsigned CTraceDocument::OpenTrace(const CKSTLString& name, bool useMemory) {
         return Load(name);
     } catch (const char* text) {
         m_stream.Close();
-        output::Print("Exception: %s\n", text);
-        output::ErrorStreamLine(text);
+        m_diagnostics.Tell(EDiagnostic::kText, "Exception: %s\n", text);
+        m_diagnostics.Tell(EDiagnostic::kErrorStream, "%s", text);
         return kOpenRefused;
     } catch (...) {
         m_stream.Close();
-        output::ErrorStreamLine("An exception occurred");
+        m_diagnostics.Tell(EDiagnostic::kErrorStream, "An exception occurred");
         return kOpenException;
     }
 }
@@ -79,20 +79,21 @@ unsigned CTraceDocument::OpenTrace(const CKSTLString& name, bool useMemory) {
 unsigned CTraceDocument::Load(const CKSTLString& name) {
     SetStage("Reading File", 0);
     m_fileName = name;
-    output::Message(m_noMemory ? "Opening Trace file (noMemory): %s" : "Opening Trace file: %s",
-                    name.c_str());
+    m_diagnostics.Tell(EDiagnostic::kMessage,
+                       m_noMemory ? "Opening Trace file (noMemory): %s" : "Opening Trace file: %s",
+                       name.c_str());
     if (!m_stream.Open(name, true)) return kOpenEmpty;
-    output::Message("Trace file open : %s", name.c_str());
+    m_diagnostics.Tell(EDiagnostic::kMessage, "Trace file open : %s", name.c_str());
     SetStage("File Read", 100);
     m_observers.Notify(kLoadProgressEvent, *this);
     progressValue = 0;
-    m_store = std::make_unique<CFrameStore>();
+    m_store = std::make_unique<CFrameStore>(m_diagnostics);
     if (!ReadTraceStart()) {
         m_stream.Close();
         m_store.reset();
         return kOpenRefused;
     }
-    output::Message("Processing File....");
+    m_diagnostics.Tell(EDiagnostic::kMessage, "Processing File....");
     m_reader.emplace(&m_stream, m_version, m_dataFlag, m_typeSizes.data(),
                      static_cast<std::int8_t>(m_typeCount), m_store->CallMemory());
     if (m_noMemory) m_store->StreamFrom(this);
@@ -103,9 +104,10 @@ unsigned CTraceDocument::Load(const CKSTLString& name) {
     const unsigned errors = LoadRecords();
     m_store->Edits().MarkCalls(*m_store);
     if (errors != 0) {
-        output::Message("Processing File... Done with Errors:%d", static_cast<int>(errors));
+        m_diagnostics.Tell(EDiagnostic::kMessage, "Processing File... Done with Errors:%d",
+                           static_cast<int>(errors));
     } else {
-        output::Message("Processing File... Done");
+        m_diagnostics.Tell(EDiagnostic::kMessage, "Processing File... Done");
     }
     m_stream.Close();
     SetStage(errors != 0 ? "Trace Error" : "Trace Processed", 100);
@@ -206,7 +208,8 @@ void CTraceDocument::TakeThread(SRecordLoop& loop) {
     // Kept: the low halves, and nothing differs from 0; readers match the warning.
     if (loop.thread != 0 && loop.thread != thread) {
         if (!m_multiThread) {
-            output::Message(
+            m_diagnostics.Tell(
+                EDiagnostic::kMessage,
                 "Multiple Thread detected. Kestrail doesn't support Multi-Context trace in "
                 "playback.");
         }

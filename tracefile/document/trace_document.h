@@ -8,6 +8,7 @@
 #include <optional>
 #include <vector>
 
+#include "base/diagnostics.h"
 #include "base/kstl_string.h"
 #include "calls/model/api_call.h"
 #include "tracefile/bytes/io_manager.h"
@@ -31,7 +32,8 @@ public:
     /// The player's.
     static CTraceDocument* Instance();
 
-    CTraceDocument() = default;
+    /// What is found in the file is told to `diagnostics`.
+    explicit CTraceDocument(Diagnostics& diagnostics) : m_diagnostics(diagnostics) {}
     ~CTraceDocument() = default;
     CTraceDocument(const CTraceDocument&) = delete;
     CTraceDocument& operator=(const CTraceDocument&) = delete;
@@ -96,6 +98,7 @@ private:
 
     static constexpr std::uint64_t kNoFooter = ~std::uint64_t{0};
 
+    Diagnostics& m_diagnostics;
     CLoadObservers m_observers;
     /// There while a trace is open.
     std::optional<CTrace> m_reader;

@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <cstring>
 
-#include "base/output.h"
 #include "tracefile/bytes/typed_reads.h"
 #include "tracefile/document/trace_document.h"
 
@@ -33,25 +32,26 @@ bool CTraceDocument::ReadFileHeader() {
     m_stream.Read(magic, sizeof(magic), true);
     if (std::memcmp(magic, kMagic, sizeof(kMagic)) != 0) {
         // Kept: this and the refusals below end in an empty line; readers match it.
-        output::Error("Unrecognized file type.\n");
+        m_diagnostics.Tell(EDiagnostic::kError, "Unrecognized file type.\n");
         return false;
     }
     const std::uint32_t order = ReadUInt32(m_stream, 0, true);
     m_byteSwapped = order == kOtherByteOrder;
     // Kept: the other order passes and isn't swapped; such recordings end as damaged ones.
     if (order != kByteOrder && order != kOtherByteOrder) {
-        output::Error("Unsupported trace endianness.\n");
+        m_diagnostics.Tell(EDiagnostic::kError, "Unsupported trace endianness.\n");
         return false;
     }
     m_version = ReadUInt32(m_stream, 0, true);
     if (m_version < kOldestVersion) {
-        output::Error("Unsupported file format version...\n");
+        m_diagnostics.Tell(EDiagnostic::kError, "Unsupported file format version...\n");
         return false;
     }
     const std::uint8_t dataFlag = ReadBool(m_stream, 1, true);
     m_dataFlag = dataFlag == 1;
     if (!m_dataFlag) {
-        output::Error("Trace file was recorded with no data, unable to replay.\n");
+        m_diagnostics.Tell(EDiagnostic::kError,
+                           "Trace file was recorded with no data, unable to replay.\n");
         return false;
     }
     m_secondFlag = false;
@@ -113,11 +113,13 @@ void CTraceDocument::ReadFooter() {
     m_stream.Seek(kFooterSize, SEEK_END);
     if (ReadInt8(m_stream, 0, true) != kFirstMark) {
         // Kept: spelled like that twice, and the footer loads as a record; readers match the lines.
-        output::Message("The footer is currupted, no valid Render State Data.");
+        m_diagnostics.Tell(EDiagnostic::kMessage,
+                           "The footer is currupted, no valid Render State Data.");
         return backToRecords();
     }
     if (ReadInt8(m_stream, 0, true) != kSecondMark) {
-        output::Message("The footer is currupted (Check 2), no valid Render State Data.");
+        m_diagnostics.Tell(EDiagnostic::kMessage,
+                           "The footer is currupted (Check 2), no valid Render State Data.");
         return backToRecords();
     }
     m_stateOffset = ReadUInt64(m_stream, 0, true);
