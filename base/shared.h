@@ -25,11 +25,14 @@ public:
 
     const T& operator*() const { return m_node != nullptr ? m_node->value : Default(); }
     const T* operator->() const { return &**this; }
+    /// A copy, which shares nothing with values that were never written.
+    T Copy() const { return m_node != nullptr ? m_node->value : T{}; }
 
     /// The value to change. References that were read before it may be those of another owner now.
     T& Write() {
         if (m_node == nullptr) {
-            m_node = new SNode{Default()};
+            // Not a copy of the default: what that shares is counted, by whatever thread.
+            m_node = new SNode{T{}};
         } else if (m_node->owners > 1) {
             SNode* copy = new SNode{m_node->value};
             --m_node->owners;

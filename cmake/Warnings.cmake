@@ -11,10 +11,13 @@ if(CMAKE_CXX_COMPILER_ID MATCHES Clang)
   target_compile_options(kestrail_options INTERFACE -Wno-sign-conversion)
 endif()
 if(KESTRAIL_SANITIZE)
-  target_compile_options(
-    kestrail_options INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=undefined
-                               -fno-omit-frame-pointer)
-  target_link_options(kestrail_options INTERFACE -fsanitize=address,undefined)
+  if(KESTRAIL_SANITIZE STREQUAL thread)
+    set(sanitizers -fsanitize=thread)
+  else()
+    set(sanitizers -fsanitize=address,undefined -fno-sanitize-recover=undefined)
+  endif()
+  target_compile_options(kestrail_options INTERFACE ${sanitizers} -fno-omit-frame-pointer)
+  target_link_options(kestrail_options INTERFACE ${sanitizers})
   if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
     # Instrumented, the standard library's own headers look as if they used what is not initialised.
     target_compile_options(kestrail_options INTERFACE -Wno-maybe-uninitialized)

@@ -26,7 +26,8 @@ void CFrameStore::BeginFrame() {
     m_lastFound = 0;
     m_secondFlag = false;
     m_hasStateBlock = false;
-    m_state = {};
+    // Made here, so that all states of the trace share what no call sets.
+    m_state = {TShared(CEglState{}), TShared(CEs1State{}), TShared(CEs2State{}), nullptr};
     m_keptStates.clear();
     m_asked = {};
     m_firstBehindState = 0;
@@ -165,19 +166,19 @@ const SFrameState& CFrameStore::StateOfFrame(std::uint32_t frame) const {
 
 bool CFrameStore::GetEglStateOfFrame(std::uint32_t frame, CEglState& out) const {
     if (GetFrameRecord(frame) == nullptr) return false;
-    out = *StateOfFrame(frame).egl;
+    out = StateOfFrame(frame).egl.Copy();
     return true;
 }
 
 bool CFrameStore::GetEs1StateOfFrame(std::uint32_t frame, CEs1State& out) const {
     if (!m_es1Used || GetFrameRecord(frame) == nullptr) return false;
-    out = *StateOfFrame(frame).es1;
+    out = StateOfFrame(frame).es1.Copy();
     return true;
 }
 
 bool CFrameStore::GetEs2StateOfFrame(std::uint32_t frame, CEs2State& out) const {
     if (!m_es2Used || GetFrameRecord(frame) == nullptr) return false;
-    out = *StateOfFrame(frame).es2;
+    out = StateOfFrame(frame).es2.Copy();
     return true;
 }
 
