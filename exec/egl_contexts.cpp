@@ -30,7 +30,7 @@ EPlayed PlayEglBindAPI(SEglPlay& c) {
 EPlayed PlayEglCreateContext(SEglPlay& c) {
     if (!MakesContexts(c.names.BoundApi())) return EPlayed::kFailed;
     const EGLDisplay display = LiveDisplay(c);
-    const EGLConfig config = FindEglConfig(c.names, display, c.Value<TuintType<4>>(1),
+    const EGLConfig config = FindEglConfig(c.names, display, c.Value<TEGLConfig>(1),
                                            c.At<SEglAttribList>(4).GetRawArray());
     const EGLContext shared = c.names.GetContext(display, c.Value<TEGLContext>(2));
     Initialize(c, display);

@@ -65,7 +65,7 @@ EPlayed PlayEglCreatePbufferFromClientBuffer(SEglPlay&) {
 EPlayed PlayEglCreatePbufferSurface(SEglPlay& c) {
     const EGLDisplay display = LiveDisplay(c);
     // Kept: by a list that no recording holds: a config found before, or none.
-    const EGLConfig config = FindEglConfig(c.names, display, c.Value<TuintType<4>>(1),
+    const EGLConfig config = FindEglConfig(c.names, display, c.Value<TEGLConfig>(1),
                                            c.At<SEglAttribList>(3).GetRawArray());
     const EGLSurface surface =
         c.host.eglCreatePbufferSurface(display, config, c.At<SEglAttribList>(2).GetRawArray());
@@ -80,7 +80,7 @@ EPlayed PlayEglCreateWindowSurface(SEglPlay& c) {
     const std::uint32_t recorded = c.Returned<TEGLSurface>();
     if (c.names.GetSurface(display, recorded) != EGL_NO_SURFACE) return EPlayed::kLeftOut;
 
-    const EGLConfig config = FindEglConfig(c.names, display, c.Value<TuintType<4>>(1),
+    const EGLConfig config = FindEglConfig(c.names, display, c.Value<TEGLConfig>(1),
                                            c.At<SEglAttribList>(4).GetRawArray());
     const auto& window = c.At<SEglNativeWindowDesc>(2);
     const NativeWindow native = c.player.environment.GetWindow(
@@ -140,7 +140,7 @@ EPlayed PlayEglSwapBuffers(SEglPlay& c) {
 EPlayed PlayEglSwapInterval(SEglPlay& c) {
     // With `sync`, the interval of 0 that was set with the context stays.
     if (c.player.sync) return EPlayed::kPlayed;
-    c.host.eglSwapInterval(LiveDisplay(c), c.Value<TintType<1>>(1));
+    c.host.eglSwapInterval(LiveDisplay(c), c.Value<TEGLint>(1));
     return EPlayed::kPlayed;
 }
 

@@ -26,8 +26,8 @@ bool PointArrays(SEs1Play& c, CEs1ClientArrays& arrays, SVertices vertices) {
 }  // namespace
 
 EPlayed PlayGlDrawArrays(SEs1Play& c) {
-    const GLint first = c.Value<TintType<17>>(1);
-    const GLsizei count = c.Value<TintType<18>>(2);
+    const GLint first = c.Value<TGLint>(1);
+    const GLsizei count = c.Value<TGLsizei>(2);
     const SVertices vertices{std::max<std::int64_t>(std::int64_t{first} + count, 0)};
     // Kept: spelled like that; readers match it.
     CEs1ClientArrays arrays(c, c.At<CapturedArrays>(3), c.At<CapturedIndices>(4), vertices,
@@ -40,7 +40,7 @@ EPlayed PlayGlDrawArrays(SEs1Play& c) {
 
 EPlayed PlayGlDrawElements(SEs1Play& c) {
     constexpr GLenum kElementBufferBinding = 34965;
-    const GLsizei count = c.Value<TintType<18>>(1);
+    const GLsizei count = c.Value<TGLsizei>(1);
     const GLenum type = c.Value<TGLenum>(2);
     const bool elementBuffer = Integer(c.host, kElementBufferBinding) != 0;
     const SDrawIndices indices =

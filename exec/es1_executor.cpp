@@ -25,7 +25,7 @@ bool PlayEs1Call(SPlayerState& player, CCallEntry& entry) {
 }
 
 EPlayed PlayGlDeleteBuffers(SEs1Play& c) {
-    const GLsizei count = c.Value<TintType<18>>(0);
+    const GLsizei count = c.Value<TGLsizei>(0);
     const auto& recorded = c.At<SNameArray>(1);
     if (recorded.ItemCount() < std::int64_t{count}) return EPlayed::kFailed;
     // Kept: one call a name, and translations stay for later binds; tools compare host calls.
@@ -46,15 +46,15 @@ EPlayed PlayGlTexImage2D(SEs1Play& c) {
 
 EPlayed PlayGlPointSizePointerOES(SEs1Play& c) {
     EnsureExtensionResolver(c.names);
-    c.host.glPointSizePointerOES(c.Value<TGLenum>(0), c.Value<TintType<18>>(1),
+    c.host.glPointSizePointerOES(c.Value<TGLenum>(0), c.Value<TGLsizei>(1),
                                  AsPointer(c.Value<TPointer>(3)));
     return EPlayed::kPlayed;
 }
 
 // Kept: played, which ES2's is not; drivers finish the frame for it.
 EPlayed PlayGlReadPixels(SEs1Play& c) {
-    const GLsizei width = c.Value<TintType<18>>(2);
-    const GLsizei height = c.Value<TintType<18>>(3);
+    const GLsizei width = c.Value<TGLsizei>(2);
+    const GLsizei height = c.Value<TGLsizei>(3);
     const GLenum format = c.Value<TGLenum>(4);
     const GLenum type = c.Value<TGLenum>(5);
     auto& pixels = c.At<SDataPtr>(6);
@@ -64,30 +64,30 @@ EPlayed PlayGlReadPixels(SEs1Play& c) {
     if (pixels.GetSize() < ImageBytes(format, type, width, height, store.Packing())) {
         return EPlayed::kFailed;
     }
-    c.host.glReadPixels(c.Value<TintType<17>>(0), c.Value<TintType<17>>(1), width, height, format,
-                        type, pixels.GetData());
+    c.host.glReadPixels(c.Value<TGLint>(0), c.Value<TGLint>(1), width, height, format, type,
+                        pixels.GetData());
     return EPlayed::kPlayed;
 }
 
 EPlayed PlayGlTexSubImage2D(SEs1Play& c) {
     // Whatever error is pending is not this call's.
     c.player.lastError = c.host.glGetError();
-    const GLsizei width = c.Value<TintType<18>>(4);
-    const GLsizei height = c.Value<TintType<18>>(5);
+    const GLsizei width = c.Value<TGLsizei>(4);
+    const GLsizei height = c.Value<TGLsizei>(5);
     const GLenum format = c.Value<TGLenum>(6);
     const GLenum type = c.Value<TGLenum>(7);
     const SHostData pixels = HostData(
         c.At<SImage2D>(8), ImageBytes(format, type, width, height, c.Pixels()), false, false);
     if (!pixels.sound) return EPlayed::kFailed;
-    c.host.glTexSubImage2D(c.Value<TGLenum>(0), c.Value<TintType<17>>(1), c.Value<TintType<17>>(2),
-                           c.Value<TintType<17>>(3), width, height, format, type, pixels.pointer);
+    c.host.glTexSubImage2D(c.Value<TGLenum>(0), c.Value<TGLint>(1), c.Value<TGLint>(2),
+                           c.Value<TGLint>(3), width, height, format, type, pixels.pointer);
     return EPlayed::kPlayed;
 }
 
 EPlayed PlayGlVertexPointer(SEs1Play& c) {
     // Kept: both looks are for nothing but to drop an error; drivers hold one until asked.
     CheckEs1Error(c.player);
-    c.host.glVertexPointer(c.Value<TintType<17>>(0), c.Value<TGLenum>(1), c.Value<TintType<18>>(2),
+    c.host.glVertexPointer(c.Value<TGLint>(0), c.Value<TGLenum>(1), c.Value<TGLsizei>(2),
                            AsPointer(c.Value<TPointer>(4)));
     CheckEs1Error(c.player);
     return EPlayed::kPlayed;
@@ -95,8 +95,8 @@ EPlayed PlayGlVertexPointer(SEs1Play& c) {
 
 EPlayed PlayGlViewport(SEs1Play& c) {
     c.names.ViewportDirty() = true;
-    c.host.glViewport(c.Value<TintType<17>>(0), c.Value<TintType<17>>(1), c.Value<TintType<18>>(2),
-                      c.Value<TintType<18>>(3));
+    c.host.glViewport(c.Value<TGLint>(0), c.Value<TGLint>(1), c.Value<TGLsizei>(2),
+                      c.Value<TGLsizei>(3));
     return EPlayed::kPlayed;
 }
 

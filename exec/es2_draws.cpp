@@ -6,8 +6,8 @@
 namespace kestrail {
 
 EPlayed PlayGlDrawArrays(SEs2Play& c) {
-    const GLint first = c.Value<TintType<17>>(1);
-    const GLsizei count = c.Value<TintType<18>>(2);
+    const GLint first = c.Value<TGLint>(1);
+    const GLsizei count = c.Value<TGLsizei>(2);
     CorrectViewport(c.player, c.names.ViewportDirty(), c.host);
     const GLuint arrayBuffer = BoundBuffer(c.host, GL_ARRAY_BUFFER_BINDING);
     // Kept: drops an error, which drivers hold until they are asked.
@@ -25,7 +25,7 @@ EPlayed PlayGlDrawArrays(SEs2Play& c) {
 EPlayed PlayGlDrawElements(SEs2Play& c) {
     const SIndexedDraw indexed{c.At<SDataPtr>(3),
                                c.Value<TPointer>(4),
-                               c.Value<TintType<18>>(1),
+                               c.Value<TGLsizei>(1),
                                c.Value<TGLenum>(2),
                                c.At<CapturedArrays>(5),
                                c.At<CapturedIndices>(6),

@@ -12,14 +12,14 @@ constexpr GLenum kPixelUnpackBuffer = 0x88EC;
 EPlayed PlayGlBindBuffer(SEs2Play& c) {
     const GLenum target = c.Value<TGLenum>(0);
     const GLuint live =
-        LiveOrGenerated(c.names.Buffers(), c.Value<TuintType<21>>(1), c.host.glGenBuffers);
+        LiveOrGenerated(c.names.Buffers(), c.Value<TGLuint>(1), c.host.glGenBuffers);
     c.host.glBindBuffer(target, live);
     if (target == kPixelUnpackBuffer) c.Pixels().unpackBuffer = live;
     return EPlayed::kPlayed;
 }
 
 EPlayed PlayGlDeleteBuffers(SEs2Play& c) {
-    const GLsizei count = c.Value<TintType<18>>(0);
+    const GLsizei count = c.Value<TGLsizei>(0);
     const auto& recorded = c.At<SNameArray>(1);
     // A deleted buffer is no longer bound.
     std::uint32_t& unpackBuffer = c.Pixels().unpackBuffer;
@@ -31,7 +31,7 @@ EPlayed PlayGlDeleteBuffers(SEs2Play& c) {
 
 EPlayed PlayGlBindFramebuffer(SEs2Play& c) {
     constexpr std::uint32_t kSurface = 0xFFFFFFFFu;
-    const std::uint32_t recorded = c.Value<TuintType<21>>(1);
+    const std::uint32_t recorded = c.Value<TGLuint>(1);
     const GLuint live = recorded == kSurface ? c.player.defaultFramebuffer
                                              : LiveOrGenerated(c.names.Framebuffers(), recorded,
                                                                c.host.glGenFramebuffers);
@@ -58,8 +58,8 @@ EPlayed PlayGlTexImage2D(SEs2Play& c) {
 
 EPlayed PlayGlViewport(SEs2Play& c) {
     c.names.ViewportDirty() = true;
-    c.host.glViewport(c.Value<TintType<17>>(0), c.Value<TintType<17>>(1), c.Value<TintType<18>>(2),
-                      c.Value<TintType<18>>(3));
+    c.host.glViewport(c.Value<TGLint>(0), c.Value<TGLint>(1), c.Value<TGLsizei>(2),
+                      c.Value<TGLsizei>(3));
     return EPlayed::kPlayed;
 }
 

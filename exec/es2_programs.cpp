@@ -8,14 +8,14 @@
 namespace kestrail {
 
 EPlayed PlayGlCreateProgram(SEs2Play& c) {
-    const std::uint32_t recorded = c.Returned<TuintType<21>>();
+    const std::uint32_t recorded = c.Returned<TGLuint>();
     if (c.names.GetProgramRecord(recorded) != nullptr) return EPlayed::kFailed;
     c.names.SetProgram(recorded, c.host.glCreateProgram());
     return EPlayed::kPlayed;
 }
 
 EPlayed PlayGlCreateShader(SEs2Play& c) {
-    const std::uint32_t recorded = c.Returned<TuintType<21>>();
+    const std::uint32_t recorded = c.Returned<TGLuint>();
     const GLenum type = c.Value<TGLenum>(0);
     if (c.names.GetShaderRecord(recorded) != nullptr) return EPlayed::kFailed;
     c.names.SetShader(recorded, c.host.glCreateShader(type), type);
@@ -23,7 +23,7 @@ EPlayed PlayGlCreateShader(SEs2Play& c) {
 }
 
 EPlayed PlayGlDeleteProgram(SEs2Play& c) {
-    const std::uint32_t recorded = c.Value<TuintType<21>>(0);
+    const std::uint32_t recorded = c.Value<TGLuint>(0);
     const SProgramRecord* program = c.names.GetProgramRecord(recorded);
     if (program == nullptr) return EPlayed::kFailed;
     c.host.glDeleteProgram(program->liveName);
@@ -32,7 +32,7 @@ EPlayed PlayGlDeleteProgram(SEs2Play& c) {
 }
 
 EPlayed PlayGlDeleteShader(SEs2Play& c) {
-    const std::uint32_t recorded = c.Value<TuintType<21>>(0);
+    const std::uint32_t recorded = c.Value<TGLuint>(0);
     SShaderRecord* shader = c.names.GetShaderRecord(recorded);
     if (shader == nullptr) return EPlayed::kFailed;
     const GLuint live = shader->liveName;
@@ -46,8 +46,8 @@ EPlayed PlayGlDeleteShader(SEs2Play& c) {
 }
 
 EPlayed PlayGlAttachShader(SEs2Play& c) {
-    const std::uint32_t recordedProgram = c.Value<TuintType<21>>(0);
-    const std::uint32_t recordedShader = c.Value<TuintType<21>>(1);
+    const std::uint32_t recordedProgram = c.Value<TGLuint>(0);
+    const std::uint32_t recordedShader = c.Value<TGLuint>(1);
     const SProgramRecord* program = c.names.GetProgramRecord(recordedProgram);
     SShaderRecord* shader = c.names.GetShaderRecord(recordedShader);
     if (program == nullptr || shader == nullptr) return EPlayed::kFailed;
@@ -59,8 +59,8 @@ EPlayed PlayGlAttachShader(SEs2Play& c) {
 }
 
 EPlayed PlayGlDetachShader(SEs2Play& c) {
-    const std::uint32_t recordedShader = c.Value<TuintType<21>>(1);
-    const SProgramRecord* program = c.names.GetProgramRecord(c.Value<TuintType<21>>(0));
+    const std::uint32_t recordedShader = c.Value<TGLuint>(1);
+    const SProgramRecord* program = c.names.GetProgramRecord(c.Value<TGLuint>(0));
     const SShaderRecord* shader = c.names.GetShaderRecord(recordedShader);
     if (program == nullptr || shader == nullptr) return EPlayed::kFailed;
     c.host.glDetachShader(program->liveName, shader->liveName);
@@ -70,24 +70,24 @@ EPlayed PlayGlDetachShader(SEs2Play& c) {
 }
 
 EPlayed PlayGlGetAttribLocation(SEs2Play& c) {
-    const SProgramRecord* program = c.names.GetProgramRecord(c.Value<TuintType<21>>(0));
+    const SProgramRecord* program = c.names.GetProgramRecord(c.Value<TGLuint>(0));
     if (program == nullptr) return EPlayed::kFailed;
     const GLint live = c.host.glGetAttribLocation(program->liveName, c.At<SString>(1).GetCString());
-    if (live != -1) c.names.SetAttribLocation(program->liveName, c.Returned<TintType<17>>(), live);
+    if (live != -1) c.names.SetAttribLocation(program->liveName, c.Returned<TGLint>(), live);
     return EPlayed::kPlayed;
 }
 
 EPlayed PlayGlGetUniformLocation(SEs2Play& c) {
-    const SProgramRecord* program = c.names.GetProgramRecord(c.Value<TuintType<21>>(0));
+    const SProgramRecord* program = c.names.GetProgramRecord(c.Value<TGLuint>(0));
     if (program == nullptr) return EPlayed::kFailed;
     const GLint live =
         c.host.glGetUniformLocation(program->liveName, c.At<SString>(1).GetCString());
-    if (live != -1) c.names.SetUniformLocation(program->liveName, c.Returned<TintType<17>>(), live);
+    if (live != -1) c.names.SetUniformLocation(program->liveName, c.Returned<TGLint>(), live);
     return EPlayed::kPlayed;
 }
 
 EPlayed PlayGlGetProgramiv(SEs2Play& c) {
-    const SProgramRecord* program = c.names.GetProgramRecord(c.Value<TuintType<21>>(0));
+    const SProgramRecord* program = c.names.GetProgramRecord(c.Value<TGLuint>(0));
     if (program == nullptr) return EPlayed::kFailed;
     // Kept: asked though nobody takes the answer; drivers finish a link when asked.
     GLint answer[16] = {};
@@ -97,7 +97,7 @@ EPlayed PlayGlGetProgramiv(SEs2Play& c) {
 
 EPlayed PlayGlLinkProgram(SEs2Play& c) {
     constexpr GLsizei kLogSize = 400;
-    const SProgramRecord* program = c.names.GetProgramRecord(c.Value<TuintType<21>>(0));
+    const SProgramRecord* program = c.names.GetProgramRecord(c.Value<TGLuint>(0));
     if (program == nullptr) return EPlayed::kFailed;
     const GLuint live = program->liveName;
     c.host.glLinkProgram(live);
@@ -129,9 +129,9 @@ EPlayed PlayGlReleaseShaderCompiler(SEs2Play& c) {
 }
 
 EPlayed PlayGlShaderBinary(SEs2Play& c) {
-    const GLsizei count = c.Value<TintType<18>>(0);
+    const GLsizei count = c.Value<TGLsizei>(0);
     const auto& recorded = c.At<SNameArray>(1);
-    const GLsizei length = c.Value<TintType<18>>(4);
+    const GLsizei length = c.Value<TGLsizei>(4);
     const SHostData binary = HostData(c.At<SDataPtr>(3), length, false, false);
     if (recorded.ItemCount() < std::int64_t{count} || !binary.sound) return EPlayed::kFailed;
     CLiveNames live(count);
@@ -146,7 +146,7 @@ EPlayed PlayGlShaderBinary(SEs2Play& c) {
 }
 
 EPlayed PlayGlShaderSource(SEs2Play& c) {
-    const SShaderRecord* shader = c.names.GetShaderRecord(c.Value<TuintType<21>>(0));
+    const SShaderRecord* shader = c.names.GetShaderRecord(c.Value<TGLuint>(0));
     if (shader == nullptr) return EPlayed::kFailed;
     const auto& source = c.At<SString>(4);
     const GLchar* text = source.GetCString();
@@ -169,7 +169,7 @@ EPlayed PlayGlShaderSource(SEs2Play& c) {
 }
 
 EPlayed PlayGlUseProgram(SEs2Play& c) {
-    const SProgramRecord* program = c.names.GetProgramRecord(c.Value<TuintType<21>>(0));
+    const SProgramRecord* program = c.names.GetProgramRecord(c.Value<TGLuint>(0));
     if (program == nullptr) return EPlayed::kFailed;
     const GLuint live = program->liveName;
     c.host.glUseProgram(live);

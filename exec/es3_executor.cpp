@@ -51,22 +51,22 @@ EPlayed PlayGlDrawRangeElements(SEs3Play& c) {
     const auto& indices = c.At<SDataPtr>(5);
     const SIndexedDraw indexed{indices,
                                indices.pointer.GetValue(),
-                               c.Value<TintType<18>>(3),
+                               c.Value<TGLsizei>(3),
                                c.Value<TGLenum>(4),
                                g_noArrays,
                                kNoIndices,
                                {},
-                               c.Value<TuintType<21>>(2)};
+                               c.Value<TGLuint>(2)};
     return DrawIndexed(c, indexed, [&](const void* pointer) {
-        c.host.glDrawRangeElements(c.Value<TGLBeginMode>(0), c.Value<TuintType<21>>(1),
-                                   c.Value<TuintType<21>>(2), indexed.count, indexed.type, pointer);
+        c.host.glDrawRangeElements(c.Value<TGLBeginMode>(0), c.Value<TGLuint>(1),
+                                   c.Value<TGLuint>(2), indexed.count, indexed.type, pointer);
     });
 }
 
 EPlayed PlayGlDrawArraysInstanced(SEs3Play& c) {
-    const GLint first = c.Value<TintType<17>>(1);
-    const GLsizei count = c.Value<TintType<18>>(2);
-    const GLsizei instances = c.Value<TintType<18>>(3);
+    const GLint first = c.Value<TGLint>(1);
+    const GLsizei count = c.Value<TGLsizei>(2);
+    const GLsizei instances = c.Value<TGLsizei>(3);
     // The arrays stay as they are; only, the host must not follow one further than it reaches.
     const SVertices vertices{std::max<std::int64_t>(std::int64_t{first} + count, 0)};
     TClientArrays<SEs3Play> arrays(c, g_noArrays, kNoIndices, vertices);
@@ -77,20 +77,20 @@ EPlayed PlayGlDrawArraysInstanced(SEs3Play& c) {
 }
 
 EPlayed PlayGlDrawElementsInstanced(SEs3Play& c) {
-    const SIndexedDraw indexed{
-        c.At<SDataPtr>(4), c.Value<TPointer>(5), c.Value<TintType<18>>(1), c.Value<TGLenum>(2),
-        g_noArrays,        kNoIndices,           c.Value<TintType<18>>(3)};
+    const SIndexedDraw indexed{c.At<SDataPtr>(4),   c.Value<TPointer>(5), c.Value<TGLsizei>(1),
+                               c.Value<TGLenum>(2), g_noArrays,           kNoIndices,
+                               c.Value<TGLsizei>(3)};
     return DrawIndexed(c, indexed, [&](const void* pointer) {
         c.host.glDrawElementsInstanced(c.Value<TGLBeginMode>(0), indexed.count, indexed.type,
-                                       pointer, c.Value<TintType<18>>(3));
+                                       pointer, c.Value<TGLsizei>(3));
     });
 }
 
 EPlayed PlayGlMapBufferRange(SEs3Play& c) {
-    const GLsizeiptr length = c.Value<TintType<26>>(2);
+    const GLsizeiptr length = c.Value<TGLsizeiptr>(2);
     const GLbitfield access = c.Value<TGLbitfield>(3);
     const void* const mapped =
-        c.host.glMapBufferRange(c.Value<TGLenum>(0), c.Value<TintType<25>>(1), length, access);
+        c.host.glMapBufferRange(c.Value<TGLenum>(0), c.Value<TGLintptr>(1), length, access);
     if (mapped != nullptr) {
         const bool written = (access & GL_MAP_WRITE_BIT) != 0;
         c.player.eglNames.Mapped()[mapped] = written ? length : 0;
@@ -111,13 +111,13 @@ EPlayed PlayGlDeleteSync(SEs3Play& c) {
 }
 
 EPlayed PlayGlClientWaitSync(SEs3Play& c) {
-    c.host.glClientWaitSync(LiveSync(c), c.Value<TGLbitfield>(1), c.Value<TuintType<31>>(2));
+    c.host.glClientWaitSync(LiveSync(c), c.Value<TGLbitfield>(1), c.Value<TGLuint64>(2));
     return EPlayed::kPlayed;
 }
 
 EPlayed PlayGlWaitSync(SEs3Play& c) {
     // Kept: 32 of 64 recorded bits, which drivers may refuse; tools compare host calls.
-    c.host.glWaitSync(LiveSync(c), c.Value<TGLbitfield>(1), c.Value<TuintType<31>>(2));
+    c.host.glWaitSync(LiveSync(c), c.Value<TGLbitfield>(1), c.Value<TGLuint64>(2));
     return EPlayed::kPlayed;
 }
 

@@ -42,13 +42,13 @@ GLsizei SupportedSamples(GLsizei requested, const char* caller) {
 }
 
 GLsizei StorageSamples(const CGenCallInfo& info) {
-    const auto& samples = static_cast<TintType<18>&>(*(*info.GetParameters())[1]);
+    const auto& samples = static_cast<TGLsizei&>(*(*info.GetParameters())[1]);
     // Kept: with the prefix that its relative hasn't; readers match it.
     return SupportedSamples(samples.GetValue(), "ID_EXT_glRenderbufferStorageMultisampleQVA");
 }
 
 GLsizei TextureSamples(const CGenCallInfo& info) {
-    const auto& samples = static_cast<TintType<18>&>(*(*info.GetParameters())[5]);
+    const auto& samples = static_cast<TGLsizei&>(*(*info.GetParameters())[5]);
     return SupportedSamples(samples.GetValue(), "glFramebufferTexture2DMultisampleQVA");
 }
 
@@ -80,7 +80,7 @@ EPlayed PlayGlBindRenderbufferOES(SEs1Play& c) {
     if (c.host.glBindRenderbufferOES == nullptr) return EPlayed::kMissing;
     // Kept: an unknown name is made through ES2; tools compare host calls.
     const GLuint live = LiveOrGenerated(
-        c.names.Renderbuffers(), c.Value<TuintType<21>>(1),
+        c.names.Renderbuffers(), c.Value<TGLuint>(1),
         [](GLsizei count, GLuint* names) { GetEs2Host()->glGenRenderbuffers(count, names); });
     c.host.glBindRenderbufferOES(c.Value<TGLenum>(0), live);
     return EPlayed::kPlayed;
@@ -90,7 +90,7 @@ EPlayed PlayGlRenderbufferStorageMultisampleQVA(SEs2Play& c) {
     const GLsizei samples = StorageSamples(c.info);
     if (c.host.glRenderbufferStorageMultisampleQVA == nullptr) return EPlayed::kMissing;
     c.host.glRenderbufferStorageMultisampleQVA(c.Value<TGLenum>(0), samples, c.Value<TGLenum>(2),
-                                               c.Value<TintType<18>>(3), c.Value<TintType<18>>(4));
+                                               c.Value<TGLsizei>(3), c.Value<TGLsizei>(4));
     return EPlayed::kPlayed;
 }
 
@@ -99,7 +99,7 @@ EPlayed PlayGlFramebufferTexture2DMultisampleQVA(SEs2Play& c) {
     if (c.host.glFramebufferTexture2DMultisampleQVA == nullptr) return EPlayed::kMissing;
     c.host.glFramebufferTexture2DMultisampleQVA(
         c.Value<TGLenum>(0), c.Value<TGLenum>(1), c.Value<TGLenum>(2),
-        c.names.Textures().Get(c.Value<TuintType<21>>(3)), c.Value<TintType<17>>(4), samples);
+        c.names.Textures().Get(c.Value<TGLuint>(3)), c.Value<TGLint>(4), samples);
     return EPlayed::kPlayed;
 }
 

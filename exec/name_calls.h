@@ -11,7 +11,7 @@
 
 namespace kestrail {
 
-using SNameArray = SArrayPtr<TuintType<21>, 1, 1>;
+using SNameArray = SArrayPtr<TGLuint, 1, 1>;
 
 /// Room for the live names of one call, without an allocation for the usual few.
 class CLiveNames {

@@ -113,7 +113,7 @@ public:
 
     TGLError m_extError;
     /// The API that was current: 1 is ES1, 2 is ES2, anything else counts as EGL.
-    TuintType<19> m_api;
+    TGLubyte m_api;
 
 protected:
     explicit CExtCall(CTrace& trace);

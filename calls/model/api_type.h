@@ -114,6 +114,26 @@ public:
     void AppendText(TextWriter& out) const override { out.AppendFixed(this->value); }
 };
 
+// The values that print as plain numbers, by the type that they were recorded as. Those of 64 bits
+// keep their lower 32.
+using TEGLint = TintType<1>;
+using TEGLConfig = TuintType<4>;
+using TEGLClientBuffer = TuintType<8>;
+using TEGLNativePixmapType = TuintType<10>;
+using TEGLNativeWindowType = TuintType<11>;
+using TGLint = TintType<17>;
+using TGLsizei = TintType<18>;
+using TGLubyte = TuintType<19>;
+using TGLuint = TuintType<21>;
+using TGLfloat = TfloatType<22>;
+using TGLclampf = TfloatType<23>;
+using TGLintptr = TintType<25>;
+using TGLsizeiptr = TintType<26>;
+using TEGLImageKHR = TuintType<28>;
+using TGLeglImageOES = TuintType<29>;
+using TGLint64 = TuintType<30>;
+using TGLuint64 = TuintType<31>;
+
 /// A pointer as the recorded process saw it: a number, never dereferenced.
 class TPointer : public TuintType<0> {
 public:

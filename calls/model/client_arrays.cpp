@@ -13,14 +13,14 @@ void ReadClientArrays(CTrace& trace, std::uint32_t start, bool indexed,
 
     std::int64_t remaining = recordSize - kErrorSize - taken();
     const std::int64_t entrySize = trace.GetEsTypeSize(TPointer::kTag) + kCountSize;
-    const std::int64_t indexSize = indexed ? -trace.GetEsTypeSize(TintType<17>::kTag) : 0;
+    const std::int64_t indexSize = indexed ? -trace.GetEsTypeSize(TGLint::kTag) : 0;
     // The table's widths are signed, so that a damaged one can keep `remaining` from shrinking:
     // what was taken from the stream bounds the loop as well.
     std::int64_t before = -1;
     CObjectArena& memory = trace.CallMemory();
     while (remaining >= entrySize && taken() < recordSize && taken() > before) {
         before = taken();
-        TintType<17> index;
+        TGLint index;
         index.value = -1;
         if (indexed) trace >> index;
         SDataPtr& array = *arrays.items.Append(memory, std::in_place);

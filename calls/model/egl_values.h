@@ -9,7 +9,7 @@
 namespace kestrail {
 
 /// Pairs of name and value, closed by EGL_NONE; the count is that of all integers.
-class SEglAttribList : public SArrayPtr<TintType<1>, 1, 1> {
+class SEglAttribList : public SArrayPtr<TEGLint, 1, 1> {
 public:
     SEglAttribList() = default;
     /// Takes a list up to and including its EGL_NONE; null gives an empty list.
@@ -40,7 +40,7 @@ public:
 /// A recorded native window: its handle and its size in pixels.
 class SEglNativeWindowDesc : public SApiTypeBase {
 public:
-    TuintType<11> handle;
+    TEGLNativeWindowType handle;
     std::int32_t width = 0;
     std::int32_t height = 0;
 
@@ -52,7 +52,7 @@ public:
 /// pixmap of a trace has it, and every later one takes the same.
 class SEglNativePixmapDesc : public SApiTypeBase {
 public:
-    TuintType<10> handle;
+    TEGLNativePixmapType handle;
     CKSTLString data;
 
     void Read(CTrace& trace);

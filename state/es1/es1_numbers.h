@@ -29,10 +29,10 @@ inline float FixedValue(std::int32_t raw) {
     return static_cast<float>(whole);
 }
 
-inline float Number(const TfloatType<22>& value) {
+inline float Number(const TGLfloat& value) {
     return value.GetValue();
 }
-inline float Number(const TfloatType<23>& value) {
+inline float Number(const TGLclampf& value) {
     return value.GetValue();
 }
 inline float Number(const TGLfixed& value) {
@@ -51,7 +51,7 @@ struct SParameters {
     static SParameters Of(const Value& value) {
         return {{Number(value)}, 1};
     }
-    static SParameters Of(const SArrayPtr<TfloatType<22>, 1, 1>& array) {
+    static SParameters Of(const SArrayPtr<TGLfloat, 1, 1>& array) {
         return FromArray(array, [](float value) { return value; });
     }
     static SParameters Of(const SArrayPtr<TGLfixed, 1, 1>& array) {

@@ -130,7 +130,7 @@ bool CEs1_glColor4x_v1::UpdateState(CEs1State& state, SUpdates&) {
 }
 
 bool CEs1_glColor4ub_v1::UpdateState(CEs1State& state, SUpdates&) {
-    const auto part = [](const TuintType<19>& value) {
+    const auto part = [](const TGLubyte& value) {
         return static_cast<float>(value.GetValue()) / 255.0F;
     };
     state.currentColor = {part(red), part(green), part(blue), part(alpha)};

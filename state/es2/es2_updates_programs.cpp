@@ -66,13 +66,13 @@ template <>
 constexpr std::uint32_t kKindOf<float> = SUniformState::kFloat;
 
 template <typename T, std::uint32_t N>
-bool SetUniform(CEs2State& state, const TintType<17>& location, const T (&values)[N]) {
+bool SetUniform(CEs2State& state, const TGLint& location, const T (&values)[N]) {
     return StoreUniform(state, location.GetValue(), kKindOf<T>, static_cast<std::int32_t>(N),
                         values, N);
 }
 
 template <typename Array>
-bool SetUniformArray(CEs2State& state, const TintType<17>& location, const TintType<18>& count,
+bool SetUniformArray(CEs2State& state, const TGLint& location, const TGLsizei& count,
                      const Array& array, std::uint32_t kind) {
     const std::int32_t items = count.GetValue();
     if (items == 0) return true;
@@ -84,13 +84,13 @@ bool SetUniformArray(CEs2State& state, const TintType<17>& location, const TintT
 }
 
 template <typename Array>
-bool SetUniforms(CEs2State& state, const TintType<17>& location, const TintType<18>& count,
+bool SetUniforms(CEs2State& state, const TGLint& location, const TGLsizei& count,
                  const Array& array) {
     return SetUniformArray(state, location, count, array, kKindOf<typename Array::ValueType>);
 }
 
 template <typename Array>
-bool SetMatrices(CEs2State& state, const TintType<17>& location, const TintType<18>& count,
+bool SetMatrices(CEs2State& state, const TGLint& location, const TGLsizei& count,
                  const Array& array) {
     return SetUniformArray(state, location, count, array, SUniformState::kMatrix);
 }
@@ -113,13 +113,12 @@ bool StoreAttribute(CEs2State& state, std::uint32_t index, const float* values,
 }
 
 template <std::uint32_t N>
-bool SetAttribute(CEs2State& state, const TuintType<21>& index, const float (&values)[N]) {
+bool SetAttribute(CEs2State& state, const TGLuint& index, const float (&values)[N]) {
     return StoreAttribute(state, index.GetValue(), values, N);
 }
 
 template <unsigned N>
-bool SetAttribute(CEs2State& state, const TuintType<21>& index,
-                  const SPtr<TfloatType<22>, N, 1>& values) {
+bool SetAttribute(CEs2State& state, const TGLuint& index, const SPtr<TGLfloat, N, 1>& values) {
     return StoreAttribute(state, index.GetValue(), values.GetRawArray(), N);
 }
 

@@ -27,9 +27,9 @@ void ExpectTexts(const std::string& rows) {
 }
 
 TEST(ScalarText, EveryClass) {
-    ExpectTexts<TuintType<21>>("4294967295=4294967295=4294967295");
-    ExpectTexts<TintType<17>>("-2147483648=-2147483648=-2147483648");
-    ExpectTexts<TfloatType<22>>("-2=-2.000000=-2.000000");
+    ExpectTexts<TGLuint>("4294967295=4294967295=4294967295");
+    ExpectTexts<TGLint>("-2147483648=-2147483648=-2147483648");
+    ExpectTexts<TGLfloat>("-2=-2.000000=-2.000000");
     ExpectTexts<TPointer>("0=NULL=NULL; 0xABCDEF=0xabcdef=0xabcdef");
     // In single precision 2147483647 rounds up.
     ExpectTexts<TGLfixed>("-1=-0.000015=-0.000015; 2147483647=32768.000000=32768.000000");
@@ -107,7 +107,7 @@ TEST(Reading, BlocksKeepTheirBytesBehindANullPointer) {
 
 TEST(Reading, StringsAndArraysHaveNothingBehindANullPointer) {
     EXPECT_STREQ(ReadFrom<SString>(Record().String(0, "abc")).GetCString(), "");
-    const auto array = ReadFrom<SArrayPtr<TintType<17>, 3, 1>>(Record().ArrayHead(0, 5));
+    const auto array = ReadFrom<SArrayPtr<TGLint, 3, 1>>(Record().ArrayHead(0, 5));
     EXPECT_EQ(array.GetCount(), 5U);
     EXPECT_EQ(array.ItemCount(), 0U);
     EXPECT_EQ(array.GetRawArray(), nullptr);
@@ -115,7 +115,7 @@ TEST(Reading, StringsAndArraysHaveNothingBehindANullPointer) {
     EXPECT_EQ((ReadFrom<SArrayPtr<TGLenum, 1, 1>>(Record().ArrayHead(0x77, 0)).pointer.value), 0U);
     EXPECT_EQ((ReadFrom<SArrayPtr<SString, 1, 1>>(Record().ArrayHead(0x77, 0)).pointer.value), 0U);
     EXPECT_EQ((ReadFrom<SArrayPtr<SString, 1, 1>>(Record().ArrayHead(0, 4)).ElementCount()), 0U);
-    EXPECT_EQ((ShortText(ReadFrom<SPtr<TfloatType<22>, 4, 4>>(Record().Pointer(0)))), "NULL");
+    EXPECT_EQ((ShortText(ReadFrom<SPtr<TGLfloat, 4, 4>>(Record().Pointer(0)))), "NULL");
 }
 
 TEST(Reading, ASizeAboveTheRecordsIsAnError) {
@@ -128,8 +128,8 @@ TEST(Reading, ASizeAboveTheRecordsIsAnError) {
             EXPECT_THAT([&] { stream.Trace() >> value; }, tooLarge);
         };
         const auto expectAll = [&](auto&&... values) { (expect(values), ...); };
-        expectAll(SDataPtr(), SImage2D(), SImage3D(), SString(), SArrayPtr<TuintType<21>, 1, 1>(),
-                  SArrayPtr<TfloatType<22>, 4, 4>(), SArrayPtr<SString, 1, 1>(), SEglAttribList());
+        expectAll(SDataPtr(), SImage2D(), SImage3D(), SString(), SArrayPtr<TGLuint, 1, 1>(),
+                  SArrayPtr<TGLfloat, 4, 4>(), SArrayPtr<SString, 1, 1>(), SEglAttribList());
     }
     CRecordStream whole(Record().Pointer(1).U32(8));
     SDataPtr data;
@@ -138,7 +138,7 @@ TEST(Reading, ASizeAboveTheRecordsIsAnError) {
 
 TEST(Reading, NothingIsKeptOfWhatTheRecordHasNoBytesFor) {
     CRecordStream matrices(Record().ArrayHead(1, 9).Raw(Bytes(72, 7)));
-    SArrayPtr<TintType<17>, 4, 4> array;
+    SArrayPtr<TGLint, 4, 4> array;
     matrices.Trace() >> array;
     EXPECT_EQ(array.GetCount(), 9U);
     EXPECT_EQ(array.ItemCount(), 1U);
@@ -204,7 +204,7 @@ std::string Texts(const CRecordBuilder& record) {
 }
 
 TEST(ArrayText, CutAtThirtySix) {
-    using Uints = SArrayPtr<TuintType<21>, 1, 1>;
+    using Uints = SArrayPtr<TGLuint, 1, 1>;
     const auto shown = [](const std::vector<std::int64_t>& values) {
         return ShortText(ReadFrom<Uints>(Record().Array(tag::Uint, 1, values)));
     };
@@ -224,19 +224,17 @@ TEST(ArrayText, CutAtThirtySix) {
 }
 
 TEST(ArrayText, Shapes) {
-    EXPECT_EQ((Texts<SArrayPtr<TintType<17>, 2, 1>>(Record().Array(tag::Int, 1, {1, 2, 3, 4}, 2))),
+    EXPECT_EQ((Texts<SArrayPtr<TGLint, 2, 1>>(Record().Array(tag::Int, 1, {1, 2, 3, 4}, 2))),
               "{ [ 1; 2 ], [ 3; 4 ] }|{ [ \n1;\n2\n], [ \n3;\n4\n] }|[ \n1;\n2\n]\n[ \n3;\n4\n]");
     const std::string detail = "[ \n1.000000, 2.000000;\n3.000000, 4.000000\n]";
-    EXPECT_EQ(
-        (Texts<SArrayPtr<TfloatType<22>, 2, 2>>(Record().Reals(tag::Float, 1, {1, 2, 3, 4}, 4))),
-        "{ [ 1.000000, 2.000000; 3.000000, 4... }|{ " + detail + " }|" + detail);
+    EXPECT_EQ((Texts<SArrayPtr<TGLfloat, 2, 2>>(Record().Reals(tag::Float, 1, {1, 2, 3, 4}, 4))),
+              "{ [ 1.000000, 2.000000; 3.000000, 4... }|{ " + detail + " }|" + detail);
     const auto item =
         ReadFrom<SPtr<TGLfixed, 4, 1>>(Record().Item(tag::Fixed, 1, {65536, 0, -65536, 131072}));
     EXPECT_EQ(ShortText(item), "[ 1.000000; 0.000000; -1.000000; 2.000000 ]");
     EXPECT_EQ(LinesText(item), "[ \n1.000000;\n0.000000;\n-1.000000;\n2.000000\n]");
-    EXPECT_EQ(
-        ShortText(ReadFrom<SPtr<TfloatType<22>, 1, 1>>(Record().RealItem(tag::Float, 1, {5}))),
-        "5.000000");
+    EXPECT_EQ(ShortText(ReadFrom<SPtr<TGLfloat, 1, 1>>(Record().RealItem(tag::Float, 1, {5}))),
+              "5.000000");
 }
 
 TEST(AttributeListText, CutAtFortyToThirtySeven) {

@@ -22,10 +22,6 @@ ERRORS = {"egl": "m_eglError", "ext": "m_extError"}
 OFFSETS = '#pragma GCC diagnostic ignored "-Winvalid-offsetof"\n'
 
 
-def cpp_class(cls):
-    return cls.replace(",", ", ")
-
-
 def declaration(row, base):
     # The pointer-setting calls get both of their pointers from the mix-in.
     mixed = any(p.copies for p in row.parameters)
@@ -37,11 +33,11 @@ def declaration(row, base):
         lines.append(f"    bool UpdateState({STATES[row.family]}& state, SUpdates& updates) override;")
     lines.append("")
     if row.returns:
-        lines.append(f"    {cpp_class(row.returns)} result;")
+        lines.append(f"    {row.returns} result;")
     for p in row.parameters:
         if mixed and p.name in ("pointer", "pointerPlayback"):
             continue
-        lines.append(f"    {cpp_class(p.cls)} {p.name};")
+        lines.append(f"    {p.cls} {p.name};")
     return "\n".join(lines + ["};", ""])
 
 

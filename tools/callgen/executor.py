@@ -13,7 +13,7 @@ from pathlib import Path
 from table import load
 
 RECORDS = {"program": "GetProgramRecord", "shader": "GetShaderRecord"}
-CASTS = {"TGLboolean": "GLboolean", "TuintType<19>": "GLubyte"}
+CASTS = {"TGLboolean": "GLboolean", "TGLubyte": "GLubyte"}
 
 # Families whose calls are looked at before the host's table is made. An ES2 or ES3 call asks the
 # host for its framebuffer before all else.
@@ -28,17 +28,13 @@ def accessor(table):
     return table[0].upper() + table[1:] + "()"
 
 
-def cpp_class(cls):
-    return cls.replace(",", ", ")
-
-
 def index_of(row, name):
     return [p.name for p in row.listed].index(name)
 
 
 def value(row, name):
     parameter = row.listed[index_of(row, name)]
-    return f"c.Value<{cpp_class(parameter.cls)}>({index_of(row, name)})"
+    return f"c.Value<{parameter.cls}>({index_of(row, name)})"
 
 
 def needed(row, parameter):
@@ -60,7 +56,7 @@ def image_expression(row, parameter):
 def argument(row, parameter, lines):
     """Adds what must precede the host call to `lines`; returns the argument."""
     index = index_of(row, parameter.name)
-    cls = cpp_class(parameter.cls)
+    cls = parameter.cls
     if parameter.table in RECORDS:
         lines.append(f"const auto* {parameter.name} = c.names.{RECORDS[parameter.table]}("
                      f"c.Value<{cls}>({index}));")
@@ -110,7 +106,7 @@ def names_call(row):
     function = {"gen": "GenerateNames", "genonce": "GenerateNamesOnce",
                 "delete": "DeleteNames"}[row.play]
     return [f"return {function}(c.names.{accessor(names.table)}, {value(row, count.name)}, "
-            f"c.At<{cpp_class(names.cls)}>(1), c.host.{row.entry});"]
+            f"c.At<{names.cls}>(1), c.host.{row.entry});"]
 
 
 def body(row):

@@ -8,6 +8,8 @@ A row is a head line and one indented line for each parameter:
 RECORD is the file version that brought this layout of the record; FIRST and LAST are the file
 versions that select the row (no LAST: every later one). APIS, for extension calls, are the APIs whose
 tables have the entry. state: the class has an UpdateState of its own, written in the room state/.
+A CLASS is a value class of calls/model; a type of the published headers stands for its class, which
+has a T before the name.
 
 How a call is played:
     plain    the host entry is called with the parameters, translated where they say so
@@ -90,9 +92,13 @@ HEAD = re.compile(
     r'^(\d+) (\w+) v(\d+) (\d+)-(\d*) "([^"]*)" (\w+)(?: returns (\S+))?(?: on (\S+))?( state)?$')
 
 
+def cpp_class(word):
+    return re.sub(r"\bE?GL", r"T\g<0>", word).replace(",", ", ")
+
+
 def parse_parameter(line, where):
     name, cls, *keywords = line.split()
-    parameter = Parameter(name, cls)
+    parameter = Parameter(name, cpp_class(cls))
     for word in keywords:
         key, equals, value = word.partition("=")
         if not key:
@@ -123,7 +129,7 @@ def load(path):
                 raise SystemExit(f"{where}: not a row: {line.rstrip()}")
             rows.append(Row(family, int(match.group(1)), match.group(2), int(match.group(3)),
                             int(match.group(4)), int(match.group(5) or 0), match.group(6),
-                            match.group(7), match.group(8) or "",
+                            match.group(7), cpp_class(match.group(8) or ""),
                             tuple((match.group(9) or "").split(",")) if match.group(9) else (),
                             bool(match.group(10))))
     return rows
