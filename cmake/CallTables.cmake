@@ -37,13 +37,13 @@ list(APPEND KESTRAIL_CALL_SOURCES ${generated}/calls/gl_enum_names.cpp)
 
 foreach(family egl es1 es2 es3 ext)
   set(table ${PROJECT_SOURCE_DIR}/calls/${family}/${family}.calls)
-  set(source ${generated}/exec/${family}_cases.cpp)
+  set(cases ${generated}/exec/${family}_cases)
   add_custom_command(
-    OUTPUT ${source}
-    COMMAND Python3::Interpreter -B ${callgen}/executor.py ${table} ${source}
+    OUTPUT ${cases}.h ${cases}.cpp
+    COMMAND Python3::Interpreter -B ${callgen}/executor.py ${table} ${cases}.h ${cases}.cpp
     DEPENDS ${callgen}/executor.py ${callgen}/table.py ${table}
     VERBATIM)
-  list(APPEND KESTRAIL_EXECUTOR_SOURCES ${source})
+  list(APPEND KESTRAIL_EXECUTOR_SOURCES ${cases}.cpp)
 endforeach()
 
 set(host_headers)

@@ -1,8 +1,8 @@
 #include "exec/contexts_arrays.h"
 
 #include "exec/es1_client_arrays.h"
-#include "exec/es2_calls.h"
 #include "exec/es2_client_arrays.h"
+#include "generated/exec/es2_cases.h"
 
 namespace kestrail {
 

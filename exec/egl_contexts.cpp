@@ -1,17 +1,13 @@
 // Displays, contexts, and what binds them to the thread.
 #include <vector>
 
-#include "exec/egl_calls.h"
 #include "exec/egl_config.h"
 #include "exec/egl_executor.h"
 #include "exec/surface_size.h"
+#include "generated/exec/egl_cases.h"
 
 namespace kestrail {
 namespace {
-
-EGLDisplay LiveDisplay(SEglPlay& c) {
-    return c.names.GetDisplay(c.Value<TEGLDisplay>(0));
-}
 
 /// Also for a recording that began after the application had initialised EGL.
 void Initialize(SEglPlay& c, EGLDisplay display) {
@@ -21,53 +17,52 @@ void Initialize(SEglPlay& c, EGLDisplay display) {
 
 }  // namespace
 
-EPlayed PlayEglBindAPI(SEglPlay& c) {
-    const EGLenum api = c.Value<TEGLenum>(0);
+EPlayed PlayEglBindAPI(SEglPlay& c, SEgl_eglBindAPI call) {
+    const EGLenum api = call.api();
     if (c.host.eglBindAPI(api) != EGL_FALSE) c.names.SetBoundApi(api);
     return EPlayed::kPlayed;
 }
 
-EPlayed PlayEglCreateContext(SEglPlay& c) {
+EPlayed PlayEglCreateContext(SEglPlay& c, SEgl_eglCreateContext call) {
     if (!MakesContexts(c.names.BoundApi())) return EPlayed::kFailed;
-    const EGLDisplay display = LiveDisplay(c);
-    const EGLConfig config = FindEglConfig(c.names, display, c.Value<TEGLConfig>(1),
-                                           c.At<SEglAttribList>(4).GetRawArray());
-    const EGLContext shared = c.names.GetContext(display, c.Value<TEGLContext>(2));
+    const EGLDisplay display = c.names.GetDisplay(call.dpy());
+    const EGLConfig config =
+        FindEglConfig(c.names, display, call.config(), call.attrib_list_config().GetRawArray());
+    const EGLContext shared = c.names.GetContext(display, call.share_context());
     Initialize(c, display);
-    const EGLint* const attributes = c.At<SEglAttribList>(3).GetRawArray();
+    const EGLint* const attributes = call.attrib_list_contex().GetRawArray();
     std::vector<EGLint> room;
     const EGLContext context =
         c.host.eglCreateContext(display, config, shared, CheckedAttributes(attributes, room));
     c.player.lastError = static_cast<std::uint32_t>(c.host.eglGetError());
-    c.names.SetContext(display, c.Returned<TEGLContext>(), context, ContextVersion(attributes));
+    c.names.SetContext(display, call.result(), context, ContextVersion(attributes));
     return EPlayed::kPlayed;
 }
 
-EPlayed PlayEglDestroyContext(SEglPlay& c) {
-    const EGLDisplay display = LiveDisplay(c);
-    const std::uint32_t recorded = c.Value<TEGLContext>(1);
+EPlayed PlayEglDestroyContext(SEglPlay& c, SEgl_eglDestroyContext call) {
+    const EGLDisplay display = c.names.GetDisplay(call.dpy());
+    const std::uint32_t recorded = call.ctx();
     c.host.eglDestroyContext(display, c.names.GetContext(display, recorded));
     c.names.RemoveContext(display, recorded);
     return EPlayed::kPlayed;
 }
 
-EPlayed PlayEglGetDisplay(SEglPlay& c) {
-    const EGLNativeDisplayType native =
-        c.player.environment.GetDisplay(c.Value<TEGLNativeDisplayType>(0));
-    c.names.SetDisplay(c.Returned<TEGLDisplay>(), c.host.eglGetDisplay(native), native);
+EPlayed PlayEglGetDisplay(SEglPlay& c, SEgl_eglGetDisplay call) {
+    const EGLNativeDisplayType native = c.player.environment.GetDisplay(call.NativeDisplayType());
+    c.names.SetDisplay(call.result(), c.host.eglGetDisplay(native), native);
     return EPlayed::kPlayed;
 }
 
-EPlayed PlayEglInitialize(SEglPlay& c) {
-    Initialize(c, LiveDisplay(c));
+EPlayed PlayEglInitialize(SEglPlay& c, SEgl_eglInitialize call) {
+    Initialize(c, c.names.GetDisplay(call.dpy()));
     return EPlayed::kPlayed;
 }
 
-EPlayed PlayEglMakeCurrent(SEglPlay& c) {
-    const EGLDisplay display = LiveDisplay(c);
-    const EGLSurface draw = c.names.GetSurface(display, c.Value<TEGLSurface>(1));
-    const EGLSurface read = c.names.GetSurface(display, c.Value<TEGLSurface>(2));
-    const EGLContext context = c.names.GetContext(display, c.Value<TEGLContext>(3));
+EPlayed PlayEglMakeCurrent(SEglPlay& c, SEgl_eglMakeCurrent call) {
+    const EGLDisplay display = c.names.GetDisplay(call.dpy());
+    const EGLSurface draw = c.names.GetSurface(display, call.draw());
+    const EGLSurface read = c.names.GetSurface(display, call.read());
+    const EGLContext context = c.names.GetContext(display, call.ctx());
     const EGLBoolean made = c.host.eglMakeCurrent(display, draw, read, context);
     // With OpenVG bound, a release leaves the context of ES current.
     const bool kept = context == EGL_NO_CONTEXT && c.names.BoundApi() == EGL_OPENVG_API;
@@ -80,15 +75,15 @@ EPlayed PlayEglMakeCurrent(SEglPlay& c) {
     return EPlayed::kPlayed;
 }
 
-EPlayed PlayEglReleaseThread(SEglPlay& c) {
+EPlayed PlayEglReleaseThread(SEglPlay& c, SEgl_eglReleaseThread) {
     if (c.host.eglReleaseThread() == EGL_FALSE) return EPlayed::kPlayed;
     c.names.UseContext(EGL_NO_CONTEXT);
     c.names.SetBoundApi(EGL_OPENGL_ES_API);
     return EPlayed::kPlayed;
 }
 
-EPlayed PlayEglTerminate(SEglPlay& c) {
-    const EGLDisplay display = LiveDisplay(c);
+EPlayed PlayEglTerminate(SEglPlay& c, SEgl_eglTerminate call) {
+    const EGLDisplay display = c.names.GetDisplay(call.dpy());
     c.host.eglTerminate(display);
     c.names.ClearDisplay(display);
     // Kept: by the live handle, so the display stays known; recordings go on with it.
@@ -100,17 +95,17 @@ EPlayed PlayEglTerminate(SEglPlay& c) {
     return EPlayed::kPlayed;
 }
 
-EPlayed PlayEglWaitClient(SEglPlay& c) {
+EPlayed PlayEglWaitClient(SEglPlay& c, SEgl_eglWaitClient) {
     c.host.eglWaitClient();
     return EPlayed::kPlayed;
 }
 
-EPlayed PlayEglWaitGL(SEglPlay& c) {
+EPlayed PlayEglWaitGL(SEglPlay& c, SEgl_eglWaitGL) {
     c.host.eglWaitGL();
     return EPlayed::kPlayed;
 }
 
-EPlayed PlayEglWaitNative(SEglPlay& c) {
+EPlayed PlayEglWaitNative(SEglPlay& c, SEgl_eglWaitNative) {
     // Kept: the core engine, whatever was recorded; drivers here have no other.
     c.host.eglWaitNative(EGL_CORE_NATIVE_ENGINE);
     return EPlayed::kLeftOut;

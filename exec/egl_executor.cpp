@@ -1,7 +1,7 @@
 #include "exec/egl_executor.h"
 
 #include "base/output.h"
-#include "exec/egl_calls.h"
+#include "generated/exec/egl_cases.h"
 
 namespace kestrail {
 

@@ -1,22 +1,11 @@
 // Windows, pbuffers, and presenting them.
 #include "base/output.h"
-#include "exec/egl_calls.h"
 #include "exec/egl_config.h"
 #include "exec/egl_executor.h"
 #include "exec/surface_size.h"
+#include "generated/exec/egl_cases.h"
 
 namespace kestrail {
-namespace {
-
-EGLDisplay LiveDisplay(SEglPlay& c) {
-    return c.names.GetDisplay(c.Value<TEGLDisplay>(0));
-}
-
-EGLSurface LiveSurface(SEglPlay& c, EGLDisplay display) {
-    return c.names.GetSurface(display, c.Value<TEGLSurface>(1));
-}
-
-}  // namespace
 
 void LearnSurfaceSize(SEglPlay& c, EGLDisplay display, EGLSurface surface, bool check,
                       std::int32_t recordedWidth, std::int32_t recordedHeight) {
@@ -35,54 +24,54 @@ void LearnSurfaceSize(SEglPlay& c, EGLDisplay display, EGLSurface surface, bool 
     c.names.SurfaceGeometry(width, height, recordedWidth, recordedHeight, display);
 }
 
-EPlayed PlayEglBindTexImage(SEglPlay& c) {
-    const EGLDisplay display = LiveDisplay(c);
-    c.host.eglBindTexImage(display, LiveSurface(c, display), c.Value<TEGLintEnum>(2));
+EPlayed PlayEglBindTexImage(SEglPlay& c, SEgl_eglBindTexImage call) {
+    const EGLDisplay display = c.names.GetDisplay(call.dpy());
+    c.host.eglBindTexImage(display, c.names.GetSurface(display, call.surface()), call.buffer());
     return EPlayed::kPlayed;
 }
 
-EPlayed PlayEglReleaseTexImage(SEglPlay& c) {
-    const EGLDisplay display = LiveDisplay(c);
-    c.host.eglReleaseTexImage(display, LiveSurface(c, display), c.Value<TEGLintEnum>(3));
+EPlayed PlayEglReleaseTexImage(SEglPlay& c, SEgl_eglReleaseTexImage call) {
+    const EGLDisplay display = c.names.GetDisplay(call.dpy());
+    c.host.eglReleaseTexImage(display, c.names.GetSurface(display, call.surface()), call.buffer());
     return EPlayed::kPlayed;
 }
 
-EPlayed PlayEglCopyBuffers(SEglPlay&) {
+EPlayed PlayEglCopyBuffers(SEglPlay&, SEgl_eglCopyBuffers) {
     output::Warning("Not Implemented. Call using pixmap, skipping");
     return EPlayed::kLeftOut;
 }
 
-EPlayed PlayEglCreatePixmapSurface(SEglPlay&) {
+EPlayed PlayEglCreatePixmapSurface(SEglPlay&, SEgl_eglCreatePixmapSurface) {
     output::Warning("Pixmaps not supported in playback");
     return EPlayed::kLeftOut;
 }
 
-EPlayed PlayEglCreatePbufferFromClientBuffer(SEglPlay&) {
+EPlayed PlayEglCreatePbufferFromClientBuffer(SEglPlay&, SEgl_eglCreatePbufferFromClientBuffer) {
     output::Warning("Pbuffers not supported in playback (client)");
     return EPlayed::kLeftOut;
 }
 
-EPlayed PlayEglCreatePbufferSurface(SEglPlay& c) {
-    const EGLDisplay display = LiveDisplay(c);
+EPlayed PlayEglCreatePbufferSurface(SEglPlay& c, SEgl_eglCreatePbufferSurface call) {
+    const EGLDisplay display = c.names.GetDisplay(call.dpy());
     // Kept: by a list that no recording holds: a config found before, or none.
-    const EGLConfig config = FindEglConfig(c.names, display, c.Value<TEGLConfig>(1),
-                                           c.At<SEglAttribList>(3).GetRawArray());
+    const EGLConfig config =
+        FindEglConfig(c.names, display, call.config(), call.SurfaceDesc().GetRawArray());
     const EGLSurface surface =
-        c.host.eglCreatePbufferSurface(display, config, c.At<SEglAttribList>(2).GetRawArray());
-    c.names.SetSurface(display, c.Returned<TEGLSurface>(), surface);
+        c.host.eglCreatePbufferSurface(display, config, call.attrib_list().GetRawArray());
+    c.names.SetSurface(display, call.result(), surface);
     return EPlayed::kPlayed;
 }
 
-EPlayed PlayEglCreateWindowSurface(SEglPlay& c) {
-    const EGLDisplay display = LiveDisplay(c);
+EPlayed PlayEglCreateWindowSurface(SEglPlay& c, SEgl_eglCreateWindowSurface call) {
+    const EGLDisplay display = c.names.GetDisplay(call.dpy());
     c.host.eglInitialize(display, nullptr, nullptr);
     c.names.SetContextValid(true);
-    const std::uint32_t recorded = c.Returned<TEGLSurface>();
+    const std::uint32_t recorded = call.result();
     if (c.names.GetSurface(display, recorded) != EGL_NO_SURFACE) return EPlayed::kLeftOut;
 
-    const EGLConfig config = FindEglConfig(c.names, display, c.Value<TEGLConfig>(1),
-                                           c.At<SEglAttribList>(4).GetRawArray());
-    const auto& window = c.At<SEglNativeWindowDesc>(2);
+    const EGLConfig config =
+        FindEglConfig(c.names, display, call.config(), call.attrib_list_config().GetRawArray());
+    const auto& window = call.win();
     const NativeWindow native = c.player.environment.GetWindow(
         window.handle.GetValue(), window.width, window.height, c.names.GetNativeDisplay(display));
     c.player.lastError = static_cast<std::uint32_t>(c.host.eglGetError());
@@ -99,24 +88,24 @@ EPlayed PlayEglCreateWindowSurface(SEglPlay& c) {
     return EPlayed::kLeftOut;
 }
 
-EPlayed PlayEglDestroySurface(SEglPlay& c) {
-    const EGLDisplay display = LiveDisplay(c);
-    c.host.eglDestroySurface(display, LiveSurface(c, display));
-    c.names.RemoveSurface(display, c.Value<TEGLSurface>(1));
+EPlayed PlayEglDestroySurface(SEglPlay& c, SEgl_eglDestroySurface call) {
+    const EGLDisplay display = c.names.GetDisplay(call.dpy());
+    c.host.eglDestroySurface(display, c.names.GetSurface(display, call.surface()));
+    c.names.RemoveSurface(display, call.surface());
     return EPlayed::kPlayed;
 }
 
-EPlayed PlayEglQuerySurface(SEglPlay& c) {
+EPlayed PlayEglQuerySurface(SEglPlay& c, SEgl_eglQuerySurface call) {
     std::int32_t liveWidth = -1, liveHeight = -1, recordedWidth = -1, recordedHeight = -1;
     EGLDisplay display = EGL_NO_DISPLAY;
     c.names.SurfaceGeometry(liveWidth, liveHeight, recordedWidth, recordedHeight, display);
     const bool unknownSize = recordedWidth == 1 || recordedHeight == 1;
-    if (display != LiveDisplay(c) || !unknownSize) return EPlayed::kPlayed;
+    if (display != c.names.GetDisplay(call.dpy()) || !unknownSize) return EPlayed::kPlayed;
 
     // Kept: said for any attribute that is asked; readers match it.
     output::Message("Invalid Screen Size (Android bug). Fixing...");
-    const EGLint attribute = c.Value<TEGLintEnum>(2);
-    const auto& answer = c.At<SArrayPtr<TEGLintEnum, 1, 1>>(3);
+    const EGLint attribute = call.attribute();
+    const auto& answer = call.value();
     if (answer.ItemCount() == 0) return EPlayed::kPlayed;
     if (attribute == EGL_WIDTH) recordedWidth = answer.GetItem(0);
     if (attribute == EGL_HEIGHT) recordedHeight = answer.GetItem(0);
@@ -124,23 +113,23 @@ EPlayed PlayEglQuerySurface(SEglPlay& c) {
     return EPlayed::kPlayed;
 }
 
-EPlayed PlayEglSurfaceAttrib(SEglPlay& c) {
-    const EGLDisplay display = LiveDisplay(c);
-    c.host.eglSurfaceAttrib(display, LiveSurface(c, display), c.Value<TEGLintEnum>(2),
-                            c.Value<TEGLintEnum>(3));
+EPlayed PlayEglSurfaceAttrib(SEglPlay& c, SEgl_eglSurfaceAttrib call) {
+    const EGLDisplay display = c.names.GetDisplay(call.dpy());
+    c.host.eglSurfaceAttrib(display, c.names.GetSurface(display, call.surface()), call.attribute(),
+                            call.value());
     return EPlayed::kPlayed;
 }
 
-EPlayed PlayEglSwapBuffers(SEglPlay& c) {
-    const EGLDisplay display = LiveDisplay(c);
-    c.host.eglSwapBuffers(display, LiveSurface(c, display));
+EPlayed PlayEglSwapBuffers(SEglPlay& c, SEgl_eglSwapBuffers call) {
+    const EGLDisplay display = c.names.GetDisplay(call.dpy());
+    c.host.eglSwapBuffers(display, c.names.GetSurface(display, call.surface()));
     return EPlayed::kPlayed;
 }
 
-EPlayed PlayEglSwapInterval(SEglPlay& c) {
+EPlayed PlayEglSwapInterval(SEglPlay& c, SEgl_eglSwapInterval call) {
     // With `sync`, the interval of 0 that was set with the context stays.
     if (c.player.sync) return EPlayed::kPlayed;
-    c.host.eglSwapInterval(LiveDisplay(c), c.Value<TEGLint>(1));
+    c.host.eglSwapInterval(c.names.GetDisplay(call.dpy()), call.interval());
     return EPlayed::kPlayed;
 }
 

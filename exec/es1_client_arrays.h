@@ -12,8 +12,8 @@
 #include "calls/model/client_arrays.h"
 #include "exec/client_memory.h"
 #include "exec/draw_indices.h"
-#include "exec/es1_calls.h"
 #include "exec/host_data.h"
+#include "generated/exec/es1_cases.h"
 
 namespace kestrail {
 

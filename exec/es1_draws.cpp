@@ -3,10 +3,10 @@
 
 #include "exec/contexts_arrays.h"
 #include "exec/draw_indices.h"
-#include "exec/es1_calls.h"
 #include "exec/es1_client_arrays.h"
 #include "exec/extension_resolver.h"
 #include "exec/viewport_correction.h"
+#include "generated/exec/es1_cases.h"
 
 namespace kestrail {
 namespace {
@@ -25,35 +25,34 @@ bool PointArrays(SEs1Play& c, CEs1ClientArrays& arrays, SVertices vertices) {
 
 }  // namespace
 
-EPlayed PlayGlDrawArrays(SEs1Play& c) {
-    const GLint first = c.Value<TGLint>(1);
-    const GLsizei count = c.Value<TGLsizei>(2);
+EPlayed PlayGlDrawArrays(SEs1Play& c, SEs1_glDrawArrays call) {
+    const GLint first = call.first();
+    const GLsizei count = call.count();
     const SVertices vertices{std::max<std::int64_t>(std::int64_t{first} + count, 0)};
     // Kept: spelled like that; readers match it.
-    CEs1ClientArrays arrays(c, c.At<CapturedArrays>(3), c.At<CapturedIndices>(4), vertices,
+    CEs1ClientArrays arrays(c, call.vertData(), call.vertIndex(), vertices,
                             "glDrawArrays: No enought Data. No Pointer replaced with real memory. "
                             "glDrawArrays would crash.");
     if (!PointArrays(c, arrays, vertices)) return EPlayed::kFailed;
-    c.host.glDrawArrays(c.Value<TGLBeginMode>(0), first, count);
+    c.host.glDrawArrays(call.mode(), first, count);
     return EPlayed::kPlayed;
 }
 
-EPlayed PlayGlDrawElements(SEs1Play& c) {
+EPlayed PlayGlDrawElements(SEs1Play& c, SEs1_glDrawElements call) {
     constexpr GLenum kElementBufferBinding = 34965;
-    const GLsizei count = c.Value<TGLsizei>(1);
-    const GLenum type = c.Value<TGLenum>(2);
+    const GLsizei count = call.count();
+    const GLenum type = call.type();
     const bool elementBuffer = Integer(c.host, kElementBufferBinding) != 0;
     const SDrawIndices indices =
-        DrawIndices(elementBuffer, c.At<SDataPtr>(3), c.Value<TPointer>(4), count, type);
+        DrawIndices(elementBuffer, call.indices(), call.indicesOffset(), count, type);
     // Kept: of arrays without bytes not a word, unlike glDrawArrays; readers match it.
-    CEs1ClientArrays arrays(c, c.At<CapturedArrays>(5), c.At<CapturedIndices>(6), indices.vertices,
-                            nullptr);
+    CEs1ClientArrays arrays(c, call.vertData(), call.vertIndex(), indices.vertices, nullptr);
     if (!PointArrays(c, arrays, indices.vertices) || !indices.sound) return EPlayed::kFailed;
     // Which arrays are enabled has not been asked of all.
-    if (elementBuffer && !ElementsFit(c.host, c.Value<TPointer>(4), count, type)) {
+    if (elementBuffer && !ElementsFit(c.host, call.indicesOffset(), count, type)) {
         return EPlayed::kFailed;
     }
-    c.host.glDrawElements(c.Value<TGLBeginMode>(0), count, type, indices.pointer);
+    c.host.glDrawElements(call.mode(), count, type, indices.pointer);
     return EPlayed::kPlayed;
 }
 

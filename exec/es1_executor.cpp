@@ -1,8 +1,8 @@
 #include "exec/es1_executor.h"
 
-#include "exec/es1_calls.h"
 #include "exec/extension_resolver.h"
 #include "exec/texture_images.h"
+#include "generated/exec/es1_cases.h"
 
 namespace kestrail {
 
@@ -24,9 +24,9 @@ bool PlayEs1Call(SPlayerState& player, CCallEntry& entry) {
     return player.checkErrors ? CheckEs1Error(player) : true;
 }
 
-EPlayed PlayGlDeleteBuffers(SEs1Play& c) {
-    const GLsizei count = c.Value<TGLsizei>(0);
-    const auto& recorded = c.At<SNameArray>(1);
+EPlayed PlayGlDeleteBuffers(SEs1Play& c, SEs1_glDeleteBuffers call) {
+    const GLsizei count = call.n();
+    const auto& recorded = call.buffers();
     if (recorded.ItemCount() < std::int64_t{count}) return EPlayed::kFailed;
     // Kept: one call a name, and translations stay for later binds; tools compare host calls.
     for (GLsizei i = 0; i < count; ++i) {
@@ -36,67 +36,64 @@ EPlayed PlayGlDeleteBuffers(SEs1Play& c) {
     return EPlayed::kPlayed;
 }
 
-EPlayed PlayGlPixelStorei(SEs1Play& c) {
-    return PlayPixelStorei(c);
+EPlayed PlayGlPixelStorei(SEs1Play& c, SEs1_glPixelStorei call) {
+    return PlayPixelStorei(c, call);
 }
 
-EPlayed PlayGlTexImage2D(SEs1Play& c) {
-    return PlayTexImage2D(c);
+EPlayed PlayGlTexImage2D(SEs1Play& c, SEs1_glTexImage2D call) {
+    return PlayTexImage2D(c, call);
 }
 
-EPlayed PlayGlPointSizePointerOES(SEs1Play& c) {
+EPlayed PlayGlPointSizePointerOES(SEs1Play& c, SEs1_glPointSizePointerOES call) {
     EnsureExtensionResolver(c.names);
-    c.host.glPointSizePointerOES(c.Value<TGLenum>(0), c.Value<TGLsizei>(1),
-                                 AsPointer(c.Value<TPointer>(3)));
+    c.host.glPointSizePointerOES(call.type(), call.stride(), AsPointer(call.pointerPlayback()));
     return EPlayed::kPlayed;
 }
 
 // Kept: played, which ES2's is not; drivers finish the frame for it.
-EPlayed PlayGlReadPixels(SEs1Play& c) {
-    const GLsizei width = c.Value<TGLsizei>(2);
-    const GLsizei height = c.Value<TGLsizei>(3);
-    const GLenum format = c.Value<TGLenum>(4);
-    const GLenum type = c.Value<TGLenum>(5);
-    auto& pixels = c.At<SDataPtr>(6);
+EPlayed PlayGlReadPixels(SEs1Play& c, SEs1_glReadPixels call) {
+    const GLsizei width = call.width();
+    const GLsizei height = call.height();
+    const GLenum format = call.format();
+    const GLenum type = call.type();
+    auto& pixels = call.pixels();
     const SPixelStore& store = c.Pixels();
     // Backwards, a host skips rows ahead of the block.
     if (store.packReversed != 0 && store.packSkipRows != 0) return EPlayed::kFailed;
     if (pixels.GetSize() < ImageBytes(format, type, width, height, store.Packing())) {
         return EPlayed::kFailed;
     }
-    c.host.glReadPixels(c.Value<TGLint>(0), c.Value<TGLint>(1), width, height, format, type,
-                        pixels.GetData());
+    c.host.glReadPixels(call.x(), call.y(), width, height, format, type, pixels.GetData());
     return EPlayed::kPlayed;
 }
 
-EPlayed PlayGlTexSubImage2D(SEs1Play& c) {
+EPlayed PlayGlTexSubImage2D(SEs1Play& c, SEs1_glTexSubImage2D call) {
     // Whatever error is pending is not this call's.
     c.player.lastError = c.host.glGetError();
-    const GLsizei width = c.Value<TGLsizei>(4);
-    const GLsizei height = c.Value<TGLsizei>(5);
-    const GLenum format = c.Value<TGLenum>(6);
-    const GLenum type = c.Value<TGLenum>(7);
-    const SHostData pixels = HostData(
-        c.At<SImage2D>(8), ImageBytes(format, type, width, height, c.Pixels()), false, false);
+    const GLsizei width = call.width();
+    const GLsizei height = call.height();
+    const GLenum format = call.format();
+    const GLenum type = call.type();
+    const SHostData pixels =
+        HostData(call.pixels(), ImageBytes(format, type, width, height, c.Pixels()), false, false);
     if (!pixels.sound) return EPlayed::kFailed;
-    c.host.glTexSubImage2D(c.Value<TGLenum>(0), c.Value<TGLint>(1), c.Value<TGLint>(2),
-                           c.Value<TGLint>(3), width, height, format, type, pixels.pointer);
+    c.host.glTexSubImage2D(call.target(), call.level(), call.xoffset(), call.yoffset(), width,
+                           height, format, type, pixels.pointer);
     return EPlayed::kPlayed;
 }
 
-EPlayed PlayGlVertexPointer(SEs1Play& c) {
+EPlayed PlayGlVertexPointer(SEs1Play& c, SEs1_glVertexPointer call) {
     // Kept: both looks are for nothing but to drop an error; drivers hold one until asked.
     CheckEs1Error(c.player);
-    c.host.glVertexPointer(c.Value<TGLint>(0), c.Value<TGLenum>(1), c.Value<TGLsizei>(2),
-                           AsPointer(c.Value<TPointer>(4)));
+    c.host.glVertexPointer(call.size(), call.type(), call.stride(),
+                           AsPointer(call.pointerPlayback()));
     CheckEs1Error(c.player);
     return EPlayed::kPlayed;
 }
 
-EPlayed PlayGlViewport(SEs1Play& c) {
+EPlayed PlayGlViewport(SEs1Play& c, SEs1_glViewport call) {
     c.names.ViewportDirty() = true;
-    c.host.glViewport(c.Value<TGLint>(0), c.Value<TGLint>(1), c.Value<TGLsizei>(2),
-                      c.Value<TGLsizei>(3));
+    c.host.glViewport(call.x(), call.y(), call.width(), call.height());
     return EPlayed::kPlayed;
 }
 

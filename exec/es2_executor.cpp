@@ -1,7 +1,7 @@
 #include "exec/es2_executor.h"
 
 #include "base/output.h"
-#include "exec/es2_calls.h"
+#include "generated/exec/es2_cases.h"
 
 namespace kestrail {
 namespace {

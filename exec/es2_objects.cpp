@@ -1,6 +1,6 @@
 // Buffers, framebuffers, textures and the viewport.
-#include "exec/es2_calls.h"
 #include "exec/texture_images.h"
+#include "generated/exec/es2_cases.h"
 
 namespace kestrail {
 namespace {
@@ -9,18 +9,17 @@ constexpr GLenum kPixelUnpackBuffer = 0x88EC;
 
 }  // namespace
 
-EPlayed PlayGlBindBuffer(SEs2Play& c) {
-    const GLenum target = c.Value<TGLenum>(0);
-    const GLuint live =
-        LiveOrGenerated(c.names.Buffers(), c.Value<TGLuint>(1), c.host.glGenBuffers);
+EPlayed PlayGlBindBuffer(SEs2Play& c, SEs2_glBindBuffer call) {
+    const GLenum target = call.target();
+    const GLuint live = LiveOrGenerated(c.names.Buffers(), call.buffer(), c.host.glGenBuffers);
     c.host.glBindBuffer(target, live);
     if (target == kPixelUnpackBuffer) c.Pixels().unpackBuffer = live;
     return EPlayed::kPlayed;
 }
 
-EPlayed PlayGlDeleteBuffers(SEs2Play& c) {
-    const GLsizei count = c.Value<TGLsizei>(0);
-    const auto& recorded = c.At<SNameArray>(1);
+EPlayed PlayGlDeleteBuffers(SEs2Play& c, SEs2_glDeleteBuffers call) {
+    const GLsizei count = call.n();
+    const auto& recorded = call.buffers();
     // A deleted buffer is no longer bound.
     std::uint32_t& unpackBuffer = c.Pixels().unpackBuffer;
     for (std::uint32_t i = 0; i < recorded.ItemCount() && unpackBuffer != 0; ++i) {
@@ -29,37 +28,36 @@ EPlayed PlayGlDeleteBuffers(SEs2Play& c) {
     return DeleteNames(c.names.Buffers(), count, recorded, c.host.glDeleteBuffers);
 }
 
-EPlayed PlayGlBindFramebuffer(SEs2Play& c) {
+EPlayed PlayGlBindFramebuffer(SEs2Play& c, SEs2_glBindFramebuffer call) {
     constexpr std::uint32_t kSurface = 0xFFFFFFFFu;
-    const std::uint32_t recorded = c.Value<TGLuint>(1);
+    const std::uint32_t recorded = call.framebuffer();
     const GLuint live = recorded == kSurface ? c.player.defaultFramebuffer
                                              : LiveOrGenerated(c.names.Framebuffers(), recorded,
                                                                c.host.glGenFramebuffers);
-    c.host.glBindFramebuffer(c.Value<TGLenum>(0), live);
+    c.host.glBindFramebuffer(call.target(), live);
     c.names.ViewportDirty() = true;
     return EPlayed::kPlayed;
 }
 
-EPlayed PlayGlEnable(SEs2Play& c) {
+EPlayed PlayGlEnable(SEs2Play& c, SEs2_glEnable call) {
     constexpr GLenum kPrimitiveRestartFixedIndex = 0x8D69;
-    const GLenum capability = c.Value<TGLenum>(0);
+    const GLenum capability = call.cap();
     c.host.glEnable(capability);
     if (capability == kPrimitiveRestartFixedIndex) c.player.eglNames.Context().restartAsked = true;
     return EPlayed::kPlayed;
 }
 
-EPlayed PlayGlPixelStorei(SEs2Play& c) {
-    return PlayPixelStorei(c);
+EPlayed PlayGlPixelStorei(SEs2Play& c, SEs2_glPixelStorei call) {
+    return PlayPixelStorei(c, call);
 }
 
-EPlayed PlayGlTexImage2D(SEs2Play& c) {
-    return PlayTexImage2D(c);
+EPlayed PlayGlTexImage2D(SEs2Play& c, SEs2_glTexImage2D call) {
+    return PlayTexImage2D(c, call);
 }
 
-EPlayed PlayGlViewport(SEs2Play& c) {
+EPlayed PlayGlViewport(SEs2Play& c, SEs2_glViewport call) {
     c.names.ViewportDirty() = true;
-    c.host.glViewport(c.Value<TGLint>(0), c.Value<TGLint>(1), c.Value<TGLsizei>(2),
-                      c.Value<TGLsizei>(3));
+    c.host.glViewport(call.x(), call.y(), call.width(), call.height());
     return EPlayed::kPlayed;
 }
 

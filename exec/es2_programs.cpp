@@ -3,27 +3,27 @@
 #include <algorithm>
 
 #include "base/output.h"
-#include "exec/es2_calls.h"
+#include "generated/exec/es2_cases.h"
 
 namespace kestrail {
 
-EPlayed PlayGlCreateProgram(SEs2Play& c) {
-    const std::uint32_t recorded = c.Returned<TGLuint>();
+EPlayed PlayGlCreateProgram(SEs2Play& c, SEs2_glCreateProgram call) {
+    const std::uint32_t recorded = call.result();
     if (c.names.GetProgramRecord(recorded) != nullptr) return EPlayed::kFailed;
     c.names.SetProgram(recorded, c.host.glCreateProgram());
     return EPlayed::kPlayed;
 }
 
-EPlayed PlayGlCreateShader(SEs2Play& c) {
-    const std::uint32_t recorded = c.Returned<TGLuint>();
-    const GLenum type = c.Value<TGLenum>(0);
+EPlayed PlayGlCreateShader(SEs2Play& c, SEs2_glCreateShader call) {
+    const std::uint32_t recorded = call.result();
+    const GLenum type = call.type();
     if (c.names.GetShaderRecord(recorded) != nullptr) return EPlayed::kFailed;
     c.names.SetShader(recorded, c.host.glCreateShader(type), type);
     return EPlayed::kPlayed;
 }
 
-EPlayed PlayGlDeleteProgram(SEs2Play& c) {
-    const std::uint32_t recorded = c.Value<TGLuint>(0);
+EPlayed PlayGlDeleteProgram(SEs2Play& c, SEs2_glDeleteProgram call) {
+    const std::uint32_t recorded = call.program();
     const SProgramRecord* program = c.names.GetProgramRecord(recorded);
     if (program == nullptr) return EPlayed::kFailed;
     c.host.glDeleteProgram(program->liveName);
@@ -31,8 +31,8 @@ EPlayed PlayGlDeleteProgram(SEs2Play& c) {
     return EPlayed::kPlayed;
 }
 
-EPlayed PlayGlDeleteShader(SEs2Play& c) {
-    const std::uint32_t recorded = c.Value<TGLuint>(0);
+EPlayed PlayGlDeleteShader(SEs2Play& c, SEs2_glDeleteShader call) {
+    const std::uint32_t recorded = call.shader();
     SShaderRecord* shader = c.names.GetShaderRecord(recorded);
     if (shader == nullptr) return EPlayed::kFailed;
     const GLuint live = shader->liveName;
@@ -45,9 +45,9 @@ EPlayed PlayGlDeleteShader(SEs2Play& c) {
     return EPlayed::kPlayed;
 }
 
-EPlayed PlayGlAttachShader(SEs2Play& c) {
-    const std::uint32_t recordedProgram = c.Value<TGLuint>(0);
-    const std::uint32_t recordedShader = c.Value<TGLuint>(1);
+EPlayed PlayGlAttachShader(SEs2Play& c, SEs2_glAttachShader call) {
+    const std::uint32_t recordedProgram = call.program();
+    const std::uint32_t recordedShader = call.shader();
     const SProgramRecord* program = c.names.GetProgramRecord(recordedProgram);
     SShaderRecord* shader = c.names.GetShaderRecord(recordedShader);
     if (program == nullptr || shader == nullptr) return EPlayed::kFailed;
@@ -58,9 +58,9 @@ EPlayed PlayGlAttachShader(SEs2Play& c) {
     return EPlayed::kPlayed;
 }
 
-EPlayed PlayGlDetachShader(SEs2Play& c) {
-    const std::uint32_t recordedShader = c.Value<TGLuint>(1);
-    const SProgramRecord* program = c.names.GetProgramRecord(c.Value<TGLuint>(0));
+EPlayed PlayGlDetachShader(SEs2Play& c, SEs2_glDetachShader call) {
+    const std::uint32_t recordedShader = call.shader();
+    const SProgramRecord* program = c.names.GetProgramRecord(call.program());
     const SShaderRecord* shader = c.names.GetShaderRecord(recordedShader);
     if (program == nullptr || shader == nullptr) return EPlayed::kFailed;
     c.host.glDetachShader(program->liveName, shader->liveName);
@@ -69,35 +69,34 @@ EPlayed PlayGlDetachShader(SEs2Play& c) {
     return EPlayed::kPlayed;
 }
 
-EPlayed PlayGlGetAttribLocation(SEs2Play& c) {
-    const SProgramRecord* program = c.names.GetProgramRecord(c.Value<TGLuint>(0));
+EPlayed PlayGlGetAttribLocation(SEs2Play& c, SEs2_glGetAttribLocation call) {
+    const SProgramRecord* program = c.names.GetProgramRecord(call.program());
     if (program == nullptr) return EPlayed::kFailed;
-    const GLint live = c.host.glGetAttribLocation(program->liveName, c.At<SString>(1).GetCString());
-    if (live != -1) c.names.SetAttribLocation(program->liveName, c.Returned<TGLint>(), live);
+    const GLint live = c.host.glGetAttribLocation(program->liveName, call.name().GetCString());
+    if (live != -1) c.names.SetAttribLocation(program->liveName, call.result(), live);
     return EPlayed::kPlayed;
 }
 
-EPlayed PlayGlGetUniformLocation(SEs2Play& c) {
-    const SProgramRecord* program = c.names.GetProgramRecord(c.Value<TGLuint>(0));
+EPlayed PlayGlGetUniformLocation(SEs2Play& c, SEs2_glGetUniformLocation call) {
+    const SProgramRecord* program = c.names.GetProgramRecord(call.program());
     if (program == nullptr) return EPlayed::kFailed;
-    const GLint live =
-        c.host.glGetUniformLocation(program->liveName, c.At<SString>(1).GetCString());
-    if (live != -1) c.names.SetUniformLocation(program->liveName, c.Returned<TGLint>(), live);
+    const GLint live = c.host.glGetUniformLocation(program->liveName, call.name().GetCString());
+    if (live != -1) c.names.SetUniformLocation(program->liveName, call.result(), live);
     return EPlayed::kPlayed;
 }
 
-EPlayed PlayGlGetProgramiv(SEs2Play& c) {
-    const SProgramRecord* program = c.names.GetProgramRecord(c.Value<TGLuint>(0));
+EPlayed PlayGlGetProgramiv(SEs2Play& c, SEs2_glGetProgramiv call) {
+    const SProgramRecord* program = c.names.GetProgramRecord(call.program());
     if (program == nullptr) return EPlayed::kFailed;
     // Kept: asked though nobody takes the answer; drivers finish a link when asked.
     GLint answer[16] = {};
-    c.host.glGetProgramiv(program->liveName, c.Value<TGLenum>(1), answer);
+    c.host.glGetProgramiv(program->liveName, call.pname(), answer);
     return EPlayed::kPlayed;
 }
 
-EPlayed PlayGlLinkProgram(SEs2Play& c) {
+EPlayed PlayGlLinkProgram(SEs2Play& c, SEs2_glLinkProgram call) {
     constexpr GLsizei kLogSize = 400;
-    const SProgramRecord* program = c.names.GetProgramRecord(c.Value<TGLuint>(0));
+    const SProgramRecord* program = c.names.GetProgramRecord(call.program());
     if (program == nullptr) return EPlayed::kFailed;
     const GLuint live = program->liveName;
     c.host.glLinkProgram(live);
@@ -121,18 +120,18 @@ EPlayed PlayGlLinkProgram(SEs2Play& c) {
     return EPlayed::kPlayed;
 }
 
-EPlayed PlayGlReleaseShaderCompiler(SEs2Play& c) {
+EPlayed PlayGlReleaseShaderCompiler(SEs2Play& c, SEs2_glReleaseShaderCompiler) {
     // Kept: its error is dropped; drivers without a compiler refuse it.
     c.host.glReleaseShaderCompiler();
     c.host.glGetError();
     return EPlayed::kPlayed;
 }
 
-EPlayed PlayGlShaderBinary(SEs2Play& c) {
-    const GLsizei count = c.Value<TGLsizei>(0);
-    const auto& recorded = c.At<SNameArray>(1);
-    const GLsizei length = c.Value<TGLsizei>(4);
-    const SHostData binary = HostData(c.At<SDataPtr>(3), length, false, false);
+EPlayed PlayGlShaderBinary(SEs2Play& c, SEs2_glShaderBinary call) {
+    const GLsizei count = call.count();
+    const auto& recorded = call.shaders();
+    const GLsizei length = call.length();
+    const SHostData binary = HostData(call.binary(), length, false, false);
     if (recorded.ItemCount() < std::int64_t{count} || !binary.sound) return EPlayed::kFailed;
     CLiveNames live(count);
     for (GLsizei i = 0; i < count; ++i) {
@@ -141,14 +140,14 @@ EPlayed PlayGlShaderBinary(SEs2Play& c) {
         if (shader == nullptr) return EPlayed::kFailed;
         live[i] = shader->liveName;
     }
-    c.host.glShaderBinary(count, live.Data(), c.Value<TGLenum>(2), binary.pointer, length);
+    c.host.glShaderBinary(count, live.Data(), call.binaryFormat(), binary.pointer, length);
     return EPlayed::kPlayed;
 }
 
-EPlayed PlayGlShaderSource(SEs2Play& c) {
-    const SShaderRecord* shader = c.names.GetShaderRecord(c.Value<TGLuint>(0));
+EPlayed PlayGlShaderSource(SEs2Play& c, SEs2_glShaderSource call) {
+    const SShaderRecord* shader = c.names.GetShaderRecord(call.shader());
     if (shader == nullptr) return EPlayed::kFailed;
-    const auto& source = c.At<SString>(4);
+    const auto& source = call.source();
     const GLchar* text = source.GetCString();
     auto length = static_cast<GLint>(source.length);
     const CEditList& edits = c.player.store->Edits();
@@ -168,8 +167,8 @@ EPlayed PlayGlShaderSource(SEs2Play& c) {
     return EPlayed::kPlayed;
 }
 
-EPlayed PlayGlUseProgram(SEs2Play& c) {
-    const SProgramRecord* program = c.names.GetProgramRecord(c.Value<TGLuint>(0));
+EPlayed PlayGlUseProgram(SEs2Play& c, SEs2_glUseProgram call) {
+    const SProgramRecord* program = c.names.GetProgramRecord(call.program());
     if (program == nullptr) return EPlayed::kFailed;
     const GLuint live = program->liveName;
     c.host.glUseProgram(live);

@@ -4,8 +4,8 @@
 
 #include "base/output.h"
 #include "exec/es2_executor.h"
-#include "exec/es3_calls.h"
 #include "exec/indexed_draws.h"
+#include "generated/exec/es3_cases.h"
 #include "host/es2_host.h"
 
 namespace kestrail {
@@ -15,8 +15,8 @@ namespace {
 CapturedArrays g_noArrays;
 const CapturedIndices kNoIndices;
 
-GLsync LiveSync(SEs3Play& c) {
-    return reinterpret_cast<GLsync>(c.names.Syncs().Get(c.Value<TPointer>(0)));
+GLsync LiveSync(SEs3Play& c, std::uint32_t recorded) {
+    return reinterpret_cast<GLsync>(c.names.Syncs().Get(recorded));
 }
 
 }  // namespace
@@ -47,50 +47,46 @@ bool PlayEs3Call(SPlayerState& player, CCallEntry& entry) {
     return player.checkErrors ? CheckEs2Error(player) : true;
 }
 
-EPlayed PlayGlDrawRangeElements(SEs3Play& c) {
-    const auto& indices = c.At<SDataPtr>(5);
-    const SIndexedDraw indexed{indices,
-                               indices.pointer.GetValue(),
-                               c.Value<TGLsizei>(3),
-                               c.Value<TGLenum>(4),
-                               g_noArrays,
-                               kNoIndices,
-                               {},
-                               c.Value<TGLuint>(2)};
+EPlayed PlayGlDrawRangeElements(SEs3Play& c, SEs3_glDrawRangeElements call) {
+    const auto& indices = call.indices();
+    const SIndexedDraw indexed{indices,      indices.pointer.GetValue(),
+                               call.count(), call.type(),
+                               g_noArrays,   kNoIndices,
+                               {},           call.end()};
     return DrawIndexed(c, indexed, [&](const void* pointer) {
-        c.host.glDrawRangeElements(c.Value<TGLBeginMode>(0), c.Value<TGLuint>(1),
-                                   c.Value<TGLuint>(2), indexed.count, indexed.type, pointer);
+        c.host.glDrawRangeElements(call.mode(), call.start(), call.end(), indexed.count,
+                                   indexed.type, pointer);
     });
 }
 
-EPlayed PlayGlDrawArraysInstanced(SEs3Play& c) {
-    const GLint first = c.Value<TGLint>(1);
-    const GLsizei count = c.Value<TGLsizei>(2);
-    const GLsizei instances = c.Value<TGLsizei>(3);
+EPlayed PlayGlDrawArraysInstanced(SEs3Play& c, SEs3_glDrawArraysInstanced call) {
+    const GLint first = call.first();
+    const GLsizei count = call.count();
+    const GLsizei instances = call.instanceCount();
     // The arrays stay as they are; only, the host must not follow one further than it reaches.
     const SVertices vertices{std::max<std::int64_t>(std::int64_t{first} + count, 0)};
     TClientArrays<SEs3Play> arrays(c, g_noArrays, kNoIndices, vertices);
     arrays.SetInstances(instances);
     if (!arrays.Measure() || !OtherArraysReach(c, vertices)) return EPlayed::kFailed;
-    c.host.glDrawArraysInstanced(c.Value<TGLBeginMode>(0), first, count, instances);
+    c.host.glDrawArraysInstanced(call.mode(), first, count, instances);
     return EPlayed::kPlayed;
 }
 
-EPlayed PlayGlDrawElementsInstanced(SEs3Play& c) {
-    const SIndexedDraw indexed{c.At<SDataPtr>(4),   c.Value<TPointer>(5), c.Value<TGLsizei>(1),
-                               c.Value<TGLenum>(2), g_noArrays,           kNoIndices,
-                               c.Value<TGLsizei>(3)};
+EPlayed PlayGlDrawElementsInstanced(SEs3Play& c, SEs3_glDrawElementsInstanced call) {
+    const SIndexedDraw indexed{call.indices(),      call.indicesOffset(), call.count(),
+                               call.type(),         g_noArrays,           kNoIndices,
+                               call.instanceCount()};
     return DrawIndexed(c, indexed, [&](const void* pointer) {
-        c.host.glDrawElementsInstanced(c.Value<TGLBeginMode>(0), indexed.count, indexed.type,
-                                       pointer, c.Value<TGLsizei>(3));
+        c.host.glDrawElementsInstanced(call.mode(), indexed.count, indexed.type, pointer,
+                                       call.instanceCount());
     });
 }
 
-EPlayed PlayGlMapBufferRange(SEs3Play& c) {
-    const GLsizeiptr length = c.Value<TGLsizeiptr>(2);
-    const GLbitfield access = c.Value<TGLbitfield>(3);
+EPlayed PlayGlMapBufferRange(SEs3Play& c, SEs3_glMapBufferRange call) {
+    const GLsizeiptr length = call.length();
+    const GLbitfield access = call.access();
     const void* const mapped =
-        c.host.glMapBufferRange(c.Value<TGLenum>(0), c.Value<TGLintptr>(1), length, access);
+        c.host.glMapBufferRange(call.target(), call.offset(), length, access);
     if (mapped != nullptr) {
         const bool written = (access & GL_MAP_WRITE_BIT) != 0;
         c.player.eglNames.Mapped()[mapped] = written ? length : 0;
@@ -98,26 +94,26 @@ EPlayed PlayGlMapBufferRange(SEs3Play& c) {
     return EPlayed::kPlayed;
 }
 
-EPlayed PlayGlFenceSync(SEs3Play& c) {
-    const GLsync live = c.host.glFenceSync(c.Value<TGLenum>(0), c.Value<TGLbitfield>(1));
-    c.names.Syncs().Set(c.Returned<TPointer>(), reinterpret_cast<std::uintptr_t>(live));
+EPlayed PlayGlFenceSync(SEs3Play& c, SEs3_glFenceSync call) {
+    const GLsync live = c.host.glFenceSync(call.condition(), call.flags());
+    c.names.Syncs().Set(call.result(), reinterpret_cast<std::uintptr_t>(live));
     return EPlayed::kPlayed;
 }
 
-EPlayed PlayGlDeleteSync(SEs3Play& c) {
-    c.host.glDeleteSync(LiveSync(c));
-    c.names.Syncs().Erase(c.Value<TPointer>(0));
+EPlayed PlayGlDeleteSync(SEs3Play& c, SEs3_glDeleteSync call) {
+    c.host.glDeleteSync(LiveSync(c, call.sync()));
+    c.names.Syncs().Erase(call.sync());
     return EPlayed::kPlayed;
 }
 
-EPlayed PlayGlClientWaitSync(SEs3Play& c) {
-    c.host.glClientWaitSync(LiveSync(c), c.Value<TGLbitfield>(1), c.Value<TGLuint64>(2));
+EPlayed PlayGlClientWaitSync(SEs3Play& c, SEs3_glClientWaitSync call) {
+    c.host.glClientWaitSync(LiveSync(c, call.sync()), call.flags(), call.timeout());
     return EPlayed::kPlayed;
 }
 
-EPlayed PlayGlWaitSync(SEs3Play& c) {
+EPlayed PlayGlWaitSync(SEs3Play& c, SEs3_glWaitSync call) {
     // Kept: 32 of 64 recorded bits, which drivers may refuse; tools compare host calls.
-    c.host.glWaitSync(LiveSync(c), c.Value<TGLbitfield>(1), c.Value<TGLuint64>(2));
+    c.host.glWaitSync(LiveSync(c, call.sync()), call.flags(), call.timeout());
     return EPlayed::kPlayed;
 }
 

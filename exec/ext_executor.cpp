@@ -1,10 +1,11 @@
 #include "exec/ext_executor.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "base/output.h"
-#include "exec/ext_calls.h"
 #include "exec/extension_resolver.h"
+#include "generated/exec/ext_cases.h"
 #include "host/egl_host.h"
 
 namespace kestrail {
@@ -41,20 +42,22 @@ GLsizei SupportedSamples(GLsizei requested, const char* caller) {
     return most;
 }
 
-GLsizei StorageSamples(const CGenCallInfo& info) {
-    const auto& samples = static_cast<TGLsizei&>(*(*info.GetParameters())[1]);
+GLsizei StorageSamples(SExt_glRenderbufferStorageMultisampleQVA call) {
     // Kept: with the prefix that its relative hasn't; readers match it.
-    return SupportedSamples(samples.GetValue(), "ID_EXT_glRenderbufferStorageMultisampleQVA");
+    return SupportedSamples(call.samples(), "ID_EXT_glRenderbufferStorageMultisampleQVA");
 }
 
-GLsizei TextureSamples(const CGenCallInfo& info) {
-    const auto& samples = static_cast<TGLsizei&>(*(*info.GetParameters())[5]);
-    return SupportedSamples(samples.GetValue(), "glFramebufferTexture2DMultisampleQVA");
+GLsizei TextureSamples(SExt_glFramebufferTexture2DMultisampleQVA call) {
+    return SupportedSamples(call.samples(), "glFramebufferTexture2DMultisampleQVA");
 }
 
 EPlayed PlayElsewhere(const CGenCallInfo& info, std::uint16_t id) {
-    if (id == kRenderbufferStorageMultisample) StorageSamples(info);
-    if (id == kFramebufferTexture2DMultisample) TextureSamples(info);
+    if (id == kRenderbufferStorageMultisample) {
+        StorageSamples(SExt_glRenderbufferStorageMultisampleQVA(info));
+    }
+    if (id == kFramebufferTexture2DMultisample) {
+        TextureSamples(SExt_glFramebufferTexture2DMultisampleQVA(info));
+    }
     return PlayExtElsewhere(id);
 }
 
@@ -76,32 +79,85 @@ EPlayed Play(SPlayerState& player, CCallEntry& entry, std::uint32_t api) {
 
 }  // namespace
 
-EPlayed PlayGlBindRenderbufferOES(SEs1Play& c) {
+EPlayed PlayGlBindRenderbufferOES(SEs1Play& c, SExt_glBindRenderbufferOES call) {
     if (c.host.glBindRenderbufferOES == nullptr) return EPlayed::kMissing;
     // Kept: an unknown name is made through ES2; tools compare host calls.
     const GLuint live = LiveOrGenerated(
-        c.names.Renderbuffers(), c.Value<TGLuint>(1),
+        c.names.Renderbuffers(), call.renderbuffer(),
         [](GLsizei count, GLuint* names) { GetEs2Host()->glGenRenderbuffers(count, names); });
-    c.host.glBindRenderbufferOES(c.Value<TGLenum>(0), live);
+    c.host.glBindRenderbufferOES(call.target(), live);
     return EPlayed::kPlayed;
 }
 
-EPlayed PlayGlRenderbufferStorageMultisampleQVA(SEs2Play& c) {
-    const GLsizei samples = StorageSamples(c.info);
+EPlayed PlayGlRenderbufferStorageMultisampleQVA(SEs2Play& c,
+                                                SExt_glRenderbufferStorageMultisampleQVA call) {
+    const GLsizei samples = StorageSamples(call);
     if (c.host.glRenderbufferStorageMultisampleQVA == nullptr) return EPlayed::kMissing;
-    c.host.glRenderbufferStorageMultisampleQVA(c.Value<TGLenum>(0), samples, c.Value<TGLenum>(2),
-                                               c.Value<TGLsizei>(3), c.Value<TGLsizei>(4));
+    c.host.glRenderbufferStorageMultisampleQVA(call.target(), samples, call.internalformat(),
+                                               call.width(), call.height());
     return EPlayed::kPlayed;
 }
 
-EPlayed PlayGlFramebufferTexture2DMultisampleQVA(SEs2Play& c) {
-    const GLsizei samples = TextureSamples(c.info);
+EPlayed PlayGlFramebufferTexture2DMultisampleQVA(SEs2Play& c,
+                                                 SExt_glFramebufferTexture2DMultisampleQVA call) {
+    const GLsizei samples = TextureSamples(call);
     if (c.host.glFramebufferTexture2DMultisampleQVA == nullptr) return EPlayed::kMissing;
-    c.host.glFramebufferTexture2DMultisampleQVA(
-        c.Value<TGLenum>(0), c.Value<TGLenum>(1), c.Value<TGLenum>(2),
-        c.names.Textures().Get(c.Value<TGLuint>(3)), c.Value<TGLint>(4), samples);
+    c.host.glFramebufferTexture2DMultisampleQVA(call.target(), call.attachment(), call.textarget(),
+                                                c.names.Textures().Get(call.texture()),
+                                                call.level(), samples);
     return EPlayed::kPlayed;
 }
+
+// Maps all of the buffer. What glMapBufferRange gave at that place is gone by then.
+template <typename Context>
+EPlayed PlayGlMapBufferOES(Context& c, SExt_glMapBufferOES call) {
+    if (c.host.glMapBufferOES == nullptr) return EPlayed::kMissing;
+    const void* const mapped = c.host.glMapBufferOES(call.target(), call.access());
+    c.player.eglNames.Mapped().erase(mapped);
+    return EPlayed::kPlayed;
+}
+
+// Copies what the application wrote while the buffer was mapped, then unmaps it: also when there
+// was no room for the bytes, since no draw may read a mapped buffer. One that is not mapped is
+// left alone.
+template <typename Context>
+EPlayed PlayGlUnmapBufferOES(Context& c, SExt_glUnmapBufferOES call) {
+    constexpr std::uint32_t kBufferSize = 34660;
+    constexpr std::uint32_t kBufferMapped = 35004;
+    constexpr std::uint32_t kBufferMapPointer = 35005;
+    if (c.host.glUnmapBufferOES == nullptr || c.host.glGetBufferPointervOES == nullptr) {
+        return EPlayed::kMissing;
+    }
+    const std::uint32_t target = call.target();
+    const auto& data = call.data();
+    std::int32_t mapped = 0;
+    c.host.glGetBufferParameteriv(target, kBufferMapped, &mapped);
+    if (mapped == 0) return EPlayed::kPlayed;
+    std::int32_t size = 0;
+    if (data.GetData() != nullptr) c.host.glGetBufferParameteriv(target, kBufferSize, &size);
+    void* pointer = nullptr;
+    c.host.glGetBufferPointervOES(target, kBufferMapPointer, &pointer);
+    EPlayed played = EPlayed::kPlayed;
+    if (data.GetData() != nullptr && pointer != nullptr) {
+        const auto& ranges = c.player.eglNames.Mapped();
+        const auto range = ranges.find(pointer);
+        std::int64_t room = size;
+        if (range != ranges.end()) room = std::min(room, range->second);
+        if (std::int64_t{data.GetSize()} <= room) {
+            std::memcpy(pointer, data.GetData(), data.GetSize());
+        } else {
+            played = EPlayed::kFailed;
+        }
+    }
+    c.host.glUnmapBufferOES(target);
+    c.player.eglNames.Mapped().erase(pointer);
+    return played;
+}
+
+template EPlayed PlayGlMapBufferOES(SEs1Play& c, SExt_glMapBufferOES call);
+template EPlayed PlayGlMapBufferOES(SEs2Play& c, SExt_glMapBufferOES call);
+template EPlayed PlayGlUnmapBufferOES(SEs1Play& c, SExt_glUnmapBufferOES call);
+template EPlayed PlayGlUnmapBufferOES(SEs2Play& c, SExt_glUnmapBufferOES call);
 
 bool PlayExtCall(SPlayerState& player, CCallEntry& entry) {
     const auto& call = static_cast<const CExtCall&>(*entry.call);

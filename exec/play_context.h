@@ -8,6 +8,11 @@
 
 namespace kestrail {
 
+struct SEglHost;
+struct SEs1Host;
+struct SEs2Host;
+struct SEs3Host;
+
 template <typename Host, typename Names>
 struct TPlayContext {
     SPlayerState& player;
@@ -17,21 +22,32 @@ struct TPlayContext {
     Host& host;
     Names& names;
 
-    /// The parameter at a position of the call's row, whose class the row gives.
+    SPixelStore& Pixels() const { return player.eglNames.PixelStore(); }
+};
+
+using SEglPlay = TPlayContext<SEglHost, CEglNames>;
+using SEs1Play = TPlayContext<SEs1Host, CEs1Names>;
+using SEs2Play = TPlayContext<SEs2Host, CEs2Names>;
+using SEs3Play = TPlayContext<SEs3Host, CEs2Names>;
+
+/// The values of a call, by the places in the parameter list that its row gives them. Each call has
+/// a class of its own made from this one, where they have their names.
+class CCallValues {
+public:
+    explicit CCallValues(const CGenCallInfo& info) : m_info(info) {}
+
+protected:
     template <typename Class>
     Class& At(std::uint32_t index) const {
-        return static_cast<Class&>(*(*info.GetParameters())[index]);
+        return static_cast<Class&>(*(*m_info.GetParameters())[index]);
     }
     template <typename Class>
-    auto Value(std::uint32_t index) const {
-        return At<Class>(index).GetValue();
+    Class& Returned() const {
+        return static_cast<Class&>(*m_info.GetReturnValue());
     }
-    /// The recorded return value.
-    template <typename Class>
-    auto Returned() const {
-        return static_cast<Class&>(*info.GetReturnValue()).GetValue();
-    }
-    SPixelStore& Pixels() const { return player.eglNames.PixelStore(); }
+
+private:
+    const CGenCallInfo& m_info;
 };
 
 /// Whether images come from a buffer of the host. The host is asked where the trace has bound one:

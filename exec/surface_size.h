@@ -1,7 +1,7 @@
 // The size of a live surface, against that of the application's window.
 #pragma once
 
-#include "exec/egl_calls.h"
+#include "generated/exec/egl_cases.h"
 
 namespace kestrail {
 

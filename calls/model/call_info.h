@@ -1,5 +1,5 @@
-// A call's parameter list as players see it: values by position, none of them owned. The order of a
-// class's parameters is an interface between the call classes and the executors.
+// A call's parameter list as players see it: values by position, none of them owned. Executors know
+// them by their names, which the build makes positions of.
 #pragma once
 
 #include <cstddef>
