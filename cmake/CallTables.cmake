@@ -4,7 +4,7 @@ find_package(Python3 REQUIRED COMPONENTS Interpreter)
 
 set(callgen ${PROJECT_SOURCE_DIR}/tools/callgen)
 set(generated ${PROJECT_BINARY_DIR}/generated)
-file(MAKE_DIRECTORY ${generated}/calls ${generated}/exec ${generated}/host)
+file(MAKE_DIRECTORY ${generated}/calls ${generated}/exec ${generated}/host ${generated}/state)
 
 # Parts of about the same size, so that they compile side by side.
 set(parts_egl 1)
@@ -44,6 +44,13 @@ foreach(family egl es1 es2 es3 ext)
     DEPENDS ${callgen}/executor.py ${callgen}/table.py ${table}
     VERBATIM)
   list(APPEND KESTRAIL_EXECUTOR_SOURCES ${cases}.cpp)
+  set(source ${generated}/state/${family}_updates.cpp)
+  add_custom_command(
+    OUTPUT ${source}
+    COMMAND Python3::Interpreter -B ${callgen}/updates.py ${table} ${source}
+    DEPENDS ${callgen}/updates.py ${callgen}/table.py ${table}
+    VERBATIM)
+  list(APPEND KESTRAIL_CALL_SOURCES ${source})
 endforeach()
 
 set(host_headers)

@@ -86,19 +86,6 @@ bool CEgl_eglDestroySurface_v1::UpdateState(CEglState& state, SUpdates&) {
     return true;
 }
 
-bool CEgl_eglMakeCurrent_v2::UpdateState(CEglState& state, SUpdates&) {
-    state.currentContext = ctx.GetValue();
-    state.currentDisplay = dpy.GetValue();
-    state.currentDrawSurface = draw.GetValue();
-    state.currentReadSurface = read.GetValue();
-    return true;
-}
-
-bool CEgl_eglBindAPI_v1::UpdateState(CEglState& state, SUpdates&) {
-    state.boundApi = api.GetValue();
-    return true;
-}
-
 bool CEgl_eglTerminate_v1::UpdateState(CEglState& state, SUpdates&) {
     // Kept: every display goes with the one; tools compare seeks.
     state = CEglState();

@@ -9,6 +9,7 @@
 #include <cstdint>
 
 #include "calls/model/array_values.h"
+#include "state/stored_values.h"
 
 namespace kestrail {
 
@@ -20,28 +21,6 @@ bool SameBits(const std::array<float, Count>& left, const std::array<float, Coun
     return std::bit_cast<Bits>(left) == std::bit_cast<Bits>(right);
 }
 
-// Kept: 12 and in whole numbers, not 65536; tools compare pictures of sought frames.
-inline constexpr std::int32_t kFixedDivisor = 12;
-
-/// The number that the record holds for a raw fixed-point value.
-inline float FixedValue(std::int32_t raw) {
-    const std::int32_t whole = raw / kFixedDivisor;
-    return static_cast<float>(whole);
-}
-
-inline float Number(const TGLfloat& value) {
-    return value.GetValue();
-}
-inline float Number(const TGLclampf& value) {
-    return value.GetValue();
-}
-inline float Number(const TGLfixed& value) {
-    return FixedValue(value.GetValue());
-}
-inline float Number(const TGLclampx& value) {
-    return FixedValue(value.GetValue());
-}
-
 /// The numbers behind the pname of a call: as many as it has, at most four.
 struct SParameters {
     std::array<float, 4> values{};
@@ -49,7 +28,7 @@ struct SParameters {
 
     template <typename Value>
     static SParameters Of(const Value& value) {
-        return {{Number(value)}, 1};
+        return {{Stored(value)}, 1};
     }
     static SParameters Of(const SArrayPtr<TGLfloat, 1, 1>& array) {
         return FromArray(array, [](float value) { return value; });

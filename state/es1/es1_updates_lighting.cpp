@@ -152,9 +152,4 @@ bool CEs1_glMaterialxv_v1::UpdateState(CEs1State& state, SUpdates&) {
     return SetMaterial(state, pname.GetValue(), SParameters::Of(param));
 }
 
-bool CEs1_glShadeModel_v1::UpdateState(CEs1State& state, SUpdates&) {
-    state.shadeModel = mode.GetValue();
-    return true;
-}
-
 }  // namespace kestrail

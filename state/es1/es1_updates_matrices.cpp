@@ -73,11 +73,6 @@ SMatrix MatrixFrom(const float* elements) {
 
 }  // namespace
 
-bool CEs1_glMatrixMode_v1::UpdateState(CEs1State& state, SUpdates&) {
-    state.matrixMode = mode.GetValue();
-    return true;
-}
-
 bool CEs1_glPushMatrix_v1::UpdateState(CEs1State& state, SUpdates&) {
     const std::int32_t current = CurrentStack(state, true);
     if (current == kNoStack) return false;

@@ -136,11 +136,6 @@ bool CEs1_glActiveTexture_v1::UpdateState(CEs1State& state, SUpdates&) {
     return true;
 }
 
-bool CEs1_glClientActiveTexture_v1::UpdateState(CEs1State& state, SUpdates&) {
-    state.clientActiveTexture = texture.GetValue();
-    return true;
-}
-
 bool CEs1_glBindTexture_v1::UpdateState(CEs1State& state, SUpdates&) {
     if (BoundTexture(state, target.GetValue()) == nullptr) return false;
     const std::uint32_t name = texture.GetValue();

@@ -123,11 +123,6 @@ bool CExt_glFramebufferRenderbufferOES_v1::UpdateState(CEs1State& state, SUpdate
     return Attach(state, target.GetValue(), attachment.GetValue(), object);
 }
 
-bool CExt_glBindVertexArrayOES_v1::UpdateState(CEs1State& state, SUpdates&) {
-    state.currentVertexArray = array.GetValue();
-    return true;
-}
-
 bool CExt_glCurrentPaletteMatrixOES_v1::UpdateState(CEs1State& state, SUpdates&) {
     const std::uint32_t index = matrixpaletteindex.GetValue();
     if (index > INT32_MAX) return false;

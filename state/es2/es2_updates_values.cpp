@@ -24,77 +24,7 @@ EFace FaceToWrite(std::uint32_t face) {
     return face == GL_BACK ? EFace::kBack : EFace::kNeither;
 }
 
-std::uint8_t Flag(const TGLboolean& value) {
-    return value.GetValue() != 0 ? 1 : 0;
-}
-
 }  // namespace
-
-bool CEs2_glBlendColor_v1::UpdateState(CEs2State& state, SUpdates&) {
-    state.blendColor = {red.GetValue(), green.GetValue(), blue.GetValue(), alpha.GetValue()};
-    return true;
-}
-
-bool CEs2_glBlendEquationSeparate_v1::UpdateState(CEs2State& state, SUpdates&) {
-    state.blendEquationRgb = modeRGB.GetValue();
-    state.blendEquationAlpha = modeAlpha.GetValue();
-    return true;
-}
-
-bool CEs2_glBlendFunc_v1::UpdateState(CEs2State& state, SUpdates&) {
-    state.blendSrcRgb = state.blendSrcAlpha = sfactor.GetValue();
-    state.blendDstRgb = state.blendDstAlpha = dfactor.GetValue();
-    return true;
-}
-
-bool CEs2_glBlendFuncSeparate_v1::UpdateState(CEs2State& state, SUpdates&) {
-    state.blendSrcRgb = sfactorRGB.GetValue();
-    state.blendDstRgb = dfactorRGB.GetValue();
-    state.blendSrcAlpha = sfactorAlpha.GetValue();
-    state.blendDstAlpha = dfactorAlpha.GetValue();
-    return true;
-}
-
-bool CEs2_glClearColor_v1::UpdateState(CEs2State& state, SUpdates&) {
-    state.clearColor = {red.GetValue(), green.GetValue(), blue.GetValue(), alpha.GetValue()};
-    return true;
-}
-
-bool CEs2_glClearDepthf_v1::UpdateState(CEs2State& state, SUpdates&) {
-    state.clearDepth = depth.GetValue();
-    return true;
-}
-
-bool CEs2_glClearStencil_v1::UpdateState(CEs2State& state, SUpdates&) {
-    state.clearStencil = s.GetValue();
-    return true;
-}
-
-bool CEs2_glColorMask_v1::UpdateState(CEs2State& state, SUpdates&) {
-    state.colorMask = {Flag(red), Flag(green), Flag(blue), Flag(alpha)};
-    return true;
-}
-
-bool CEs2_glCullFace_v1::UpdateState(CEs2State& state, SUpdates&) {
-    state.cullFaceMode = mode.GetValue();
-    return true;
-}
-
-bool CEs2_glDepthFunc_v1::UpdateState(CEs2State& state, SUpdates&) {
-    state.depthFunc = func.GetValue();
-    return true;
-}
-
-bool CEs2_glDepthMask_v1::UpdateState(CEs2State& state, SUpdates&) {
-    state.depthMask = Flag(flag);
-    return true;
-}
-
-bool CEs2_glDepthRangef_v1::UpdateState(CEs2State& state, SUpdates&) {
-    state.depthRangeNear = zNear.GetValue();
-    state.depthRangeFar = zFar.GetValue();
-    return true;
-}
 
 bool CEs2_glDisable_v1::UpdateState(CEs2State& state, SUpdates&) {
     return SetCapability(state, cap.GetValue(), 0);
@@ -102,11 +32,6 @@ bool CEs2_glDisable_v1::UpdateState(CEs2State& state, SUpdates&) {
 
 bool CEs2_glEnable_v1::UpdateState(CEs2State& state, SUpdates&) {
     return SetCapability(state, cap.GetValue(), 1);
-}
-
-bool CEs2_glFrontFace_v1::UpdateState(CEs2State& state, SUpdates&) {
-    state.frontFace = mode.GetValue();
-    return true;
 }
 
 bool CEs2_glHint_v1::UpdateState(CEs2State& state, SUpdates&) {
@@ -120,35 +45,6 @@ bool CEs2_glPixelStorei_v1::UpdateState(CEs2State& state, SUpdates&) {
     return true;
 }
 
-bool CEs2_glPolygonOffset_v1::UpdateState(CEs2State& state, SUpdates&) {
-    state.polygonOffsetFactor = factor.GetValue();
-    state.polygonOffsetUnits = units.GetValue();
-    return true;
-}
-
-bool CEs2_glSampleCoverage_v1::UpdateState(CEs2State& state, SUpdates&) {
-    state.sampleCoverageValue = value.GetValue();
-    state.sampleCoverageInvert = Flag(invert);
-    return true;
-}
-
-bool CEs2_glScissor_v1::UpdateState(CEs2State& state, SUpdates&) {
-    state.scissorBox = {x.GetValue(), y.GetValue(), width.GetValue(), height.GetValue()};
-    return true;
-}
-
-bool CEs2_glViewport_v1::UpdateState(CEs2State& state, SUpdates&) {
-    state.viewport = {x.GetValue(), y.GetValue(), width.GetValue(), height.GetValue()};
-    return true;
-}
-
-bool CEs2_glStencilFunc_v1::UpdateState(CEs2State& state, SUpdates&) {
-    state.stencilFuncFront = state.stencilFuncBack = func.GetValue();
-    state.stencilRefFront = state.stencilRefBack = ref.GetValue();
-    state.stencilValueMaskFront = state.stencilValueMaskBack = mask.GetValue();
-    return true;
-}
-
 bool CEs2_glStencilFuncSeparate_v1::UpdateState(CEs2State& state, SUpdates&) {
     const EFace which = FaceToWrite(face.GetValue());
     if (which == EFace::kNeither) return false;
@@ -159,23 +55,11 @@ bool CEs2_glStencilFuncSeparate_v1::UpdateState(CEs2State& state, SUpdates&) {
     return true;
 }
 
-bool CEs2_glStencilMask_v1::UpdateState(CEs2State& state, SUpdates&) {
-    state.stencilWriteMaskFront = state.stencilWriteMaskBack = mask.GetValue();
-    return true;
-}
-
 bool CEs2_glStencilMaskSeparate_v1::UpdateState(CEs2State& state, SUpdates&) {
     const EFace which = FaceToWrite(face.GetValue());
     if (which == EFace::kNeither) return false;
     const bool front = which == EFace::kFront;
     (front ? state.stencilWriteMaskFront : state.stencilWriteMaskBack) = mask.GetValue();
-    return true;
-}
-
-bool CEs2_glStencilOp_v1::UpdateState(CEs2State& state, SUpdates&) {
-    state.stencilFailFront = state.stencilFailBack = fail.GetValue();
-    state.stencilDepthFailFront = state.stencilDepthFailBack = zfail.GetValue();
-    state.stencilDepthPassFront = state.stencilDepthPassBack = zpass.GetValue();
     return true;
 }
 

@@ -65,11 +65,6 @@ bool CEs3_glRenderbufferStorageMultisample_v1::UpdateState(CEs2State& state, SUp
                                   height.GetValue());
 }
 
-bool CEs3_glBindVertexArray_v1::UpdateState(CEs2State& state, SUpdates&) {
-    state.currentVertexArray = array.GetValue();
-    return true;
-}
-
 bool CEs3_glDeleteVertexArrays_v1::UpdateState(CEs2State& state, SUpdates&) {
     return EraseRecords(state.vertexArrays, arrays);
 }

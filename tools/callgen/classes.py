@@ -10,10 +10,8 @@ import sys
 from itertools import groupby
 from pathlib import Path
 
-from table import load
+from table import STATES, load
 
-STATES = {"egl": "CEglState", "es1": "CEs1State", "es2": "CEs2State", "es3": "CEs2State",
-          "ext": "CEs1State"}
 APIS = {"egl": "EGL", "es1": "ES1", "es2": "ES2", "es3": "ES3"}
 ERRORS = {"egl": "m_eglError", "ext": "m_extError"}
 
@@ -29,7 +27,7 @@ def declaration(row, base):
     lines = [f"class {row.class_name} final : {bases} {{", "public:",
              f"    explicit {row.class_name}(CTrace& trace);",
              "    const SClassLayout& Layout() const override;"]
-    if row.state:
+    if row.state or row.sets:
         lines.append(f"    bool UpdateState({STATES[row.family]}& state, SUpdates& updates) override;")
     lines.append("")
     if row.returns:
@@ -47,7 +45,7 @@ def constructor(row, base):
             if not p.notread and not p.arrays and not p.copies and not p.joins]
     if row.returns:
         read.insert(0, (row.returns, "result"))
-    body = ["m_updatesState = true;"] if row.state else []
+    body = ["m_updatesState = true;"] if row.state or row.sets else []
     if arrays:
         body.append("const std::uint32_t start = trace.Stream().Tell();")
     # Single values, whose classes begin with a T, are read in runs.

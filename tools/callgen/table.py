@@ -7,7 +7,8 @@ A row is a head line and one indented line for each parameter:
 
 RECORD is the file version that brought this layout of the record; FIRST and LAST are the file
 versions that select the row (no LAST: every later one). APIS, for extension calls, are the APIs whose
-tables have the entry. state: the class has an UpdateState of its own, written in the room state/.
+tables have the entry. state: the class has an UpdateState of its own, written in the room state/. That of a row whose
+parameters say `sets` is made from them.
 A CLASS is a value class of calls/model; a type of the published headers stands for its class, which
 has a T before the name.
 
@@ -29,6 +30,7 @@ Keywords of a parameter:
     noparam     on the stream, but in no parameter list
     notread     in the parameter list, but not on the stream
     arrays      filled from the rest of the record: captured client arrays and their indices
+    sets=F      what a seek brings back: the field, or fields, of the record that it goes to
     copies=P    takes the value of parameter P after the read
     joins=P     the strings of parameter P, joined
     =TABLE      translated by a table of names; uniform, attribute: by the current program's
@@ -56,6 +58,7 @@ class Parameter:
     image: bool = False
     unpack: bool = False
     null: bool = False
+    sets: list = field(default_factory=list)
     copies: str = ""
     joins: str = ""
     table: str = ""
@@ -82,11 +85,17 @@ class Row:
         return f"C{self.family.capitalize()}_{self.entry}_v{self.version}"
 
     @property
+    def sets(self):
+        return any(p.sets for p in self.parameters)
+
+    @property
     def listed(self):
         """The parameters of the call's parameter list, in its order."""
         return [p for p in self.parameters if not p.noparam]
 
 
+STATES = {"egl": "CEglState", "es1": "CEs1State", "es2": "CEs2State", "es3": "CEs2State",
+          "ext": "CEs1State"}
 PLAYS = {"plain", "bind", "gen", "genonce", "delete", "skip", "check", "test", "fail", "hand", "none"}
 HEAD = re.compile(
     r'^(\d+) (\w+) v(\d+) (\d+)-(\d*) "([^"]*)" (\w+)(?: returns (\S+))?(?: on (\S+))?( state)?$')
@@ -103,6 +112,8 @@ def parse_parameter(line, where):
         key, equals, value = word.partition("=")
         if not key:
             parameter.table = value
+        elif equals and key == "sets":
+            parameter.sets = value.split(",")
         elif equals and key in ("copies", "joins", "needs"):
             setattr(parameter, key, value)
         elif not equals and isinstance(getattr(parameter, key, None), bool):
