@@ -3,8 +3,6 @@
 #include <bit>
 #include <cmath>
 
-#include "state/es1/es1_numbers.h"
-
 namespace kestrail {
 namespace {
 
@@ -35,26 +33,45 @@ struct SWrapped {
     static SWrapped From(std::uint32_t bits) { return {static_cast<std::int32_t>(bits)}; }
 };
 
-SMatrix TransposedFromFixed(const std::array<SWrapped, 16>& m) {
-    SMatrix matrix;
-    for (std::size_t i = 0; i < 16; ++i) matrix[i] = FixedValue(m[i].value);
-    return Transposed(matrix);
+float Held(float element) {
+    return element;
+}
+float Held(SWrapped element) {
+    return FixedValue(element.value);
 }
 
-/// The volume that a projection in fixed point sees.
-struct SFixedVolume {
-    SFixedVolume(std::int32_t l, std::int32_t r, std::int32_t b, std::int32_t t, std::int32_t n,
-                 std::int32_t f)
-        : left{l}, right{r}, bottom{b}, top{t}, near{n}, far{f} {}
+template <typename Number>
+SMatrix Transposed(const std::array<Number, 16>& matrix) {
+    SMatrix result;
+    for (std::size_t i = 0; i < 4; ++i) {
+        for (std::size_t j = 0; j < 4; ++j) result[4 * j + i] = Held(matrix[4 * i + j]);
+    }
+    return result;
+}
 
-    /// Without an extent in some direction it has no matrix.
-    bool IsEmpty() const { return width.value == 0 || height.value == 0 || depth.value == 0; }
-
-    SWrapped left, right, bottom, top, near, far;
-    SWrapped width = right - left;
-    SWrapped height = top - bottom;
-    SWrapped depth = far - near;
+/// The volume that a projection sees.
+template <typename Number>
+struct SVolume {
+    Number left, right, bottom, top, near, far;
+    Number width = right - left;
+    Number height = top - bottom;
+    Number depth = far - near;
 };
+
+/// What `build` makes of the volume.
+template <typename Build>
+std::optional<SMatrix> Projection(const std::array<CNumbers, 6>& sides, Build build) {
+    const auto& [l, r, b, t, n, f] = sides;
+    if (!l.AreFixed()) {
+        return build(SVolume<float>{l.Real(), r.Real(), b.Real(), t.Real(), n.Real(), f.Real()});
+    }
+    // Kept: raw and in whole numbers until the end; tools compare a seek's matrices.
+    const SVolume<SWrapped> volume{{l.Integer()}, {r.Integer()}, {b.Integer()},
+                                   {t.Integer()}, {n.Integer()}, {f.Integer()}};
+    const bool empty =
+        volume.width.value == 0 || volume.height.value == 0 || volume.depth.value == 0;
+    return empty ? std::nullopt : std::optional<SMatrix>(build(volume));
+}
 
 }  // namespace
 
@@ -68,14 +85,6 @@ SMatrix Product(const SMatrix& a, const SMatrix& b) {
         }
     }
     return product;
-}
-
-SMatrix Transposed(const SMatrix& matrix) {
-    SMatrix result;
-    for (std::size_t i = 0; i < 4; ++i) {
-        for (std::size_t j = 0; j < 4; ++j) result[4 * j + i] = matrix[4 * i + j];
-    }
-    return result;
 }
 
 SMatrix TranslateMatrix(float x, float y, float z) {
@@ -95,112 +104,60 @@ SMatrix ScaleMatrix(float x, float y, float z) {
     return Transposed(m);
 }
 
-// Kept: the axis counts with its length; tools compare a seek's matrices.
-SMatrix RotateMatrix(float angle, float x, float y, float z) {
-    const float radians = Radians(angle);
-    const float c = std::cos(radians);
-    const float s = std::sin(radians);
-    const float rest = 1.0F - c;
-    SMatrix m{};
-    m[0] = x * x * rest + c;
-    m[1] = x * y * rest - z * s;
-    m[2] = x * z * rest + y * s;
-    m[4] = x * y * rest + z * s;
-    m[5] = y * y * rest + c;
-    m[6] = y * z * rest - x * s;
-    m[8] = x * z * rest - y * s;
-    m[9] = y * z * rest + x * s;
-    m[10] = z * z * rest + c;
-    m[15] = 1.0F;
-    return Transposed(m);
-}
-
-// Kept: a raw angle, raw products, other terms by 12; tools compare a seek's matrices.
-SMatrix RotateMatrixFixed(std::int32_t angle, std::int32_t x, std::int32_t y, std::int32_t z) {
-    const float radians = Radians(static_cast<float>(angle));
-    const float c = std::cos(radians);
-    const float s = std::sin(radians);
-    const float rest = 1.0F - c;
-    const auto product = [](std::int32_t a, std::int32_t b) {
-        return (SWrapped{a} * SWrapped{b}).ToFloat();
+SMatrix RotateMatrix(const CNumbers& angle, const CNumbers& x, const CNumbers& y,
+                     const CNumbers& z) {
+    // Kept: the axis counts with its length; tools compare a seek's matrices.
+    // Kept: of fixed point raw angle and products, other terms by 12; tools compare a seek's
+    // matrices.
+    const auto scale = static_cast<float>(angle.AreFixed() ? kFixedDivisor : 1);
+    const auto product = [](const CNumbers& a, const CNumbers& b) {
+        return a.AreFixed() ? (SWrapped{a.Integer()} * SWrapped{b.Integer()}).ToFloat()
+                            : a.Real() * b.Real();
     };
-    const auto fx = static_cast<float>(x);
-    const auto fy = static_cast<float>(y);
-    const auto fz = static_cast<float>(z);
-    constexpr auto kScale = static_cast<float>(kFixedDivisor);
+    const float radians = Radians(angle.Unscaled());
+    const float c = std::cos(radians);
+    const float s = std::sin(radians);
+    const float rest = 1.0F - c;
     SMatrix m{};
-    m[0] = product(x, x) * rest + c / kScale;
-    m[1] = product(x, y) * rest + fz * s / -kScale;
-    m[2] = product(x, z) * rest + fy * s / kScale;
-    m[4] = product(x, y) * rest + fz * s / kScale;
-    m[5] = product(y, y) * rest + c / kScale;
-    m[6] = product(y, z) * rest + fx * s / -kScale;
-    m[8] = product(x, z) * rest + fy * s / -kScale;
-    m[9] = product(y, z) * rest + fx * s / kScale;
-    m[10] = product(z, z) * rest + c / kScale;
+    m[0] = product(x, x) * rest + c / scale;
+    m[1] = product(x, y) * rest - z.Unscaled() * s / scale;
+    m[2] = product(x, z) * rest + y.Unscaled() * s / scale;
+    m[4] = product(x, y) * rest + z.Unscaled() * s / scale;
+    m[5] = product(y, y) * rest + c / scale;
+    m[6] = product(y, z) * rest - x.Unscaled() * s / scale;
+    m[8] = product(x, z) * rest - y.Unscaled() * s / scale;
+    m[9] = product(y, z) * rest + x.Unscaled() * s / scale;
+    m[10] = product(z, z) * rest + c / scale;
     m[15] = 1.0F;
     return Transposed(m);
 }
 
-SMatrix FrustumMatrix(float l, float r, float b, float t, float n, float f) {
-    SMatrix m{};
-    m[0] = 2.0F * n / (r - l);
-    m[2] = (r + l) / (r - l);
-    m[5] = 2.0F * n / (t - b);
-    m[6] = (t + b) / (t - b);
-    m[10] = -(f + n) / (f - n);
-    m[11] = -2.0F * f * n / (f - n);
-    m[14] = -1.0F;
-    return Transposed(m);
+std::optional<SMatrix> FrustumMatrix(const std::array<CNumbers, 6>& sides) {
+    return Projection(sides, []<typename Number>(const SVolume<Number>& v) {
+        std::array<Number, 16> m{};
+        m[0] = Number{2} * v.near / v.width;
+        m[2] = (v.right + v.left) / v.width;
+        m[5] = Number{2} * v.near / v.height;
+        m[6] = (v.top + v.bottom) / v.height;
+        m[10] = -(v.far + v.near) / v.depth;
+        m[11] = Number{-2} * v.far * v.near / v.depth;
+        m[14] = Number{-1};
+        return Transposed(m);
+    });
 }
 
-SMatrix OrthoMatrix(float l, float r, float b, float t, float n, float f) {
-    SMatrix m{};
-    m[0] = 2.0F / (r - l);
-    m[3] = -(r + l) / (r - l);
-    m[5] = 2.0F / (t - b);
-    m[7] = -(t + b) / (t - b);
-    m[10] = -2.0F / (f - n);
-    m[11] = -(f + n) / (f - n);
-    m[15] = 1.0F;
-    return Transposed(m);
-}
-
-// Kept: raw and in whole numbers until the end, as below; tools compare a seek's matrices.
-std::optional<SMatrix> FrustumMatrixFixed(std::int32_t l, std::int32_t r, std::int32_t b,
-                                          std::int32_t t, std::int32_t n, std::int32_t f) {
-    const SFixedVolume v(l, r, b, t, n, f);
-    if (v.IsEmpty()) return std::nullopt;
-    std::array<SWrapped, 16> m{};
-    m[0] = SWrapped{2} * v.near / v.width;
-    m[2] = (v.right + v.left) / v.width;
-    m[5] = SWrapped{2} * v.near / v.height;
-    m[6] = (v.top + v.bottom) / v.height;
-    m[10] = -(v.far + v.near) / v.depth;
-    m[11] = SWrapped{-2} * v.far * v.near / v.depth;
-    m[14] = SWrapped{-1};
-    return TransposedFromFixed(m);
-}
-
-std::optional<SMatrix> OrthoMatrixFixed(std::int32_t l, std::int32_t r, std::int32_t b,
-                                        std::int32_t t, std::int32_t n, std::int32_t f) {
-    const SFixedVolume v(l, r, b, t, n, f);
-    if (v.IsEmpty()) return std::nullopt;
-    std::array<SWrapped, 16> m{};
-    m[0] = SWrapped{2} / v.width;
-    m[3] = -(v.right + v.left) / v.width;
-    m[5] = SWrapped{2} / v.height;
-    m[7] = -(v.top + v.bottom) / v.height;
-    m[10] = SWrapped{-2} / v.depth;
-    m[11] = -(v.far + v.near) / v.depth;
-    m[15] = SWrapped{1};
-    return TransposedFromFixed(m);
-}
-
-SMatrix MatrixFromFixed(const std::int32_t* elements) {
-    SMatrix matrix;
-    for (std::size_t i = 0; i < 16; ++i) matrix[i] = FixedValue(elements[i]);
-    return matrix;
+std::optional<SMatrix> OrthoMatrix(const std::array<CNumbers, 6>& sides) {
+    return Projection(sides, []<typename Number>(const SVolume<Number>& v) {
+        std::array<Number, 16> m{};
+        m[0] = Number{2} / v.width;
+        m[3] = -(v.right + v.left) / v.width;
+        m[5] = Number{2} / v.height;
+        m[7] = -(v.top + v.bottom) / v.height;
+        m[10] = Number{-2} / v.depth;
+        m[11] = -(v.far + v.near) / v.depth;
+        m[15] = Number{1};
+        return Transposed(m);
+    });
 }
 
 }  // namespace kestrail

@@ -4,33 +4,25 @@
 #pragma once
 
 #include <array>
-#include <cstdint>
 #include <optional>
 
 #include "state/es1/es1_state.h"
+#include "state/stored_values.h"
 
 namespace kestrail {
 
 /// a x b: each sum over k starts at 0 and runs upwards, in single precision.
 SMatrix Product(const SMatrix& a, const SMatrix& b);
-SMatrix Transposed(const SMatrix& matrix);
 
 /// The builders give the matrix transposed, as the right factor of `Product`.
 SMatrix TranslateMatrix(float x, float y, float z);
 SMatrix ScaleMatrix(float x, float y, float z);
 /// The angle in degrees; the axis is taken as it is, not normalised.
-SMatrix RotateMatrix(float angle, float x, float y, float z);
-SMatrix FrustumMatrix(float l, float r, float b, float t, float n, float f);
-SMatrix OrthoMatrix(float l, float r, float b, float t, float n, float f);
-
-/// The same from raw fixed-point numbers. Integer steps wrap at 32 bits and divisions truncate.
-SMatrix RotateMatrixFixed(std::int32_t angle, std::int32_t x, std::int32_t y, std::int32_t z);
-/// Nothing where a division by zero would come up.
-std::optional<SMatrix> FrustumMatrixFixed(std::int32_t l, std::int32_t r, std::int32_t b,
-                                          std::int32_t t, std::int32_t n, std::int32_t f);
-std::optional<SMatrix> OrthoMatrixFixed(std::int32_t l, std::int32_t r, std::int32_t b,
-                                        std::int32_t t, std::int32_t n, std::int32_t f);
-/// Each element by `FixedValue`, in the order given.
-SMatrix MatrixFromFixed(const std::int32_t* elements);
+SMatrix RotateMatrix(const CNumbers& angle, const CNumbers& x, const CNumbers& y,
+                     const CNumbers& z);
+/// By left, right, bottom, top, near and far. In fixed point integer steps wrap at 32 bits,
+/// divisions truncate, and there is nothing where a division by zero would come up.
+std::optional<SMatrix> FrustumMatrix(const std::array<CNumbers, 6>& sides);
+std::optional<SMatrix> OrthoMatrix(const std::array<CNumbers, 6>& sides);
 
 }  // namespace kestrail

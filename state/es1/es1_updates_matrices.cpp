@@ -1,9 +1,8 @@
 // What the matrix calls of OpenGL ES 1.1 do to the record's stacks.
-#include <algorithm>
-
 #include "generated/calls/es1_calls.h"
 #include "state/es1/es1_matrices.h"
 #include "state/es1/es1_numbers.h"
+#include "state/es1/es1_updates.h"
 
 namespace kestrail {
 namespace {
@@ -65,13 +64,46 @@ bool Multiply(CEs1State& state, const SMatrix& factor) {
     return true;
 }
 
-SMatrix MatrixFrom(const float* elements) {
+SMatrix MatrixFrom(const CNumbers& elements) {
     SMatrix matrix;
-    std::copy_n(elements, matrix.size(), matrix.begin());
+    elements.Store(matrix.data(), static_cast<std::uint32_t>(matrix.size()));
     return matrix;
 }
 
 }  // namespace
+
+bool LoadMatrix(CEs1State& state, const CNumbers& elements) {
+    return elements.Count() != 0 && Load(state, MatrixFrom(elements), true);
+}
+
+bool MultMatrix(CEs1State& state, const CNumbers& elements) {
+    return elements.Count() != 0 && Multiply(state, MatrixFrom(elements));
+}
+
+bool Translate(CEs1State& state, const CNumbers& x, const CNumbers& y, const CNumbers& z) {
+    return Multiply(state, TranslateMatrix(x.Real(), y.Real(), z.Real()));
+}
+
+bool Scale(CEs1State& state, const CNumbers& x, const CNumbers& y, const CNumbers& z) {
+    return Multiply(state, ScaleMatrix(x.Real(), y.Real(), z.Real()));
+}
+
+bool Rotate(CEs1State& state, const CNumbers& angle, const CNumbers& x, const CNumbers& y,
+            const CNumbers& z) {
+    return Multiply(state, RotateMatrix(angle, x, y, z));
+}
+
+bool Frustum(CEs1State& state, const CNumbers& l, const CNumbers& r, const CNumbers& b,
+             const CNumbers& t, const CNumbers& n, const CNumbers& f) {
+    const auto matrix = FrustumMatrix({l, r, b, t, n, f});
+    return matrix && Multiply(state, *matrix);
+}
+
+bool Ortho(CEs1State& state, const CNumbers& l, const CNumbers& r, const CNumbers& b,
+           const CNumbers& t, const CNumbers& n, const CNumbers& f) {
+    const auto matrix = OrthoMatrix({l, r, b, t, n, f});
+    return matrix && Multiply(state, *matrix);
+}
 
 bool CEs1_glPushMatrix_v1::UpdateState(CEs1State& state, SUpdates&) {
     const std::int32_t current = CurrentStack(state, true);
@@ -97,76 +129,6 @@ bool CEs1_glPopMatrix_v1::UpdateState(CEs1State& state, SUpdates&) {
 bool CEs1_glLoadIdentity_v1::UpdateState(CEs1State& state, SUpdates&) {
     constexpr SMatrix kIdentity = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
     return Load(state, kIdentity, false);
-}
-
-bool CEs1_glLoadMatrixf_v6::UpdateState(CEs1State& state, SUpdates&) {
-    const float* elements = m.GetRawArray();
-    return elements != nullptr && Load(state, MatrixFrom(elements), true);
-}
-
-bool CEs1_glLoadMatrixx_v6::UpdateState(CEs1State& state, SUpdates&) {
-    const std::int32_t* elements = m.GetRawArray();
-    return elements != nullptr && Load(state, MatrixFromFixed(elements), true);
-}
-
-bool CEs1_glMultMatrixf_v1::UpdateState(CEs1State& state, SUpdates&) {
-    const float* elements = m.GetRawArray();
-    return elements != nullptr && Multiply(state, MatrixFrom(elements));
-}
-
-bool CEs1_glMultMatrixx_v1::UpdateState(CEs1State& state, SUpdates&) {
-    const std::int32_t* elements = m.GetRawArray();
-    return elements != nullptr && Multiply(state, MatrixFromFixed(elements));
-}
-
-bool CEs1_glTranslatef_v1::UpdateState(CEs1State& state, SUpdates&) {
-    return Multiply(state, TranslateMatrix(x.GetValue(), y.GetValue(), z.GetValue()));
-}
-
-bool CEs1_glTranslatex_v1::UpdateState(CEs1State& state, SUpdates&) {
-    return Multiply(state, TranslateMatrix(FixedValue(x.GetValue()), FixedValue(y.GetValue()),
-                                           FixedValue(z.GetValue())));
-}
-
-bool CEs1_glScalef_v1::UpdateState(CEs1State& state, SUpdates&) {
-    return Multiply(state, ScaleMatrix(x.GetValue(), y.GetValue(), z.GetValue()));
-}
-
-bool CEs1_glScalex_v1::UpdateState(CEs1State& state, SUpdates&) {
-    return Multiply(state, ScaleMatrix(FixedValue(x.GetValue()), FixedValue(y.GetValue()),
-                                       FixedValue(z.GetValue())));
-}
-
-bool CEs1_glRotatef_v1::UpdateState(CEs1State& state, SUpdates&) {
-    return Multiply(state,
-                    RotateMatrix(angle.GetValue(), x.GetValue(), y.GetValue(), z.GetValue()));
-}
-
-bool CEs1_glRotatex_v1::UpdateState(CEs1State& state, SUpdates&) {
-    return Multiply(state,
-                    RotateMatrixFixed(angle.GetValue(), x.GetValue(), y.GetValue(), z.GetValue()));
-}
-
-bool CEs1_glFrustumf_v1::UpdateState(CEs1State& state, SUpdates&) {
-    return Multiply(state, FrustumMatrix(l.GetValue(), r.GetValue(), b.GetValue(), t.GetValue(),
-                                         n.GetValue(), f.GetValue()));
-}
-
-bool CEs1_glFrustumx_v1::UpdateState(CEs1State& state, SUpdates&) {
-    const auto matrix = FrustumMatrixFixed(l.GetValue(), r.GetValue(), b.GetValue(), t.GetValue(),
-                                           n.GetValue(), f.GetValue());
-    return matrix && Multiply(state, *matrix);
-}
-
-bool CEs1_glOrthof_v1::UpdateState(CEs1State& state, SUpdates&) {
-    return Multiply(state, OrthoMatrix(l.GetValue(), r.GetValue(), b.GetValue(), t.GetValue(),
-                                       n.GetValue(), f.GetValue()));
-}
-
-bool CEs1_glOrthox_v1::UpdateState(CEs1State& state, SUpdates&) {
-    const auto matrix = OrthoMatrixFixed(l.GetValue(), r.GetValue(), b.GetValue(), t.GetValue(),
-                                         n.GetValue(), f.GetValue());
-    return matrix && Multiply(state, *matrix);
 }
 
 }  // namespace kestrail

@@ -1,42 +1,17 @@
 // What the texture calls of OpenGL ES 1.1 do to the record: units, bindings, images, parameters and
 // the environment of each unit.
 #include <algorithm>
-#include <functional>
 
 #include "calls/pixels/pixel_layout.h"
 #include "generated/calls/es1_calls.h"
 #include "state/es1/es1_numbers.h"
-#include "state/es1/es1_state.h"
+#include "state/es1/es1_updates.h"
 #include "state/sub_image.h"
 
 namespace kestrail {
 namespace {
 
 constexpr std::uint32_t kTexture2D = 3553;
-
-/// A number as an integer, whatever it is: the ends of the range stand for what lies beyond.
-std::int32_t ToInt(float value) {
-    constexpr float kLimit = 2147483648.0F;
-    if (!(value >= -kLimit)) return INT32_MIN;
-    return value < kLimit ? static_cast<std::int32_t>(value) : INT32_MAX;
-}
-
-/// A number of a texture call, in both of the forms that the record holds.
-struct SSetting {
-    std::int32_t integer;
-    float real;
-};
-
-SSetting Exact(std::int32_t value) {
-    return {value, static_cast<float>(value)};
-}
-// Kept: enumerants are divided too; tools compare the record.
-SSetting Scaled(std::int32_t raw) {
-    return Exact(raw / kFixedDivisor);
-}
-SSetting Real(float value) {
-    return {ToInt(value), value};
-}
 
 /// The name bound to the active unit; null when the record does not hold that unit.
 const std::uint32_t* BoundTexture(const CEs1State& state, std::uint32_t target) {
@@ -61,74 +36,62 @@ std::uint32_t LayoutSize(const STextureImage1State& image) {
         std::min<std::uint64_t>(size != 0 ? size : image.data.Size(), UINT32_MAX));
 }
 
-bool SetTexParameter(CEs1State& state, std::uint32_t target, std::uint32_t pname,
-                     std::int32_t value) {
-    const std::uint32_t* bound = BoundTexture(state, target);
-    if (bound == nullptr || *bound == 0) return false;
-    const int found = PlaceIn(kTexture1Parameters, pname);
-    if (found < 0) return true;
-    const auto place = static_cast<std::size_t>(found);
-    const STextureImage1State* image = state.FindImage(*bound, 0);
-    if (image != nullptr && image->parameters[place] == value) return true;
-    WriteNamedImage(state, *bound, 0).parameters[place] = value;
-    return true;
-}
-
-/// The first number of a vector form.
-template <typename Array, typename Convert>
-bool SetTexParameters(CEs1State& state, std::uint32_t target, std::uint32_t pname,
-                      const Array& values, Convert convert) {
-    return values.ItemCount() != 0 &&
-           SetTexParameter(state, target, pname, convert(values.GetItem(0)));
-}
-
 /// Stores a value of the units' environments unless it is there already. `field` picks its place.
 template <typename Field, typename Value>
 void SetEnvValue(CEs1State& state, Field field, Value value) {
     if (field(*state.textureEnvs) != value) field(state.textureEnvs.Write()) = value;
 }
 
-bool SetTexEnv(CEs1State& state, std::uint32_t target, std::uint32_t pname, SSetting value) {
+}  // namespace
+
+bool SetTexParameter(CEs1State& state, const TGLenum& target, const TGLenum& pname,
+                     const CNumbers& value) {
+    const std::uint32_t* bound = BoundTexture(state, target.GetValue());
+    if (value.Count() == 0 || bound == nullptr || *bound == 0) return false;
+    const int found = PlaceIn(kTexture1Parameters, pname.GetValue());
+    if (found < 0) return true;
+    const auto place = static_cast<std::size_t>(found);
+    const STextureImage1State* image = state.FindImage(*bound, 0);
+    if (image != nullptr && image->parameters[place] == value.Integer()) return true;
+    WriteNamedImage(state, *bound, 0).parameters[place] = value.Integer();
+    return true;
+}
+
+bool SetTexEnv(CEs1State& state, const TGLenum& target, const TGLenum& pname,
+               const CNumbers& value) {
     constexpr std::uint32_t kTextureEnv = 8960;
     constexpr std::uint32_t kPointSprite = 34913;
     constexpr std::uint32_t kCoordReplace = 34914;
     constexpr std::uint32_t kRgbScale = 34163;
     constexpr std::uint32_t kAlphaScale = 3356;
     const std::int32_t active = state.ActiveUnit();
-    if (active < 0) return false;
+    if (active < 0 || value.Count() == 0) return false;
     const auto unit = static_cast<std::size_t>(active);
+    // Kept: enumerants are divided too; tools compare the record.
+    const std::int32_t integer = value.Integer() / (value.AreFixed() ? kFixedDivisor : 1);
+    const std::uint32_t name = pname.GetValue();
     // The pair that switches point sprites counts as target and pname, and as pname and value.
-    const bool asTarget = target == kPointSprite && pname == kCoordReplace;
-    const bool asName =
-        pname == kPointSprite && value.integer == static_cast<std::int32_t>(kCoordReplace);
+    const bool asTarget = target.GetValue() == kPointSprite && name == kCoordReplace;
+    const bool asName = name == kPointSprite && integer == static_cast<std::int32_t>(kCoordReplace);
     if (asTarget || asName) {
         SetEnvValue(
-            state, [unit](auto& envs) -> auto& { return envs.pointSpriteReplace[unit]; },
-            value.integer);
+            state, [unit](auto& envs) -> auto& { return envs.pointSpriteReplace[unit]; }, integer);
         return true;
     }
-    if (target != kTextureEnv) return false;
-    if (pname == kRgbScale || pname == kAlphaScale) {
-        const std::size_t scale = pname == kRgbScale ? 0 : 1;
+    if (target.GetValue() != kTextureEnv) return false;
+    if (name == kRgbScale || name == kAlphaScale) {
+        const std::size_t scale = name == kRgbScale ? 0 : 1;
         SetEnvValue(
-            state, [=](auto& envs) -> auto& { return envs.scales[unit][scale]; }, value.real);
+            state, [=](auto& envs) -> auto& { return envs.scales[unit][scale]; }, value.Real());
         return true;
     }
-    const int found = PlaceIn(kTextureEnvParameters, pname);
+    const int found = PlaceIn(kTextureEnvParameters, name);
     if (found < 0) return true;
     const auto place = static_cast<std::size_t>(found);
     SetEnvValue(
-        state, [=](auto& envs) -> auto& { return envs.values[unit][place]; }, value.integer);
+        state, [=](auto& envs) -> auto& { return envs.values[unit][place]; }, integer);
     return true;
 }
-
-template <typename Array, typename Convert>
-bool SetTexEnvs(CEs1State& state, std::uint32_t target, std::uint32_t pname, const Array& values,
-                Convert convert) {
-    return values.ItemCount() != 0 && SetTexEnv(state, target, pname, convert(values.GetItem(0)));
-}
-
-}  // namespace
 
 bool CEs1_glActiveTexture_v1::UpdateState(CEs1State& state, SUpdates&) {
     state.activeTexture = texture.GetValue();
@@ -195,54 +158,6 @@ bool CEs1_glTexSubImage2D_v1::UpdateState(CEs1State& state, SUpdates& updates) {
     return ApplySubImage(
         state.FindImage(name, place), part,
         updates, [&]() -> auto& { return state.WriteImage(name, place); });
-}
-
-bool CEs1_glTexParameterf_v1::UpdateState(CEs1State& state, SUpdates&) {
-    return SetTexParameter(state, target.GetValue(), pname.GetValue(), ToInt(param.GetValue()));
-}
-
-bool CEs1_glTexParameterfv_v1::UpdateState(CEs1State& state, SUpdates&) {
-    return SetTexParameters(state, target.GetValue(), pname.GetValue(), params, ToInt);
-}
-
-bool CEs1_glTexParameteri_v1::UpdateState(CEs1State& state, SUpdates&) {
-    return SetTexParameter(state, target.GetValue(), pname.GetValue(), param.GetValue());
-}
-
-bool CEs1_glTexParameteriv_v1::UpdateState(CEs1State& state, SUpdates&) {
-    return SetTexParameters(state, target.GetValue(), pname.GetValue(), params, std::identity());
-}
-
-bool CEs1_glTexParameterx_v1::UpdateState(CEs1State& state, SUpdates&) {
-    return SetTexParameter(state, target.GetValue(), pname.GetValue(), param.GetValue());
-}
-
-bool CEs1_glTexParameterxv_v1::UpdateState(CEs1State& state, SUpdates&) {
-    return SetTexParameters(state, target.GetValue(), pname.GetValue(), params, std::identity());
-}
-
-bool CEs1_glTexEnvf_v1::UpdateState(CEs1State& state, SUpdates&) {
-    return SetTexEnv(state, target.GetValue(), pname.GetValue(), Real(param.GetValue()));
-}
-
-bool CEs1_glTexEnvfv_v1::UpdateState(CEs1State& state, SUpdates&) {
-    return SetTexEnvs(state, target.GetValue(), pname.GetValue(), params, Real);
-}
-
-bool CEs1_glTexEnvi_v1::UpdateState(CEs1State& state, SUpdates&) {
-    return SetTexEnv(state, target.GetValue(), pname.GetValue(), Exact(param.GetValue()));
-}
-
-bool CEs1_glTexEnviv_v1::UpdateState(CEs1State& state, SUpdates&) {
-    return SetTexEnvs(state, target.GetValue(), pname.GetValue(), params, Exact);
-}
-
-bool CEs1_glTexEnvx_v1::UpdateState(CEs1State& state, SUpdates&) {
-    return SetTexEnv(state, target.GetValue(), pname.GetValue(), Scaled(param.GetValue()));
-}
-
-bool CEs1_glTexEnvxv_v1::UpdateState(CEs1State& state, SUpdates&) {
-    return SetTexEnvs(state, target.GetValue(), pname.GetValue(), params, Scaled);
 }
 
 }  // namespace kestrail

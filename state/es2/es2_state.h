@@ -83,9 +83,7 @@ struct SShaderState {
 class CShaderValues {
 public:
     /// At least one value.
-    template <typename T>
-    void Set(const T* values, std::uint32_t count) {
-        static_assert(sizeof(T) == kWidth);
+    void Set(const void* values, std::uint32_t count) {
         m_count = count;
         if (count <= kHeld) {
             std::memcpy(m_held, values, std::size_t{count} * kWidth);

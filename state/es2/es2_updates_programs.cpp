@@ -39,11 +39,15 @@ std::uint32_t* ShaderSlot(SProgramState& program, std::uint32_t type) {
     return type == GL_FRAGMENT_SHADER ? &program.fragmentShader : nullptr;
 }
 
-/// Sets a uniform of the current program. One whose location was never asked for has no name to
-/// find it by in another run, so it has no place in the record.
-template <typename T>
+/// Whether `held` has that text already, so that it needs no copy of its own.
+bool SameText(const TShared<CKSTLString>& held, const SString& text) {
+    return held->view() == text.GetCString();
+}
+
+}  // namespace
+
 bool StoreUniform(CEs2State& state, std::int32_t location, std::uint32_t kind,
-                  std::int32_t components, const T* values, std::uint32_t count) {
+                  std::int32_t components, const void* values, std::uint32_t count) {
     if (location == -1) return true;
     const auto key = static_cast<std::uint32_t>(location);
     const std::uint32_t program = state.currentProgram.name;
@@ -58,41 +62,6 @@ bool StoreUniform(CEs2State& state, std::int32_t location, std::uint32_t kind,
     uniform.components = components;
     uniform.values.Set(values, count);
     return true;
-}
-
-template <typename T>
-constexpr std::uint32_t kKindOf = SUniformState::kInteger;
-template <>
-constexpr std::uint32_t kKindOf<float> = SUniformState::kFloat;
-
-template <typename T, std::uint32_t N>
-bool SetUniform(CEs2State& state, const TGLint& location, const T (&values)[N]) {
-    return StoreUniform(state, location.GetValue(), kKindOf<T>, static_cast<std::int32_t>(N),
-                        values, N);
-}
-
-template <typename Array>
-bool SetUniformArray(CEs2State& state, const TGLint& location, const TGLsizei& count,
-                     const Array& array, std::uint32_t kind) {
-    const std::int32_t items = count.GetValue();
-    if (items == 0) return true;
-    if (items < 0 || static_cast<std::uint32_t>(items) > array.ItemCount()) return false;
-    const typename Array::ValueType* values = array.GetRawArray();
-    return StoreUniform(state, location.GetValue(), kind,
-                        static_cast<std::int32_t>(Array::kItemSize), values,
-                        static_cast<std::uint32_t>(items) * Array::kItemSize);
-}
-
-template <typename Array>
-bool SetUniforms(CEs2State& state, const TGLint& location, const TGLsizei& count,
-                 const Array& array) {
-    return SetUniformArray(state, location, count, array, kKindOf<typename Array::ValueType>);
-}
-
-template <typename Array>
-bool SetMatrices(CEs2State& state, const TGLint& location, const TGLsizei& count,
-                 const Array& array) {
-    return SetUniformArray(state, location, count, array, SUniformState::kMatrix);
 }
 
 // Kept: constants are held by program, though a context has one set; tools compare seeks.
@@ -111,23 +80,6 @@ bool StoreAttribute(CEs2State& state, std::uint32_t index, const float* values,
     attribute.values.Set(values, count);
     return true;
 }
-
-template <std::uint32_t N>
-bool SetAttribute(CEs2State& state, const TGLuint& index, const float (&values)[N]) {
-    return StoreAttribute(state, index.GetValue(), values, N);
-}
-
-template <unsigned N>
-bool SetAttribute(CEs2State& state, const TGLuint& index, const SPtr<TGLfloat, N, 1>& values) {
-    return StoreAttribute(state, index.GetValue(), values.GetRawArray(), N);
-}
-
-/// Whether `held` has that text already, so that it needs no copy of its own.
-bool SameText(const TShared<CKSTLString>& held, const SString& text) {
-    return held->view() == text.GetCString();
-}
-
-}  // namespace
 
 bool CEs2_glCreateShader_v1::UpdateState(CEs2State& state, SUpdates&) {
     const std::uint32_t name = result.GetValue();
@@ -277,104 +229,6 @@ bool CEs2_glGetUniformLocation_v1::UpdateState(CEs2State& state, SUpdates&) {
     made.location = made.liveLocation = location;
     made.name = TShared<CKSTLString>(CKSTLString(name.GetCString()));
     return true;
-}
-
-bool CEs2_glUniform1f_v1::UpdateState(CEs2State& state, SUpdates&) {
-    return SetUniform(state, location, {v0.GetValue()});
-}
-bool CEs2_glUniform1fv_v1::UpdateState(CEs2State& state, SUpdates&) {
-    return SetUniforms(state, location, count, value);
-}
-
-bool CEs2_glUniform1i_v1::UpdateState(CEs2State& state, SUpdates&) {
-    return SetUniform(state, location, {v0.GetValue()});
-}
-bool CEs2_glUniform1iv_v1::UpdateState(CEs2State& state, SUpdates&) {
-    return SetUniforms(state, location, count, value);
-}
-
-bool CEs2_glUniform2f_v1::UpdateState(CEs2State& state, SUpdates&) {
-    return SetUniform(state, location, {v0.GetValue(), v1.GetValue()});
-}
-bool CEs2_glUniform2fv_v1::UpdateState(CEs2State& state, SUpdates&) {
-    return SetUniforms(state, location, count, value);
-}
-
-bool CEs2_glUniform2i_v1::UpdateState(CEs2State& state, SUpdates&) {
-    return SetUniform(state, location, {v0.GetValue(), v1.GetValue()});
-}
-bool CEs2_glUniform2iv_v1::UpdateState(CEs2State& state, SUpdates&) {
-    return SetUniforms(state, location, count, value);
-}
-
-bool CEs2_glUniform3f_v1::UpdateState(CEs2State& state, SUpdates&) {
-    return SetUniform(state, location, {v0.GetValue(), v1.GetValue(), v2.GetValue()});
-}
-bool CEs2_glUniform3fv_v1::UpdateState(CEs2State& state, SUpdates&) {
-    return SetUniforms(state, location, count, value);
-}
-
-bool CEs2_glUniform3i_v1::UpdateState(CEs2State& state, SUpdates&) {
-    return SetUniform(state, location, {v0.GetValue(), v1.GetValue(), v2.GetValue()});
-}
-bool CEs2_glUniform3iv_v1::UpdateState(CEs2State& state, SUpdates&) {
-    return SetUniforms(state, location, count, value);
-}
-
-bool CEs2_glUniform4f_v1::UpdateState(CEs2State& state, SUpdates&) {
-    return SetUniform(state, location,
-                      {v0.GetValue(), v1.GetValue(), v2.GetValue(), v3.GetValue()});
-}
-bool CEs2_glUniform4fv_v1::UpdateState(CEs2State& state, SUpdates&) {
-    return SetUniforms(state, location, count, value);
-}
-
-bool CEs2_glUniform4i_v1::UpdateState(CEs2State& state, SUpdates&) {
-    return SetUniform(state, location,
-                      {v0.GetValue(), v1.GetValue(), v2.GetValue(), v3.GetValue()});
-}
-bool CEs2_glUniform4iv_v1::UpdateState(CEs2State& state, SUpdates&) {
-    return SetUniforms(state, location, count, value);
-}
-
-bool CEs2_glUniformMatrix2fv_v1::UpdateState(CEs2State& state, SUpdates&) {
-    return SetMatrices(state, location, count, value);
-}
-
-bool CEs2_glUniformMatrix3fv_v1::UpdateState(CEs2State& state, SUpdates&) {
-    return SetMatrices(state, location, count, value);
-}
-
-bool CEs2_glUniformMatrix4fv_v1::UpdateState(CEs2State& state, SUpdates&) {
-    return SetMatrices(state, location, count, value);
-}
-
-bool CEs2_glVertexAttrib1f_v1::UpdateState(CEs2State& state, SUpdates&) {
-    return SetAttribute(state, index, {x.GetValue()});
-}
-bool CEs2_glVertexAttrib1fv_v1::UpdateState(CEs2State& state, SUpdates&) {
-    return SetAttribute(state, index, v);
-}
-
-bool CEs2_glVertexAttrib2f_v1::UpdateState(CEs2State& state, SUpdates&) {
-    return SetAttribute(state, index, {x.GetValue(), y.GetValue()});
-}
-bool CEs2_glVertexAttrib2fv_v1::UpdateState(CEs2State& state, SUpdates&) {
-    return SetAttribute(state, index, v);
-}
-
-bool CEs2_glVertexAttrib3f_v1::UpdateState(CEs2State& state, SUpdates&) {
-    return SetAttribute(state, index, {x.GetValue(), y.GetValue(), z.GetValue()});
-}
-bool CEs2_glVertexAttrib3fv_v1::UpdateState(CEs2State& state, SUpdates&) {
-    return SetAttribute(state, index, v);
-}
-
-bool CEs2_glVertexAttrib4f_v1::UpdateState(CEs2State& state, SUpdates&) {
-    return SetAttribute(state, index, {x.GetValue(), y.GetValue(), z.GetValue(), w.GetValue()});
-}
-bool CEs2_glVertexAttrib4fv_v1::UpdateState(CEs2State& state, SUpdates&) {
-    return SetAttribute(state, index, v);
 }
 
 }  // namespace kestrail

@@ -1,6 +1,7 @@
 #include <GLES3/gl3.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <limits>
 #include <utility>
@@ -60,38 +61,30 @@ STextureImageState& WriteFirstImage(CEs2State& state, std::uint32_t name, std::u
     return image;
 }
 
-bool SetTexParameter(CEs2State& state, std::uint32_t target, std::uint32_t pname,
-                     std::int32_t value) {
-    const TShared<SUnitBindings>* units = UnitsOf(state, target);
-    const std::uint32_t unit = ActiveUnit(state);
-    if (units == nullptr || unit == kTextureUnits) return false;
-    const std::uint32_t name = (**units)[unit];
-    if (name == 0) return false;
-    const int found = TextureParameterIndex(pname);
-    if (found < 0) return true;
-    const auto index = static_cast<std::size_t>(found);
-    const STextureImageState* held = state.FindImage(name, 0, 0);
-    if (held == nullptr || held->parameters[index] != value) {
-        WriteFirstImage(state, name, target).parameters[index] = value;
-    }
-    return true;
-}
-
-/// A parameter given as a float: the nearest value that an int can hold, 0 for what is no number.
-std::int32_t ParameterFromFloat(float value) {
-    if (!(value == value)) return 0;
-    constexpr auto kMax = std::numeric_limits<std::int32_t>::max();
-    constexpr auto kMin = std::numeric_limits<std::int32_t>::min();
-    if (value >= 2147483648.0F) return kMax;
-    return value < -2147483648.0F ? kMin : static_cast<std::int32_t>(value);
-}
-
 std::uint32_t Saturated(std::uint64_t size) {
     return static_cast<std::uint32_t>(
         std::min<std::uint64_t>(size, std::numeric_limits<std::uint32_t>::max()));
 }
 
 }  // namespace
+
+bool SetTexParameter(CEs2State& state, const TGLenum& target, const TGLenum& pname,
+                     const CNumbers& numbers) {
+    const TShared<SUnitBindings>* units = UnitsOf(state, target.GetValue());
+    const std::uint32_t unit = ActiveUnit(state);
+    if (numbers.Count() == 0 || units == nullptr || unit == kTextureUnits) return false;
+    const std::uint32_t name = (**units)[unit];
+    if (name == 0) return false;
+    const int found = TextureParameterIndex(pname.GetValue());
+    if (found < 0) return true;
+    const auto index = static_cast<std::size_t>(found);
+    const std::int32_t value = std::isnan(numbers.Real()) ? 0 : numbers.Integer();
+    const STextureImageState* held = state.FindImage(name, 0, 0);
+    if (held == nullptr || held->parameters[index] != value) {
+        WriteFirstImage(state, name, target.GetValue()).parameters[index] = value;
+    }
+    return true;
+}
 
 std::uint32_t ActiveUnit(const CEs2State& state) {
     return std::min(state.activeTexture - GL_TEXTURE0, kTextureUnits);
@@ -205,25 +198,6 @@ bool CEs2_glTexSubImage2D_v1::UpdateState(CEs2State& state, SUpdates& updates) {
                            yoffset.GetValue(), width.GetValue(), height.GetValue(),
                            format.GetValue(), type.GetValue(), state.unpackAlignment},
                           updates);
-}
-
-bool CEs2_glTexParameterf_v1::UpdateState(CEs2State& state, SUpdates&) {
-    return SetTexParameter(state, target.GetValue(), pname.GetValue(),
-                           ParameterFromFloat(param.GetValue()));
-}
-
-bool CEs2_glTexParameterfv_v1::UpdateState(CEs2State& state, SUpdates&) {
-    return params.ItemCount() != 0 && SetTexParameter(state, target.GetValue(), pname.GetValue(),
-                                                      ParameterFromFloat(params.GetItem(0)));
-}
-
-bool CEs2_glTexParameteri_v1::UpdateState(CEs2State& state, SUpdates&) {
-    return SetTexParameter(state, target.GetValue(), pname.GetValue(), param.GetValue());
-}
-
-bool CEs2_glTexParameteriv_v1::UpdateState(CEs2State& state, SUpdates&) {
-    return params.ItemCount() != 0 &&
-           SetTexParameter(state, target.GetValue(), pname.GetValue(), params.GetItem(0));
 }
 
 }  // namespace kestrail

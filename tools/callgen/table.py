@@ -7,8 +7,9 @@ A row is a head line and one indented line for each parameter:
 
 RECORD is the file version that brought this layout of the record; FIRST and LAST are the file
 versions that select the row (no LAST: every later one). APIS, for extension calls, are the APIs whose
-tables have the entry. state: the class has an UpdateState of its own, written in the room state/. That of a row whose
-parameters say `sets` is made from them.
+tables have the entry. state: the class has an UpdateState of its own, written in the room state/;
+state=FUNCTION: that only hands the parameters on to a function there. Where parameters say `sets`, it
+is made from them.
 A CLASS is a value class of calls/model; a type of the published headers stands for its class, which
 has a T before the name.
 
@@ -77,7 +78,7 @@ class Row:
     play: str
     returns: str = ""
     apis: tuple = ()
-    state: bool = False
+    state: str = ""
     parameters: list = field(default_factory=list)
 
     @property
@@ -98,7 +99,8 @@ STATES = {"egl": "CEglState", "es1": "CEs1State", "es2": "CEs2State", "es3": "CE
           "ext": "CEs1State"}
 PLAYS = {"plain", "bind", "gen", "genonce", "delete", "skip", "check", "test", "fail", "hand", "none"}
 HEAD = re.compile(
-    r'^(\d+) (\w+) v(\d+) (\d+)-(\d*) "([^"]*)" (\w+)(?: returns (\S+))?(?: on (\S+))?( state)?$')
+    r'^(\d+) (\w+) v(\d+) (\d+)-(\d*) "([^"]*)" (\w+)(?: returns (\S+))?(?: on (\S+))?'
+    r'(?: (state(?:=\w+)?))?$')
 
 
 def cpp_class(word):
@@ -142,5 +144,5 @@ def load(path):
                             int(match.group(4)), int(match.group(5) or 0), match.group(6),
                             match.group(7), cpp_class(match.group(8) or ""),
                             tuple((match.group(9) or "").split(",")) if match.group(9) else (),
-                            bool(match.group(10))))
+                            match.group(10) or ""))
     return rows
