@@ -1,6 +1,6 @@
 #include "exec/draw_indices.h"
 
-#include <GLES3/gl3.h>
+#include "base/enumerants.h"
 
 namespace kestrail {
 

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "base/enumerants.h"
 #include "calls/model/client_arrays.h"
 #include "exec/host_data.h"
 
@@ -42,9 +43,7 @@ SDrawIndices DrawIndices(bool elementBuffer, const SDataPtr& captured, std::uint
 template <typename Host>
 bool ElementsFit(Host& host, std::uint32_t offset, std::int32_t count, std::uint32_t type) {
     std::int32_t size = 0;
-    constexpr std::uint32_t kElementArrayBuffer = 34963;
-    constexpr std::uint32_t kBufferSize = 34660;
-    host.glGetBufferParameteriv(kElementArrayBuffer, kBufferSize, &size);
+    host.glGetBufferParameteriv(GL_ELEMENT_ARRAY_BUFFER, GL_BUFFER_SIZE, &size);
     return std::int64_t{offset} + std::int64_t{count} * ComponentBytes(type) <= size;
 }
 

@@ -54,7 +54,7 @@ struct SRecordedConfig {
 
 SRecordedConfig TakeApart(const EGLint* attributes) {
     // Kept: other bits become that of ES2, which all drivers have.
-    constexpr EGLint kHighestRenderable = 4;
+    constexpr EGLint kHighestRenderable = EGL_OPENGL_ES2_BIT;
     SRecordedConfig config;
     std::array<const EGLint*, std::size(kAttributeOrder)> found{};
     for (const EGLint* pair = attributes; *pair != EGL_NONE; pair += 2) {
@@ -82,7 +82,6 @@ SRecordedConfig TakeApart(const EGLint* attributes) {
 
 /// Weakens one pair, or cuts the list there.
 void Relax(EGLint* pair, EGLint renderable) {
-    constexpr EGLint kOpenVg = 2;
     switch (pair[0]) {
         case EGL_BUFFER_SIZE:
         case EGL_ALPHA_SIZE:
@@ -102,7 +101,7 @@ void Relax(EGLint* pair, EGLint renderable) {
             if (pair[1] > EGL_WINDOW_BIT) pair[1] &= EGL_WINDOW_BIT;
             break;
         case EGL_ALPHA_MASK_SIZE:
-            if (renderable == kOpenVg) {
+            if (renderable == EGL_OPENVG_BIT) {
                 pair[0] = EGL_NONE;
             } else {
                 pair[1] = 0;
@@ -184,15 +183,16 @@ void DumpPlainValue(const char* name, EGLint value) {
 }
 
 void DumpBoolean(const char* name, EGLint value) {
-    DumpWord(name, value, {{-1, "EGL_DONT_CARE"}, {1, "EGL_TRUE"}, {0, "EGL_FALSE"}});
+    DumpWord(name, value,
+             {{EGL_DONT_CARE, "EGL_DONT_CARE"}, {EGL_TRUE, "EGL_TRUE"}, {EGL_FALSE, "EGL_FALSE"}});
 }
 
 void DumpApis(const char* name, EGLint value) {
     DumpBits(name, value,
-             {{1, "EGL_OPENGL_ES_BIT "},
-              {2, "EGL_OPENVG_BIT "},
-              {4, "EGL_OPENGL_ES2_BIT "},
-              {8, "EGL_OPENGL_BIT "}});
+             {{EGL_OPENGL_ES_BIT, "EGL_OPENGL_ES_BIT "},
+              {EGL_OPENVG_BIT, "EGL_OPENVG_BIT "},
+              {EGL_OPENGL_ES2_BIT, "EGL_OPENGL_ES2_BIT "},
+              {EGL_OPENGL_BIT, "EGL_OPENGL_BIT "}});
 }
 
 /// False for a code that names no attribute of a configuration.
@@ -240,13 +240,13 @@ bool DumpAttribute(EGLint code, EGLint value) {
                 break;
             case EGL_SURFACE_TYPE:
                 DumpBits("EGL_SURFACE_TYPE", value,
-                         {{0x1, "EGL_PBUFFER_BIT "},
-                          {0x2, "EGL_PIXMAP_BIT "},
-                          {0x4, "EGL_WINDOW_BIT "},
-                          {0x20, "EGL_VG_COLORSPACE_LINEAR_BIT "},
-                          {0x40, "EGL_VG_ALPHA_FORMAT_PRE_BIT "},
-                          {0x200, "EGL_MULTISAMPLE_RESOLVE_BOX_BIT "},
-                          {0x400, "EGL_SWAP_BEHAVIOR_PRESERVED_BIT "}});
+                         {{EGL_PBUFFER_BIT, "EGL_PBUFFER_BIT "},
+                          {EGL_PIXMAP_BIT, "EGL_PIXMAP_BIT "},
+                          {EGL_WINDOW_BIT, "EGL_WINDOW_BIT "},
+                          {EGL_VG_COLORSPACE_LINEAR_BIT, "EGL_VG_COLORSPACE_LINEAR_BIT "},
+                          {EGL_VG_ALPHA_FORMAT_PRE_BIT, "EGL_VG_ALPHA_FORMAT_PRE_BIT "},
+                          {EGL_MULTISAMPLE_RESOLVE_BOX_BIT, "EGL_MULTISAMPLE_RESOLVE_BOX_BIT "},
+                          {EGL_SWAP_BEHAVIOR_PRESERVED_BIT, "EGL_SWAP_BEHAVIOR_PRESERVED_BIT "}});
                 break;
             case EGL_TRANSPARENT_TYPE:
                 DumpWord("EGL_TRANSPARENT_TYPE", value,

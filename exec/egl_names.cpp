@@ -53,11 +53,10 @@ std::int32_t ContextVersion(const EGLint* attributes) {
 }
 
 const EGLint* CheckedAttributes(const EGLint* attributes, std::vector<EGLint>& room) {
-    constexpr EGLint kNoError = 0x31B3;
-    if (ValueOf(attributes, kNoError) == nullptr) return attributes;
+    if (ValueOf(attributes, EGL_CONTEXT_OPENGL_NO_ERROR_KHR) == nullptr) return attributes;
     room.clear();
     for (const EGLint* pair = attributes; IsPair(pair); pair += 2) {
-        if (pair[0] != kNoError) room.insert(room.end(), pair, pair + 2);
+        if (pair[0] != EGL_CONTEXT_OPENGL_NO_ERROR_KHR) room.insert(room.end(), pair, pair + 2);
     }
     room.push_back(EGL_NONE);
     return room.data();

@@ -3,12 +3,11 @@
 // process.
 #pragma once
 
-#include <EGL/egl.h>
-
 #include <cstdint>
 #include <map>
 #include <vector>
 
+#include "base/enumerants.h"
 #include "base/name_table.h"
 #include "exec/client_memory.h"
 #include "exec/pixel_store.h"

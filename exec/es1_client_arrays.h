@@ -3,11 +3,10 @@
 // at the bytes in the call.
 #pragma once
 
-#include <GLES/gl.h>
-
 #include <algorithm>
 #include <optional>
 
+#include "base/enumerants.h"
 #include "base/output.h"
 #include "calls/model/client_arrays.h"
 #include "exec/client_memory.h"
@@ -39,13 +38,22 @@ enum EKind : int {
 };
 
 inline constexpr SArrayKind kArrayKinds[] = {
-    {32886, 32897, 32898, 32899, 34968, 32912},  // colour
-    {32885, 0, 32894, 32895, 34967, 32911},      // normal
-    {32884, 32890, 32891, 32892, 34966, 32910},  // vertex
-    {35740, 0, 35210, 35211, 35743, 35212},      // point size
-    {34884, 34886, 34887, 34888, 35742, 34889},  // matrix index
-    {34477, 34475, 34473, 34474, 34974, 34476},  // weight
-    {32888, 32904, 32905, 32906, 34970, 32914},  // texture coordinates of a unit
+    {GL_COLOR_ARRAY, GL_COLOR_ARRAY_SIZE, GL_COLOR_ARRAY_TYPE, GL_COLOR_ARRAY_STRIDE,
+     GL_COLOR_ARRAY_BUFFER_BINDING, GL_COLOR_ARRAY_POINTER},
+    {GL_NORMAL_ARRAY, 0, GL_NORMAL_ARRAY_TYPE, GL_NORMAL_ARRAY_STRIDE,
+     GL_NORMAL_ARRAY_BUFFER_BINDING, GL_NORMAL_ARRAY_POINTER},
+    {GL_VERTEX_ARRAY, GL_VERTEX_ARRAY_SIZE, GL_VERTEX_ARRAY_TYPE, GL_VERTEX_ARRAY_STRIDE,
+     GL_VERTEX_ARRAY_BUFFER_BINDING, GL_VERTEX_ARRAY_POINTER},
+    {GL_POINT_SIZE_ARRAY_OES, 0, GL_POINT_SIZE_ARRAY_TYPE_OES, GL_POINT_SIZE_ARRAY_STRIDE_OES,
+     GL_POINT_SIZE_ARRAY_BUFFER_BINDING_OES, GL_POINT_SIZE_ARRAY_POINTER_OES},
+    {GL_MATRIX_INDEX_ARRAY_OES, GL_MATRIX_INDEX_ARRAY_SIZE_OES, GL_MATRIX_INDEX_ARRAY_TYPE_OES,
+     GL_MATRIX_INDEX_ARRAY_STRIDE_OES, GL_MATRIX_INDEX_ARRAY_BUFFER_BINDING_OES,
+     GL_MATRIX_INDEX_ARRAY_POINTER_OES},
+    {GL_WEIGHT_ARRAY_OES, GL_WEIGHT_ARRAY_SIZE_OES, GL_WEIGHT_ARRAY_TYPE_OES,
+     GL_WEIGHT_ARRAY_STRIDE_OES, GL_WEIGHT_ARRAY_BUFFER_BINDING_OES, GL_WEIGHT_ARRAY_POINTER_OES},
+    {GL_TEXTURE_COORD_ARRAY, GL_TEXTURE_COORD_ARRAY_SIZE, GL_TEXTURE_COORD_ARRAY_TYPE,
+     GL_TEXTURE_COORD_ARRAY_STRIDE, GL_TEXTURE_COORD_ARRAY_BUFFER_BINDING,
+     GL_TEXTURE_COORD_ARRAY_POINTER},
 };
 
 /// What the host says of a client array.
@@ -109,11 +117,9 @@ private:
     }
 
     void PointTexture(int kind) {
-        constexpr GLenum kMaxTextureUnits = 34018;
-        constexpr GLenum kClientActiveTexture = 34017;
         const SArrayKind& array = kArrayKinds[kFirstTexture];
-        if (kind - kFirstTexture >= Integer(m_c.host, kMaxTextureUnits)) return;
-        const auto saved = static_cast<GLenum>(Integer(m_c.host, kClientActiveTexture));
+        if (kind - kFirstTexture >= Integer(m_c.host, GL_MAX_TEXTURE_UNITS)) return;
+        const auto saved = static_cast<GLenum>(Integer(m_c.host, GL_CLIENT_ACTIVE_TEXTURE));
         m_c.host.glClientActiveTexture(GL_TEXTURE0 + static_cast<GLenum>(kind - kFirstTexture));
         const SArrayState state = Ask(array);
         if (state.buffer == 0 && state.pointer != nullptr &&

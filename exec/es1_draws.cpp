@@ -1,6 +1,7 @@
 // The draws of ES1.
 #include <algorithm>
 
+#include "base/enumerants.h"
 #include "exec/contexts_arrays.h"
 #include "exec/draw_indices.h"
 #include "exec/es1_client_arrays.h"
@@ -13,8 +14,7 @@ namespace {
 
 /// Points the arrays for a draw, with the array buffer unbound meanwhile.
 bool PointArrays(SEs1Play& c, CEs1ClientArrays& arrays, SVertices vertices) {
-    constexpr GLenum kArrayBufferBinding = 34964;
-    const auto arrayBuffer = static_cast<GLuint>(Integer(c.host, kArrayBufferBinding));
+    const auto arrayBuffer = static_cast<GLuint>(Integer(c.host, GL_ARRAY_BUFFER_BINDING));
     c.host.glBindBuffer(GL_ARRAY_BUFFER, 0);
     EnsureExtensionResolver(c.names);
     const bool sound = arrays.Point();
@@ -39,10 +39,9 @@ EPlayed PlayGlDrawArrays(SEs1Play& c, SEs1_glDrawArrays call) {
 }
 
 EPlayed PlayGlDrawElements(SEs1Play& c, SEs1_glDrawElements call) {
-    constexpr GLenum kElementBufferBinding = 34965;
     const GLsizei count = call.count();
     const GLenum type = call.type();
-    const bool elementBuffer = Integer(c.host, kElementBufferBinding) != 0;
+    const bool elementBuffer = Integer(c.host, GL_ELEMENT_ARRAY_BUFFER_BINDING) != 0;
     const SDrawIndices indices =
         DrawIndices(elementBuffer, call.indices(), call.indicesOffset(), count, type);
     // Kept: of arrays without bytes not a word, unlike glDrawArrays; readers match it.

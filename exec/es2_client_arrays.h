@@ -3,13 +3,12 @@
 // the call.
 #pragma once
 
-#include <GLES2/gl2.h>
-
 #include <algorithm>
 #include <bit>
 #include <cstdint>
 #include <optional>
 
+#include "base/enumerants.h"
 #include "base/output.h"
 #include "calls/model/client_arrays.h"
 #include "exec/client_memory.h"
@@ -121,9 +120,9 @@ private:
 
     /// How many values the draw takes of an attribute.
     std::int64_t ValuesOf(GLuint index) const {
-        constexpr GLenum kDivisor = 0x88FE;
         if (!m_instances) return m_vertices.count;
-        const auto divisor = std::int64_t{static_cast<std::uint32_t>(Query(index, kDivisor))};
+        const auto divisor =
+            std::int64_t{static_cast<std::uint32_t>(Query(index, GL_VERTEX_ATTRIB_ARRAY_DIVISOR))};
         return divisor != 0 ? (*m_instances + divisor - 1) / divisor : m_vertices.count;
     }
 

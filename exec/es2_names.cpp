@@ -1,6 +1,6 @@
 #include "exec/es2_names.h"
 
-#include <GLES2/gl2.h>
+#include "base/enumerants.h"
 
 namespace kestrail {
 namespace {

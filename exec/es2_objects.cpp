@@ -1,19 +1,14 @@
 // Buffers, framebuffers, textures and the viewport.
+#include "base/enumerants.h"
 #include "exec/texture_images.h"
 #include "generated/exec/es2_cases.h"
 
 namespace kestrail {
-namespace {
-
-constexpr GLenum kPixelUnpackBuffer = 0x88EC;
-
-}  // namespace
-
 EPlayed PlayGlBindBuffer(SEs2Play& c, SEs2_glBindBuffer call) {
     const GLenum target = call.target();
     const GLuint live = LiveOrGenerated(c.names.Buffers(), call.buffer(), c.host.glGenBuffers);
     c.host.glBindBuffer(target, live);
-    if (target == kPixelUnpackBuffer) c.Pixels().unpackBuffer = live;
+    if (target == GL_PIXEL_UNPACK_BUFFER) c.Pixels().unpackBuffer = live;
     return EPlayed::kPlayed;
 }
 
@@ -40,10 +35,11 @@ EPlayed PlayGlBindFramebuffer(SEs2Play& c, SEs2_glBindFramebuffer call) {
 }
 
 EPlayed PlayGlEnable(SEs2Play& c, SEs2_glEnable call) {
-    constexpr GLenum kPrimitiveRestartFixedIndex = 0x8D69;
     const GLenum capability = call.cap();
     c.host.glEnable(capability);
-    if (capability == kPrimitiveRestartFixedIndex) c.player.eglNames.Context().restartAsked = true;
+    if (capability == GL_PRIMITIVE_RESTART_FIXED_INDEX) {
+        c.player.eglNames.Context().restartAsked = true;
+    }
     return EPlayed::kPlayed;
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "base/enumerants.h"
 #include "base/output.h"
 #include "exec/extension_resolver.h"
 #include "generated/exec/ext_cases.h"
@@ -32,10 +33,9 @@ bool CheckExtError(SPlayerState& player, std::uint32_t api) {
 
 /// What the host can do in place of the samples that the application asked for.
 GLsizei SupportedSamples(GLsizei requested, const char* caller) {
-    constexpr GLenum kMaxSamples = 37173;
     GLint most = 0;
     // Kept: asked of ES2 whatever the API; tools compare host calls.
-    GetEs2Host()->glGetIntegerv(kMaxSamples, &most);
+    GetEs2Host()->glGetIntegerv(GL_MAX_SAMPLES_IMG, &most);
     if (requested <= most) return requested;
     output::Message("%s:  Requested samples is not supported (%d), set to %d\n", caller, requested,
                     most);
@@ -122,21 +122,18 @@ EPlayed PlayGlMapBufferOES(Context& c, SExt_glMapBufferOES call) {
 // left alone.
 template <typename Context>
 EPlayed PlayGlUnmapBufferOES(Context& c, SExt_glUnmapBufferOES call) {
-    constexpr std::uint32_t kBufferSize = 34660;
-    constexpr std::uint32_t kBufferMapped = 35004;
-    constexpr std::uint32_t kBufferMapPointer = 35005;
     if (c.host.glUnmapBufferOES == nullptr || c.host.glGetBufferPointervOES == nullptr) {
         return EPlayed::kMissing;
     }
     const std::uint32_t target = call.target();
     const auto& data = call.data();
     std::int32_t mapped = 0;
-    c.host.glGetBufferParameteriv(target, kBufferMapped, &mapped);
+    c.host.glGetBufferParameteriv(target, GL_BUFFER_MAPPED_OES, &mapped);
     if (mapped == 0) return EPlayed::kPlayed;
     std::int32_t size = 0;
-    if (data.GetData() != nullptr) c.host.glGetBufferParameteriv(target, kBufferSize, &size);
+    if (data.GetData() != nullptr) c.host.glGetBufferParameteriv(target, GL_BUFFER_SIZE, &size);
     void* pointer = nullptr;
-    c.host.glGetBufferPointervOES(target, kBufferMapPointer, &pointer);
+    c.host.glGetBufferPointervOES(target, GL_BUFFER_MAP_POINTER_OES, &pointer);
     EPlayed played = EPlayed::kPlayed;
     if (data.GetData() != nullptr && pointer != nullptr) {
         const auto& ranges = c.player.eglNames.Mapped();

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "base/enumerants.h"
 #include "host/egl_host.h"
 #include "host/es1_host.h"
 #include "host/es2_host.h"
@@ -84,8 +85,7 @@ void Resolve(SEglHost& egl, SEs2Host& host, const char* list) {
 template <typename Names, typename Host>
 void Ensure(Names& names, Host& host) {
     if (names.ExtensionsResolved()) return;
-    constexpr std::uint32_t kExtensions = 7939;
-    const auto* list = reinterpret_cast<const char*>(host.glGetString(kExtensions));
+    const auto* list = reinterpret_cast<const char*>(host.glGetString(GL_EXTENSIONS));
     if (list == nullptr) return;
     Resolve(*GetEglHost(), host, list);
     names.ExtensionsResolved() = true;

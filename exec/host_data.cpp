@@ -1,18 +1,11 @@
 #include "exec/host_data.h"
 
-#include <GLES3/gl3.h>
-
 #include <algorithm>
+
+#include "base/enumerants.h"
 
 namespace kestrail {
 namespace {
-
-// Enumerants of extensions and of ES1, which gl3.h does not name.
-constexpr std::uint32_t kHalfFloatOes = 0x8D61;
-constexpr std::uint32_t kBgraExt = 0x80E1;
-constexpr std::uint32_t kFixed = 0x140C;
-constexpr std::uint32_t kInt1010102Oes = 0x8DF7;
-constexpr std::uint32_t kUnsignedInt1010102Oes = 0x8DF6;
 
 /// Bytes of a whole pixel or vertex in a packed type; 0 for a type of single components.
 std::int64_t PackedBytes(std::uint32_t type) {
@@ -20,16 +13,16 @@ std::int64_t PackedBytes(std::uint32_t type) {
         case GL_UNSIGNED_SHORT_5_6_5:
         case GL_UNSIGNED_SHORT_4_4_4_4:
         case GL_UNSIGNED_SHORT_5_5_5_1:
-        case 0x8365:  // GL_UNSIGNED_SHORT_4_4_4_4_REV_EXT
-        case 0x8366:  // GL_UNSIGNED_SHORT_1_5_5_5_REV_EXT
+        case GL_UNSIGNED_SHORT_4_4_4_4_REV_EXT:
+        case GL_UNSIGNED_SHORT_1_5_5_5_REV_EXT:
             return 2;
         case GL_UNSIGNED_INT_2_10_10_10_REV:
         case GL_INT_2_10_10_10_REV:
         case GL_UNSIGNED_INT_10F_11F_11F_REV:
         case GL_UNSIGNED_INT_5_9_9_9_REV:
         case GL_UNSIGNED_INT_24_8:
-        case kInt1010102Oes:
-        case kUnsignedInt1010102Oes:
+        case GL_INT_10_10_10_2_OES:
+        case GL_UNSIGNED_INT_10_10_10_2_OES:
             return 4;
         case GL_FLOAT_32_UNSIGNED_INT_24_8_REV:
             return 8;
@@ -45,20 +38,20 @@ std::int64_t FormatComponents(std::uint32_t format) {
         case GL_RED:
         case GL_RED_INTEGER:
         case GL_DEPTH_COMPONENT:
-        case 0x1901:  // GL_STENCIL_INDEX
-        case 0x8C46:  // GL_SLUMINANCE_NV
+        case GL_STENCIL_INDEX_OES:
+        case GL_SLUMINANCE_NV:
             return 1;
         case GL_LUMINANCE_ALPHA:
         case GL_RG:
         case GL_RG_INTEGER:
         case GL_DEPTH_STENCIL:
-        case 0x8C44:  // GL_SLUMINANCE_ALPHA_NV
+        case GL_SLUMINANCE_ALPHA_NV:
             return 2;
         case GL_RGB:
         case GL_RGB_INTEGER:
-        case 0x8C40:  // GL_SRGB_EXT
+        case GL_SRGB_EXT:
             return 3;
-        case kBgraExt:
+        case GL_BGRA_EXT:
         default:
             return 4;
     }
@@ -88,8 +81,8 @@ std::int32_t* SPixelStore::Find(std::uint32_t name) {
             return &packSkipPixels;
         case GL_PACK_SKIP_ROWS:
             return &packSkipRows;
-        case 0x93A4:  // GL_PACK_REVERSE_ROW_ORDER_ANGLE
-        case 0x8758:  // GL_PACK_INVERT_MESA
+        case GL_PACK_REVERSE_ROW_ORDER_ANGLE:
+        case GL_PACK_INVERT_MESA:
             return &packReversed;
         default:
             return nullptr;
@@ -147,9 +140,9 @@ std::int64_t ComponentBytes(std::uint32_t type) {
         case GL_SHORT:
         case GL_UNSIGNED_SHORT:
         case GL_HALF_FLOAT:
-        case kHalfFloatOes:
+        case GL_HALF_FLOAT_OES:
             return 2;
-        case kFixed:
+        case GL_FIXED:
         default:
             return 4;
     }
@@ -162,20 +155,20 @@ std::int64_t VertexBytes(std::uint32_t type, std::int32_t size) {
 
 std::uint32_t ParameterCount(std::uint32_t pname) {
     switch (pname) {
-        case 0x0B53:  // GL_LIGHT_MODEL_AMBIENT
-        case 0x0B66:  // GL_FOG_COLOR
-        case 0x1004:  // GL_TEXTURE_BORDER_COLOR_OES
-        case 0x1200:  // GL_AMBIENT
-        case 0x1201:  // GL_DIFFUSE
-        case 0x1202:  // GL_SPECULAR
-        case 0x1203:  // GL_POSITION
-        case 0x1600:  // GL_EMISSION
-        case 0x1602:  // GL_AMBIENT_AND_DIFFUSE
-        case 0x2201:  // GL_TEXTURE_ENV_COLOR
-        case 0x8B9D:  // GL_TEXTURE_CROP_RECT_OES
+        case GL_LIGHT_MODEL_AMBIENT:
+        case GL_FOG_COLOR:
+        case GL_TEXTURE_BORDER_COLOR_OES:
+        case GL_AMBIENT:
+        case GL_DIFFUSE:
+        case GL_SPECULAR:
+        case GL_POSITION:
+        case GL_EMISSION:
+        case GL_AMBIENT_AND_DIFFUSE:
+        case GL_TEXTURE_ENV_COLOR:
+        case GL_TEXTURE_CROP_RECT_OES:
             return 4;
-        case 0x1204:  // GL_SPOT_DIRECTION
-        case 0x8129:  // GL_POINT_DISTANCE_ATTENUATION
+        case GL_SPOT_DIRECTION:
+        case GL_POINT_DISTANCE_ATTENUATION:
             return 3;
         default:
             return 1;

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "base/enumerants.h"
 #include "calls/model/data_values.h"
 #include "exec/pixel_store.h"
 
@@ -29,9 +30,7 @@ std::int64_t ImageBytes(std::uint32_t format, std::uint32_t type, std::int32_t w
 
 /// Whether a driver unpacks a compressed image by itself, from memory alone: those with a palette.
 inline bool IsPaletted(std::uint32_t internalFormat) {
-    constexpr std::uint32_t kFirst = 0x8B90;  // GL_PALETTE4_RGB8_OES
-    constexpr std::uint32_t kLast = 0x8B99;   // GL_PALETTE8_RGB5_A1_OES
-    return internalFormat >= kFirst && internalFormat <= kLast;
+    return internalFormat >= GL_PALETTE4_RGB8_OES && internalFormat <= GL_PALETTE8_RGB5_A1_OES;
 }
 
 /// Bytes of one component of a vertex array or an index.

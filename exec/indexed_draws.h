@@ -1,12 +1,11 @@
 // What the draws of ES2 and ES3 have around the host's own call.
 #pragma once
 
-#include <GLES2/gl2.h>
-
 #include <algorithm>
 #include <cstdint>
 #include <optional>
 
+#include "base/enumerants.h"
 #include "exec/contexts_arrays.h"
 #include "exec/draw_indices.h"
 #include "exec/es2_client_arrays.h"
@@ -38,9 +37,8 @@ struct SIndexedDraw {
 /// Whether the highest index of a type begins a new primitive instead of being a vertex.
 template <typename Context>
 bool RestartsPrimitives(Context& c) {
-    constexpr GLenum kPrimitiveRestartFixedIndex = 0x8D69;
     return c.player.eglNames.Context().restartAsked &&
-           c.host.glIsEnabled(kPrimitiveRestartFixedIndex) != GL_FALSE;
+           c.host.glIsEnabled(GL_PRIMITIVE_RESTART_FIXED_INDEX) != GL_FALSE;
 }
 
 /// Does for an indexed draw all that stands around the host's own call, `draw(pointer)`.

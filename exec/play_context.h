@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "base/enumerants.h"
 #include "calls/model/call_info.h"
 #include "exec/player_state.h"
 
@@ -54,10 +55,9 @@ private:
 /// the other API's calls may have unbound it.
 template <typename Context>
 bool UnpackBufferBound(Context& c) {
-    constexpr std::uint32_t kPixelUnpackBufferBinding = 0x88EF;
     if (c.Pixels().unpackBuffer == 0) return false;
     std::int32_t bound = 0;
-    c.host.glGetIntegerv(kPixelUnpackBufferBinding, &bound);
+    c.host.glGetIntegerv(GL_PIXEL_UNPACK_BUFFER_BINDING, &bound);
     return bound != 0;
 }
 

@@ -1,14 +1,12 @@
 // The image calls that ES1 and ES2 play alike.
 #pragma once
 
+#include "base/enumerants.h"
 #include "exec/host_data.h"
 #include "exec/play_context.h"
 #include "exec/played.h"
 
 namespace kestrail {
-
-inline constexpr std::uint32_t kUnpackAlignment = 0x0CF5;
-inline constexpr std::uint32_t kPackAlignment = 0x0D05;
 
 template <typename Context, typename Call>
 EPlayed PlayPixelStorei(Context& c, Call call) {
@@ -17,7 +15,7 @@ EPlayed PlayPixelStorei(Context& c, Call call) {
     c.host.glPixelStorei(name, value);
     const std::int32_t* const held = c.Pixels().Find(name);
     if (held == nullptr) return EPlayed::kPlayed;
-    if (name != kUnpackAlignment && name != kPackAlignment) {
+    if (name != GL_UNPACK_ALIGNMENT && name != GL_PACK_ALIGNMENT) {
         // All but the alignments are unknown to some context or other.
         value = *held;
         c.host.glGetIntegerv(name, &value);
@@ -33,9 +31,9 @@ EPlayed PlayTexImage2D(Context& c, Call call) {
     // recording began.
     const std::int32_t alignment = call.alignment();
     SPixelStore captured = store;
-    captured.Set(kUnpackAlignment, alignment);
+    captured.Set(GL_UNPACK_ALIGNMENT, alignment);
     if (captured.unpackAlignment != store.unpackAlignment) {
-        c.host.glPixelStorei(kUnpackAlignment, alignment);
+        c.host.glPixelStorei(GL_UNPACK_ALIGNMENT, alignment);
         store = captured;
     }
     const std::int32_t width = call.width();

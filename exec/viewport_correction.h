@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "base/enumerants.h"
 #include "exec/player_state.h"
 
 namespace kestrail {
@@ -27,12 +28,10 @@ SViewport CorrectedViewport(const SViewport& recorded, std::int32_t liveWidth,
 /// one. A surface whose recorded size is not known is left alone.
 template <typename Host>
 void CorrectViewport(SPlayerState& player, bool& viewportDirty, Host& host) {
-    constexpr std::uint32_t kFramebufferBinding = 36006;
-    constexpr std::uint32_t kViewport = 2978;
     if (!viewportDirty) return;
     viewportDirty = false;
     std::int32_t framebuffer = 0;
-    host.glGetIntegerv(kFramebufferBinding, &framebuffer);
+    host.glGetIntegerv(GL_FRAMEBUFFER_BINDING, &framebuffer);
     std::int32_t liveWidth = -1, liveHeight = -1, recordedWidth = -1, recordedHeight = -1;
     EGLDisplay display = EGL_NO_DISPLAY;
     player.eglNames.SurfaceGeometry(liveWidth, liveHeight, recordedWidth, recordedHeight, display);
@@ -40,7 +39,7 @@ void CorrectViewport(SPlayerState& player, bool& viewportDirty, Host& host) {
     if (liveWidth == recordedWidth && liveHeight == recordedHeight) return;
     if (liveWidth == 0 || liveHeight == 0 || recordedWidth == 0 || recordedHeight == 0) return;
     std::int32_t box[4] = {};
-    host.glGetIntegerv(kViewport, box);
+    host.glGetIntegerv(GL_VIEWPORT, box);
     const SViewport fitted = CorrectedViewport({box[0], box[1], box[2], box[3]}, liveWidth,
                                                liveHeight, recordedWidth, recordedHeight);
     host.glViewport(fitted.x, fitted.y, fitted.width, fitted.height);

@@ -2,14 +2,10 @@
 // is current; the optional ones are hooks that only an emulation library exports. Null when absent.
 #pragma once
 
-#include <GLES/gl.h>
-#include <GLES/glext.h>
-#include <GLES2/gl2.h>
-#include <GLES2/gl2ext.h>
-
 #include <cstddef>
 #include <span>
 
+#include "base/enumerants.h"
 #include "host/host_lib.h"
 
 namespace kestrail {

@@ -1,4 +1,5 @@
 // Textures, buffers, client arrays and framebuffers of an ES1 transition.
+#include "base/enumerants.h"
 #include "exec/egl_names.h"
 #include "exec/host_data.h"
 #include "exec/name_calls.h"
@@ -139,7 +140,6 @@ void TransitionUnits1(SEs1Transition& t) {
 }
 
 void TransitionBuffers1(SEs1Transition& t) {
-    constexpr GLenum kWriteOnly = 35001;
     const auto& buffers = *t.target.buffers;
     for (std::int32_t i = 0; i < buffers.Count(); ++i) {
         const SBufferState& buffer = ValueAt(buffers, i);
@@ -154,7 +154,7 @@ void TransitionBuffers1(SEs1Transition& t) {
         t.host.glBufferData(buffer.target, static_cast<GLsizeiptr>(buffer.size),
                             bytes.Whole(buffer.data, buffer.size), buffer.usage);
         if (buffer.mapped != 0 && t.host.glMapBufferOES != nullptr) {
-            t.host.glMapBufferOES(buffer.target, kWriteOnly);
+            t.host.glMapBufferOES(buffer.target, GL_WRITE_ONLY_OES);
         }
     }
 }

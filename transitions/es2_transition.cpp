@@ -1,7 +1,6 @@
 #include "transitions/es2_transition.h"
 
-#include <GLES3/gl3.h>
-
+#include "base/enumerants.h"
 #include "base/output.h"
 #include "exec/egl_names.h"
 #include "exec/es2_names.h"
@@ -87,7 +86,6 @@ void CheckTransitionError(const CEs2State& /*state*/) {
 
 void TransitionBuffers(const CEs2State& target, const CEs2State& current) {
     if (target.buffers.SameAs(current.buffers)) return;
-    constexpr GLenum kWriteOnly = 35001;
     SEs2Host& host = *GetEs2Host();
     CEs2Names names;
     TKeyIndex<SBufferState> known(*current.buffers);
@@ -103,7 +101,7 @@ void TransitionBuffers(const CEs2State& target, const CEs2State& current) {
         host.glBufferData(buffer.target, static_cast<GLsizeiptr>(buffer.size),
                           bytes.Whole(buffer.data, buffer.size), buffer.usage);
         if (buffer.mapped != 0 && host.glMapBufferOES != nullptr) {
-            host.glMapBufferOES(buffer.target, kWriteOnly);
+            host.glMapBufferOES(buffer.target, GL_WRITE_ONLY_OES);
         }
     }
 }

@@ -1,6 +1,6 @@
 // Renderbuffers, then the framebuffers that attach them.
-#include <GLES3/gl3.h>
 
+#include "base/enumerants.h"
 #include "exec/es2_names.h"
 #include "exec/name_calls.h"
 #include "host/es2_host.h"

@@ -1,9 +1,9 @@
 // Shaders, then the programs that link them.
-#include <GLES2/gl2.h>
 
 #include <array>
 #include <utility>
 
+#include "base/enumerants.h"
 #include "base/output.h"
 #include "exec/es2_names.h"
 #include "host/es2_host.h"

@@ -1,8 +1,7 @@
-#include <GLES3/gl3.h>
-
 #include <algorithm>
 #include <vector>
 
+#include "base/enumerants.h"
 #include "exec/egl_names.h"
 #include "exec/es2_names.h"
 #include "exec/host_data.h"
@@ -40,7 +39,8 @@ private:
 };
 
 bool IsFlat(GLenum target) {
-    return target == GL_TEXTURE_2D || (target >= GL_TEXTURE_CUBE_MAP && target <= 34074);
+    return target == GL_TEXTURE_2D ||
+           (target >= GL_TEXTURE_CUBE_MAP && target <= GL_TEXTURE_CUBE_MAP_NEGATIVE_Z);
 }
 
 bool IsDeep(GLenum target) {

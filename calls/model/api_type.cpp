@@ -3,6 +3,7 @@
 #include <iterator>
 #include <stdexcept>
 
+#include "base/enumerants.h"
 #include "calls/text/enum_names.h"
 #include "calls/text/format_kind.h"
 
@@ -12,7 +13,6 @@ namespace {
 constexpr const char* kErrorNames[] = {"GL_INVALID_ENUM",      "GL_INVALID_VALUE",
                                        "GL_INVALID_OPERATION", "GL_STACK_OVERFLOW",
                                        "GL_STACK_UNDERFLOW",   "GL_OUT_OF_MEMORY"};
-constexpr std::uint32_t kFirstError = 0x0500;
 
 constexpr const char* kBeginModeNames[] = {"GL_POINTS",      "GL_LINES",     "GL_LINE_LOOP",
                                            "GL_LINE_STRIP",  "GL_TRIANGLES", "GL_TRIANGLE_STRIP",
@@ -22,7 +22,6 @@ constexpr const char* kBlendFactorNames[] = {
     "GL_SRC_COLOR",           "GL_ONE_MINUS_SRC_COLOR", "GL_SRC_ALPHA",
     "GL_ONE_MINUS_SRC_ALPHA", "GL_DST_ALPHA",           "GL_ONE_MINUS_DST_ALPHA",
     "GL_DST_COLOR",           "GL_ONE_MINUS_DST_COLOR", "GL_SRC_ALPHA_SATURATE"};
-constexpr std::uint32_t kFirstBlendFactor = 0x0300;
 
 void AppendHexNumber(TextWriter& out, std::uint32_t value) {
     out.Append("0x");
@@ -81,8 +80,8 @@ void TGLenum::AppendNumericText(TextWriter& out) const {
 
 void TGLError::AppendText(TextWriter& out) const {
     if (value == 0) return out.Append("GL_NO_ERROR");
-    if (value - kFirstError >= std::size(kErrorNames)) return AppendAsInt(out, value);
-    out.Append(kErrorNames[value - kFirstError]);
+    if (value - GL_INVALID_ENUM >= std::size(kErrorNames)) return AppendAsInt(out, value);
+    out.Append(kErrorNames[value - GL_INVALID_ENUM]);
 }
 void TGLError::AppendNumericText(TextWriter& out) const {
     AppendHexNumber(out, value);
@@ -98,8 +97,8 @@ void TGLBeginMode::AppendNumericText(TextWriter& out) const {
 
 void TGLBlendFactor::AppendText(TextWriter& out) const {
     if (value <= 1) return out.Append(value == 0 ? "GL_ZERO" : "GL_ONE");
-    if (value - kFirstBlendFactor >= std::size(kBlendFactorNames)) return AppendAsInt(out, value);
-    out.Append(kBlendFactorNames[value - kFirstBlendFactor]);
+    if (value - GL_SRC_COLOR >= std::size(kBlendFactorNames)) return AppendAsInt(out, value);
+    out.Append(kBlendFactorNames[value - GL_SRC_COLOR]);
 }
 void TGLBlendFactor::AppendNumericText(TextWriter& out) const {
     AppendHexNumber(out, value);

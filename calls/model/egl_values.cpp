@@ -5,15 +5,12 @@
 #include <optional>
 #include <utility>
 
+#include "base/enumerants.h"
 #include "calls/text/format_kind.h"
 #include "tracefile/bytes/typed_reads.h"
 
 namespace kestrail {
 namespace {
-
-constexpr std::int32_t kEglNone = 0x3038;
-constexpr std::int32_t kEglSurfaceType = 0x3033;
-constexpr std::int32_t kEglRenderableType = 0x3040;
 
 std::uint64_t Widen(std::int32_t value) {
     return static_cast<std::uint64_t>(static_cast<std::int64_t>(value));
@@ -24,7 +21,7 @@ std::uint64_t Widen(std::int32_t value) {
 SEglAttribList::SEglAttribList(const std::int32_t* list) {
     if (list == nullptr) return;
     std::uint32_t end = 0;
-    while (list[end] != kEglNone) end += 2;
+    while (list[end] != EGL_NONE) end += 2;
     count = end + 1;
     pointer.value = 1;
     m_items = count;
@@ -49,16 +46,16 @@ void SEglAttribList::Read(CTrace& trace) {
     const std::size_t items = m_items;
     std::unique_ptr<std::int32_t[]> ended(new std::int32_t[items + 2]);
     std::memcpy(ended.get(), m_elements.get(), items * sizeof(std::int32_t));
-    ended[items] = kEglNone;
-    ended[items + 1] = kEglNone;
+    ended[items] = EGL_NONE;
+    ended[items + 1] = EGL_NONE;
     m_elements = std::move(ended);
 }
 
 void SEglAttribList::AppendPair(TextWriter& out, std::uint32_t index) const {
     const std::int32_t name = m_elements[index];
     int kind = kKindEglEnum;
-    if (name == kEglSurfaceType) kind = kKindEglSurfaceType;
-    if (name == kEglRenderableType) kind = kKindEglRenderableType;
+    if (name == EGL_SURFACE_TYPE) kind = kKindEglSurfaceType;
+    if (name == EGL_RENDERABLE_TYPE) kind = kKindEglRenderableType;
     AppendKind(out, kKindEglEnum, Widen(name));
     out.Append(" : ");
     AppendKind(out, kind, Widen(m_elements[index + 1]));

@@ -1,11 +1,10 @@
 #include "calls/pixels/pixel_layout.h"
 
-#include <GLES2/gl2.h>
-#include <GLES2/gl2ext.h>
-
 #include <algorithm>
 #include <cstring>
 #include <limits>
+
+#include "base/enumerants.h"
 
 namespace kestrail {
 namespace {

@@ -1,3 +1,4 @@
+#include "base/enumerants.h"
 #include "calls/text/enum_names.h"
 
 namespace kestrail {
@@ -105,11 +106,16 @@ constexpr SEnumRange Range(std::uint64_t low, const char* const (&names)[Count])
 }
 
 constexpr SEnumRange g_eglEnumRanges[] = {
-    Range(0x1, kLockSurfaceBits),      Range(0x80, kLockSurface),
-    Range(0x100, kOptimalFormat),      Range(0x3000, kErrors),
-    Range(0x3020, kConfigAttributes),  Range(0x3050, kAttributeValues),
-    Range(0x3080, kSurfaceAttributes), Range(0x30A0, kApis),
-    Range(0x30C0, kLockSurfaceValues), Range(0x30D2, kImagePreserved),
+    Range(EGL_READ_SURFACE_BIT_KHR, kLockSurfaceBits),
+    Range(EGL_LOCK_SURFACE_BIT_KHR, kLockSurface),
+    Range(EGL_OPTIMAL_FORMAT_BIT_KHR, kOptimalFormat),
+    Range(EGL_SUCCESS, kErrors),
+    Range(EGL_BUFFER_SIZE, kConfigAttributes),
+    Range(EGL_SLOW_CONFIG, kAttributeValues),
+    Range(EGL_TEXTURE_FORMAT, kSurfaceAttributes),
+    Range(EGL_OPENGL_ES_API, kApis),
+    Range(EGL_FORMAT_RGB_565_EXACT_KHR, kLockSurfaceValues),
+    Range(EGL_IMAGE_PRESERVED_KHR, kImagePreserved),
 };
 
 }  // namespace

@@ -2,30 +2,31 @@
 
 #include <iterator>
 
+#include "base/enumerants.h"
 #include "calls/text/enum_names.h"
 
 namespace kestrail {
 namespace {
 
 constexpr SFlagName kSurfaceTypes[] = {
-    {"EGL_PBUFFER_BIT", 0x1},
-    {"EGL_PIXMAP_BIT", 0x2},
-    {"EGL_WINDOW_BIT", 0x4},
-    {"EGL_VG_COLORSPACE_LINEAR_BIT", 0x20},
-    {"EGL_VG_ALPHA_FORMAT_PRE_BIT", 0x40},
-    {"EGL_MULTISAMPLE_RESOLVE_BOX_BIT", 0x200},
-    {"EGL_SWAP_BEHAVIOR_PRESERVED_BIT", 0x400},
+    {"EGL_PBUFFER_BIT", EGL_PBUFFER_BIT},
+    {"EGL_PIXMAP_BIT", EGL_PIXMAP_BIT},
+    {"EGL_WINDOW_BIT", EGL_WINDOW_BIT},
+    {"EGL_VG_COLORSPACE_LINEAR_BIT", EGL_VG_COLORSPACE_LINEAR_BIT},
+    {"EGL_VG_ALPHA_FORMAT_PRE_BIT", EGL_VG_ALPHA_FORMAT_PRE_BIT},
+    {"EGL_MULTISAMPLE_RESOLVE_BOX_BIT", EGL_MULTISAMPLE_RESOLVE_BOX_BIT},
+    {"EGL_SWAP_BEHAVIOR_PRESERVED_BIT", EGL_SWAP_BEHAVIOR_PRESERVED_BIT},
 };
 constexpr SFlagName kRenderableTypes[] = {
-    {"EGL_OPENGL_ES_BIT", 0x1},
-    {"EGL_OPENVG_BIT", 0x2},
-    {"EGL_OPENGL_ES2_BIT", 0x4},
-    {"EGL_OPENGL_BIT", 0x8},
+    {"EGL_OPENGL_ES_BIT", EGL_OPENGL_ES_BIT},
+    {"EGL_OPENVG_BIT", EGL_OPENVG_BIT},
+    {"EGL_OPENGL_ES2_BIT", EGL_OPENGL_ES2_BIT},
+    {"EGL_OPENGL_BIT", EGL_OPENGL_BIT},
 };
 constexpr SFlagName kClearMask[] = {
-    {"GL_DEPTH_BUFFER_BIT", 0x100},
-    {"GL_STENCIL_BUFFER_BIT", 0x400},
-    {"GL_COLOR_BUFFER_BIT", 0x4000},
+    {"GL_DEPTH_BUFFER_BIT", GL_DEPTH_BUFFER_BIT},
+    {"GL_STENCIL_BUFFER_BIT", GL_STENCIL_BUFFER_BIT},
+    {"GL_COLOR_BUFFER_BIT", GL_COLOR_BUFFER_BIT},
 };
 
 void AppendHandle(TextWriter& out, std::uint64_t value, const char* none, const char* type) {

@@ -1,6 +1,7 @@
 // What the EGL calls do to the record of displays, contexts and surfaces.
 #include <utility>
 
+#include "base/enumerants.h"
 #include "generated/calls/egl_calls.h"
 #include "state/egl/egl_state.h"
 
@@ -9,13 +10,12 @@ namespace {
 
 /// The pairs of a recorded list with an end mark, also where the record held none.
 SSharedEglAttributes CopyAttributes(const SEglAttribList& list) {
-    constexpr std::int32_t kEglNone = 12344;
     const std::uint32_t count = list.ItemCount();
     if (count == 0) return {};
     std::uint32_t end = 0;
-    while (end + 1 < count && list.GetItem(end) != kEglNone) end += 2;
+    while (end + 1 < count && list.GetItem(end) != EGL_NONE) end += 2;
     SEglAttributes attributes(list.GetRawArray(), list.GetRawArray() + end);
-    attributes.push_back(kEglNone);
+    attributes.push_back(EGL_NONE);
     return SSharedEglAttributes(std::move(attributes));
 }
 
@@ -45,7 +45,6 @@ bool CEgl_eglSwapInterval_v1::UpdateState(CEglState& state, SUpdates&) {
 }
 
 bool CEgl_eglCreateContext_v1::UpdateState(CEglState& state, SUpdates&) {
-    constexpr std::int32_t kContextClientVersion = 12440;
     constexpr std::size_t kLastScanned = 9999;
     if (result.GetValue() == 0) return false;
     SEglContextRecord& context = state.contexts.GetOrCreate(result.GetValue());
@@ -57,7 +56,7 @@ bool CEgl_eglCreateContext_v1::UpdateState(CEglState& state, SUpdates&) {
     context.configAttributes = CopyAttributes(attrib_list_config);
     const SEglAttributes& attributes = *context.attributes;
     for (std::size_t i = 0; i + 1 < attributes.size() && i < kLastScanned; i += 2) {
-        if (attributes[i] != kContextClientVersion) continue;
+        if (attributes[i] != EGL_CONTEXT_CLIENT_VERSION) continue;
         state.contextClientVersion = static_cast<std::uint32_t>(attributes[i + 1]);
     }
     return true;

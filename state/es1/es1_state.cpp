@@ -1,5 +1,7 @@
 #include "state/es1/es1_state.h"
 
+#include "base/enumerants.h"
+
 namespace kestrail {
 
 namespace {
@@ -50,8 +52,7 @@ SClientArraysState& CEs1State::WriteCurrentVertexArray() {
 }
 
 std::int32_t CEs1State::UnitOf(std::uint32_t texture) {
-    constexpr std::uint32_t kTexture0 = 33984;
-    const std::uint32_t unit = texture - kTexture0;
+    const std::uint32_t unit = texture - GL_TEXTURE0;
     return unit < kTextureUnits ? static_cast<std::int32_t>(unit) : -1;
 }
 

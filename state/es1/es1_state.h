@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "base/enumerants.h"
 #include "base/shared.h"
 #include "base/shared_array.h"
 #include "state/es2/es2_state.h"
@@ -62,25 +63,70 @@ private:
 };
 
 /// Parameters of a light, in the order of its values.
-inline constexpr std::array<std::uint32_t, 10> kLightParameters = {4608, 4609, 4610, 4611, 4612,
-                                                                   4613, 4614, 4615, 4616, 4617};
+inline constexpr std::array<std::uint32_t, 10> kLightParameters = {GL_AMBIENT,
+                                                                   GL_DIFFUSE,
+                                                                   GL_SPECULAR,
+                                                                   GL_POSITION,
+                                                                   GL_SPOT_DIRECTION,
+                                                                   GL_SPOT_EXPONENT,
+                                                                   GL_SPOT_CUTOFF,
+                                                                   GL_CONSTANT_ATTENUATION,
+                                                                   GL_LINEAR_ATTENUATION,
+                                                                   GL_QUADRATIC_ATTENUATION};
 /// Parameters of the material, in the order of its values.
-inline constexpr std::array<std::uint32_t, 5> kMaterialParameters = {4608, 4609, 4610, 5632, 5633};
+inline constexpr std::array<std::uint32_t, 5> kMaterialParameters = {
+    GL_AMBIENT, GL_DIFFUSE, GL_SPECULAR, GL_EMISSION, GL_SHININESS};
 /// The capabilities of glEnable but GL_TEXTURE_2D, in the order of `capabilities`.
-inline constexpr std::array<std::uint32_t, 34> kEs1Capabilities = {
-    3008,  3042, 12288, 12289, 12290, 12291, 12292, 12293, 3058,  2903,  2884, 2929,
-    3024,  2912, 16384, 16385, 16386, 16387, 16388, 16389, 16390, 16391, 2896, 2848,
-    32925, 2977, 2832,  34913, 32823, 32826, 32926, 32927, 3089,  2960};
+inline constexpr std::array<std::uint32_t, 34> kEs1Capabilities = {GL_ALPHA_TEST,
+                                                                   GL_BLEND,
+                                                                   GL_CLIP_PLANE0,
+                                                                   GL_CLIP_PLANE1,
+                                                                   GL_CLIP_PLANE2,
+                                                                   GL_CLIP_PLANE3,
+                                                                   GL_CLIP_PLANE4,
+                                                                   GL_CLIP_PLANE5,
+                                                                   GL_COLOR_LOGIC_OP,
+                                                                   GL_COLOR_MATERIAL,
+                                                                   GL_CULL_FACE,
+                                                                   GL_DEPTH_TEST,
+                                                                   GL_DITHER,
+                                                                   GL_FOG,
+                                                                   GL_LIGHT0,
+                                                                   GL_LIGHT1,
+                                                                   GL_LIGHT2,
+                                                                   GL_LIGHT3,
+                                                                   GL_LIGHT4,
+                                                                   GL_LIGHT5,
+                                                                   GL_LIGHT6,
+                                                                   GL_LIGHT7,
+                                                                   GL_LIGHTING,
+                                                                   GL_LINE_SMOOTH,
+                                                                   GL_MULTISAMPLE,
+                                                                   GL_NORMALIZE,
+                                                                   GL_POINT_SMOOTH,
+                                                                   GL_POINT_SPRITE_OES,
+                                                                   GL_POLYGON_OFFSET_FILL,
+                                                                   GL_RESCALE_NORMAL,
+                                                                   GL_SAMPLE_ALPHA_TO_COVERAGE,
+                                                                   GL_SAMPLE_ALPHA_TO_ONE,
+                                                                   GL_SCISSOR_TEST,
+                                                                   GL_STENCIL_TEST};
 /// In the order of `hints`.
-inline constexpr std::array<std::uint32_t, 5> kEs1Hints = {3156, 33170, 3154, 3152, 3153};
+inline constexpr std::array<std::uint32_t, 5> kEs1Hints = {
+    GL_FOG_HINT, GL_GENERATE_MIPMAP_HINT, GL_LINE_SMOOTH_HINT, GL_PERSPECTIVE_CORRECTION_HINT,
+    GL_POINT_SMOOTH_HINT};
 /// In the order of `textureEnv`.
 inline constexpr std::array<std::uint32_t, 15> kTextureEnvParameters = {
-    8704,  34161, 34162, 34176, 34177, 34178, 34184, 34185,
-    34186, 34192, 34193, 34194, 34200, 34201, 34202};
+    GL_TEXTURE_ENV_MODE, GL_COMBINE_RGB,  GL_COMBINE_ALPHA,  GL_SRC0_RGB,       GL_SRC1_RGB,
+    GL_SRC2_RGB,         GL_SRC0_ALPHA,   GL_SRC1_ALPHA,     GL_SRC2_ALPHA,     GL_OPERAND0_RGB,
+    GL_OPERAND1_RGB,     GL_OPERAND2_RGB, GL_OPERAND0_ALPHA, GL_OPERAND1_ALPHA, GL_OPERAND2_ALPHA};
 /// In the order of their slots: size minimum, maximum, fade threshold, distance attenuation.
-inline constexpr std::array<std::uint32_t, 4> kPointParameters = {33062, 33063, 33064, 33065};
+inline constexpr std::array<std::uint32_t, 4> kPointParameters = {
+    GL_POINT_SIZE_MIN, GL_POINT_SIZE_MAX, GL_POINT_FADE_THRESHOLD_SIZE,
+    GL_POINT_DISTANCE_ATTENUATION};
 /// Min filter, mag filter, wrap S, wrap T.
-inline constexpr std::array<std::uint32_t, 4> kTexture1Parameters = {10241, 10240, 10242, 10243};
+inline constexpr std::array<std::uint32_t, 4> kTexture1Parameters = {
+    GL_TEXTURE_MIN_FILTER, GL_TEXTURE_MAG_FILTER, GL_TEXTURE_WRAP_S, GL_TEXTURE_WRAP_T};
 
 using SVector4 = std::array<float, 4>;
 
@@ -110,7 +156,8 @@ struct STextureImage1State {
     std::uint32_t type = 0;
     std::int32_t unpackAlignment = 0;
     std::int32_t border = 0;
-    std::array<std::int32_t, 4> parameters = {9986, 9729, 10497, 10497};
+    std::array<std::int32_t, 4> parameters = {GL_NEAREST_MIPMAP_LINEAR, GL_LINEAR, GL_REPEAT,
+                                              GL_REPEAT};
     std::uint32_t imageSize = 0;
     std::uint8_t compressed = 0;
 
@@ -144,56 +191,58 @@ struct SClientArraysState {
     std::uint32_t elementBuffer = 0;
 };
 /// Colour, normal, vertex, point size, matrix index, weight: in the order of `enabled`.
-inline constexpr std::array<std::uint32_t, 6> kClientStates = {32886, 32885, 32884,
-                                                               35740, 34884, 34477};
+inline constexpr std::array<std::uint32_t, 6> kClientStates = {
+    GL_COLOR_ARRAY,          GL_NORMAL_ARRAY,           GL_VERTEX_ARRAY,
+    GL_POINT_SIZE_ARRAY_OES, GL_MATRIX_INDEX_ARRAY_OES, GL_WEIGHT_ARRAY_OES};
 
 class CEs1State {
 public:
     std::int32_t textureUnitsUsed = 1;
     std::int32_t paletteMatricesUsed = 0;
-    std::uint32_t activeTexture = 33984;
-    std::uint32_t alphaFunc = 519;
+    std::uint32_t activeTexture = GL_TEXTURE0;
+    std::uint32_t alphaFunc = GL_ALWAYS;
     float alphaRef = 0.0F;
     std::uint32_t arrayBuffer = 0;
     std::array<std::uint32_t, kTextureUnits> binding2D{};
-    std::uint32_t blendSrc = 1;
-    std::uint32_t blendDst = 0;
+    std::uint32_t blendSrc = GL_ONE;
+    std::uint32_t blendDst = GL_ZERO;
     TShared<TStateTable<SBufferState>> buffers;
     SVector4 clearColor{};
     float clearDepth = 1.0F;
     std::int32_t clearStencil = 0;
-    std::uint32_t clientActiveTexture = 33984;
+    std::uint32_t clientActiveTexture = GL_TEXTURE0;
     std::uint32_t clipPlaneIndex = 0;
     std::array<SVector4, 6> clipPlanes{};
     SVector4 currentColor = {1.0F, 1.0F, 1.0F, 1.0F};
     std::array<std::uint8_t, 4> colorMask = {1, 1, 1, 1};
-    std::uint32_t cullFaceMode = 1029;
-    std::uint32_t depthFunc = 513;
+    std::uint32_t cullFaceMode = GL_BACK;
+    std::uint32_t depthFunc = GL_LESS;
     std::uint8_t depthMask = 1;
     float depthRangeNear = 0.0F;
     float depthRangeFar = 1.0F;
     // Kept: all off, dither and multisampling too; tools compare pictures of sought frames.
     std::array<std::uint8_t, kEs1Capabilities.size()> capabilities{};
     std::array<std::uint8_t, kTextureUnits> texture2DEnabled{};
-    float fogMode = 2048.0F;  ///< an enumerant, held as the float that glFogf takes
+    float fogMode = GL_EXP;  ///< an enumerant, held as the float that glFogf takes
     float fogDensity = 1.0F;
     float fogStart = 0.0F;
     float fogEnd = 1.0F;
     SVector4 fogColor{};
-    std::uint32_t frontFace = 2305;
-    std::array<std::uint32_t, kEs1Hints.size()> hints = {4352, 4352, 4352, 4352, 4352};
+    std::uint32_t frontFace = GL_CCW;
+    std::array<std::uint32_t, kEs1Hints.size()> hints = {GL_DONT_CARE, GL_DONT_CARE, GL_DONT_CARE,
+                                                         GL_DONT_CARE, GL_DONT_CARE};
     TShared<SLights> lights;
     std::uint8_t lightModelTwoSide = 0;
     SVector4 lightModelAmbient = {0.2F, 0.2F, 0.2F, 1.0F};
     float lineWidth = 1.0F;
-    std::uint32_t logicOp = 5379;
+    std::uint32_t logicOp = GL_COPY;
     // Kept: two alphas of 1.1; tools compare pictures of sought frames.
     std::array<SVector4, kMaterialParameters.size()> material = {{{0.2F, 0.2F, 0.2F, 1.0F},
                                                                   {0.8F, 0.8F, 0.8F, 1.0F},
                                                                   {0.0F, 0.0F, 0.0F, 1.1F},
                                                                   {0.0F, 0.0F, 0.0F, 1.1F},
                                                                   {0.0F, 0.0F, 0.0F, 0.0F}}};
-    std::uint32_t matrixMode = 5888;
+    std::uint32_t matrixMode = GL_MODELVIEW;
     CMatrixStacks matrixStacks;
     TShared<std::array<SVector4, kTextureUnits>> currentTexCoord;
     std::array<float, 3> currentNormal = {0.0F, 0.0F, 1.0F};
@@ -208,8 +257,8 @@ public:
     float sampleCoverageValue = 1.0F;
     std::uint8_t sampleCoverageInvert = 0;
     std::array<std::int32_t, 4> scissorBox{};
-    std::uint32_t shadeModel = 7425;
-    std::uint32_t stencilFunc = 519;
+    std::uint32_t shadeModel = GL_SMOOTH;
+    std::uint32_t stencilFunc = GL_ALWAYS;
     std::int32_t stencilRef = 0;
     // Kept: 28 bits, and operations of 0; tools compare pictures of sought frames.
     std::uint32_t stencilValueMask = 0x0FFFFFFFu;

@@ -2,6 +2,7 @@
 // array's record is copied only when a call changes it: most draws set what is there already.
 #include <algorithm>
 
+#include "base/enumerants.h"
 #include "generated/calls/es1_calls.h"
 #include "state/es1/es1_numbers.h"
 #include "state/es1/es1_state.h"
@@ -9,9 +10,6 @@
 
 namespace kestrail {
 namespace {
-
-constexpr std::uint32_t kArrayBuffer = 34962;
-constexpr std::uint32_t kElementArrayBuffer = 34963;
 
 /// Sets one value of the current vertex array. `field` picks its place.
 template <typename Field, typename Value>
@@ -35,8 +33,7 @@ SClientArrayState Described(const CEs1State& state, const Call& call) {
 }
 
 bool SetClientState(CEs1State& state, std::uint32_t array, std::uint8_t enabled) {
-    constexpr std::uint32_t kTextureCoordArray = 32888;
-    if (array == kTextureCoordArray) {
+    if (array == GL_TEXTURE_COORD_ARRAY) {
         const std::int32_t unit = CEs1State::UnitOf(state.clientActiveTexture);
         if (unit < 0) return false;
         const auto place = static_cast<std::size_t>(unit);
@@ -53,8 +50,8 @@ bool SetClientState(CEs1State& state, std::uint32_t array, std::uint8_t enabled)
 
 /// The buffer bound to a target; null for a target that has none.
 const std::uint32_t* BoundBuffer(const CEs1State& state, std::uint32_t target) {
-    if (target == kArrayBuffer) return &state.arrayBuffer;
-    if (target == kElementArrayBuffer) return &state.CurrentVertexArray().elementBuffer;
+    if (target == GL_ARRAY_BUFFER) return &state.arrayBuffer;
+    if (target == GL_ELEMENT_ARRAY_BUFFER) return &state.CurrentVertexArray().elementBuffer;
     return nullptr;
 }
 
@@ -98,11 +95,11 @@ bool CEs1_glTexCoordPointer_v1::UpdateState(CEs1State& state, SUpdates&) {
 }
 
 bool CEs1_glBindBuffer_v1::UpdateState(CEs1State& state, SUpdates&) {
-    if (target.GetValue() == kArrayBuffer) {
+    if (target.GetValue() == GL_ARRAY_BUFFER) {
         state.arrayBuffer = buffer.GetValue();
         return true;
     }
-    if (target.GetValue() != kElementArrayBuffer) return false;
+    if (target.GetValue() != GL_ELEMENT_ARRAY_BUFFER) return false;
     return SetArrayValue(
         state, [](auto& arrays) -> auto& { return arrays.elementBuffer; }, buffer.GetValue());
 }

@@ -1,4 +1,5 @@
 // What the calls of lights, material, light model and fog do to the record.
+#include "base/enumerants.h"
 #include "state/es1/es1_numbers.h"
 #include "state/es1/es1_updates.h"
 
@@ -8,14 +9,14 @@ namespace {
 /// The components of a parameter of a light or of the material.
 std::uint32_t ComponentsOf(std::uint32_t pname) {
     switch (pname) {
-        case 4608:  // GL_AMBIENT
-        case 4609:  // GL_DIFFUSE
-        case 4610:  // GL_SPECULAR
-        case 4611:  // GL_POSITION
-        case 5632:
-            return 4;  // GL_EMISSION
-        case 4612:
-            return 3;  // GL_SPOT_DIRECTION
+        case GL_AMBIENT:
+        case GL_DIFFUSE:
+        case GL_SPECULAR:
+        case GL_POSITION:
+        case GL_EMISSION:
+            return 4;
+        case GL_SPOT_DIRECTION:
+            return 3;
         default:
             return 1;
     }
@@ -25,16 +26,16 @@ std::uint32_t ComponentsOf(std::uint32_t pname) {
 
 bool SetFog(CEs1State& state, const TGLenum& pname, const CNumbers& numbers) {
     switch (pname.GetValue()) {
-        case 2917:  // GL_FOG_MODE
+        case GL_FOG_MODE:
             if (numbers.Count() != 0) state.fogMode = numbers.Unscaled();
             return numbers.Count() != 0;
-        case 2914:
+        case GL_FOG_DENSITY:
             return numbers.Store(&state.fogDensity, 1);
-        case 2915:
+        case GL_FOG_START:
             return numbers.Store(&state.fogStart, 1);
-        case 2916:
+        case GL_FOG_END:
             return numbers.Store(&state.fogEnd, 1);
-        case 2918:
+        case GL_FOG_COLOR:
             return numbers.Store(state.fogColor.data(), 4);
         default:
             return true;
@@ -43,8 +44,7 @@ bool SetFog(CEs1State& state, const TGLenum& pname, const CNumbers& numbers) {
 
 bool SetLight(CEs1State& state, const TGLenum& light, const TGLenum& pname,
               const CNumbers& numbers) {
-    constexpr std::uint32_t kLight0 = 16384;
-    const std::uint32_t index = light.GetValue() - kLight0;
+    const std::uint32_t index = light.GetValue() - GL_LIGHT0;
     if (index >= state.lights->values.size()) return false;
     const int found = PlaceIn(kLightParameters, pname.GetValue());
     if (found < 0) return true;
@@ -65,10 +65,10 @@ bool SetMaterial(CEs1State& state, const TGLenum& /*face*/, const TGLenum& pname
 }
 
 bool SetLightModel(CEs1State& state, const TGLenum& pname, const CNumbers& numbers) {
-    constexpr std::uint32_t kTwoSide = 2898;
-    constexpr std::uint32_t kAmbient = 2899;
-    if (pname.GetValue() == kAmbient) return numbers.Store(state.lightModelAmbient.data(), 4);
-    if (pname.GetValue() != kTwoSide) return true;
+    if (pname.GetValue() == GL_LIGHT_MODEL_AMBIENT) {
+        return numbers.Store(state.lightModelAmbient.data(), 4);
+    }
+    if (pname.GetValue() != GL_LIGHT_MODEL_TWO_SIDE) return true;
     if (numbers.Count() == 0) return false;
     state.lightModelTwoSide = numbers.Unscaled() != 0.0F ? 1 : 0;
     return true;

@@ -1,4 +1,5 @@
 // What the matrix calls of OpenGL ES 1.1 do to the record's stacks.
+#include "base/enumerants.h"
 #include "generated/calls/es1_calls.h"
 #include "state/es1/es1_matrices.h"
 #include "state/es1/es1_numbers.h"
@@ -12,21 +13,17 @@ constexpr std::int32_t kNoStack = -1;
 /// The stack of the current mode; none for the palette unless the call is one of those that take
 /// it.
 std::int32_t CurrentStack(const CEs1State& state, bool withPalette) {
-    constexpr std::uint32_t kModelView = 5888;
-    constexpr std::uint32_t kProjection = 5889;
-    constexpr std::uint32_t kTexture = 5890;
-    constexpr std::uint32_t kMatrixPalette = 34880;
     constexpr std::int32_t kPaletteStacks = kMatrixStacks - kStackPalette;
     switch (state.matrixMode) {
-        case kModelView:
+        case GL_MODELVIEW:
             return kStackModelView;
-        case kProjection:
+        case GL_PROJECTION:
             return kStackProjection;
-        case kTexture: {
+        case GL_TEXTURE: {
             const std::int32_t unit = state.ActiveUnit();
             return unit < 0 ? kNoStack : kStackTexture + unit;
         }
-        case kMatrixPalette: {
+        case GL_MATRIX_PALETTE_OES: {
             const std::int32_t index = state.paletteIndex;
             const bool held = withPalette && index >= 0 && index < kPaletteStacks;
             return held ? kStackPalette + index : kNoStack;

@@ -2,6 +2,7 @@
 // the environment of each unit.
 #include <algorithm>
 
+#include "base/enumerants.h"
 #include "calls/pixels/pixel_layout.h"
 #include "generated/calls/es1_calls.h"
 #include "state/es1/es1_numbers.h"
@@ -11,19 +12,17 @@
 namespace kestrail {
 namespace {
 
-constexpr std::uint32_t kTexture2D = 3553;
-
 /// The name bound to the active unit; null when the record does not hold that unit.
 const std::uint32_t* BoundTexture(const CEs1State& state, std::uint32_t target) {
     const std::int32_t unit = state.ActiveUnit();
-    if (target != kTexture2D || unit < 0) return nullptr;
+    if (target != GL_TEXTURE_2D || unit < 0) return nullptr;
     return &state.binding2D[static_cast<std::size_t>(unit)];
 }
 
 STextureImage1State& WriteNamedImage(CEs1State& state, std::uint32_t name, std::int32_t level) {
     STextureImage1State& image = state.WriteImage(name, static_cast<std::uint32_t>(level));
     image.name = name;
-    image.target = kTexture2D;
+    image.target = GL_TEXTURE_2D;
     image.level = level;
     return image;
 }
@@ -59,11 +58,6 @@ bool SetTexParameter(CEs1State& state, const TGLenum& target, const TGLenum& pna
 
 bool SetTexEnv(CEs1State& state, const TGLenum& target, const TGLenum& pname,
                const CNumbers& value) {
-    constexpr std::uint32_t kTextureEnv = 8960;
-    constexpr std::uint32_t kPointSprite = 34913;
-    constexpr std::uint32_t kCoordReplace = 34914;
-    constexpr std::uint32_t kRgbScale = 34163;
-    constexpr std::uint32_t kAlphaScale = 3356;
     const std::int32_t active = state.ActiveUnit();
     if (active < 0 || value.Count() == 0) return false;
     const auto unit = static_cast<std::size_t>(active);
@@ -71,16 +65,16 @@ bool SetTexEnv(CEs1State& state, const TGLenum& target, const TGLenum& pname,
     const std::int32_t integer = value.Integer() / (value.AreFixed() ? kFixedDivisor : 1);
     const std::uint32_t name = pname.GetValue();
     // The pair that switches point sprites counts as target and pname, and as pname and value.
-    const bool asTarget = target.GetValue() == kPointSprite && name == kCoordReplace;
-    const bool asName = name == kPointSprite && integer == static_cast<std::int32_t>(kCoordReplace);
+    const bool asTarget = target.GetValue() == GL_POINT_SPRITE_OES && name == GL_COORD_REPLACE_OES;
+    const bool asName = name == GL_POINT_SPRITE_OES && integer == GL_COORD_REPLACE_OES;
     if (asTarget || asName) {
         SetEnvValue(
             state, [unit](auto& envs) -> auto& { return envs.pointSpriteReplace[unit]; }, integer);
         return true;
     }
-    if (target.GetValue() != kTextureEnv) return false;
-    if (name == kRgbScale || name == kAlphaScale) {
-        const std::size_t scale = name == kRgbScale ? 0 : 1;
+    if (target.GetValue() != GL_TEXTURE_ENV) return false;
+    if (name == GL_RGB_SCALE || name == GL_ALPHA_SCALE) {
+        const std::size_t scale = name == GL_RGB_SCALE ? 0 : 1;
         SetEnvValue(
             state, [=](auto& envs) -> auto& { return envs.scales[unit][scale]; }, value.Real());
         return true;

@@ -1,4 +1,5 @@
 // The calls of OpenGL ES 1.1 that set plain values of the record.
+#include "base/enumerants.h"
 #include "generated/calls/es1_calls.h"
 #include "state/es1/es1_numbers.h"
 #include "state/es1/es1_updates.h"
@@ -7,8 +8,7 @@ namespace kestrail {
 namespace {
 
 bool SetCapability(CEs1State& state, std::uint32_t capability, std::uint8_t enabled) {
-    constexpr std::uint32_t kTexture2D = 3553;
-    if (capability == kTexture2D) {
+    if (capability == GL_TEXTURE_2D) {
         const std::int32_t unit = state.ActiveUnit();
         if (unit < 0) return false;
         state.texture2DEnabled[static_cast<std::size_t>(unit)] = enabled;
@@ -22,8 +22,7 @@ bool SetCapability(CEs1State& state, std::uint32_t capability, std::uint8_t enab
 }  // namespace
 
 bool SetClipPlane(CEs1State& state, const TGLenum& plane, const CNumbers& equation) {
-    constexpr std::uint32_t kClipPlane0 = 12288;
-    const std::uint32_t index = plane.GetValue() - kClipPlane0;
+    const std::uint32_t index = plane.GetValue() - GL_CLIP_PLANE0;
     if (index >= state.clipPlanes.size() || equation.Count() == 0) return false;
     state.clipPlaneIndex = plane.GetValue();
     return equation.Store(state.clipPlanes[index].data(), 4);
@@ -62,10 +61,8 @@ bool CEs1_glHint_v1::UpdateState(CEs1State& state, SUpdates&) {
 }
 
 bool CEs1_glPixelStorei_v1::UpdateState(CEs1State& state, SUpdates&) {
-    constexpr std::uint32_t kPackAlignment = 3333;
-    constexpr std::uint32_t kUnpackAlignment = 3317;
-    if (pname.GetValue() == kPackAlignment) state.packAlignment = param.GetValue();
-    if (pname.GetValue() == kUnpackAlignment) state.unpackAlignment = param.GetValue();
+    if (pname.GetValue() == GL_PACK_ALIGNMENT) state.packAlignment = param.GetValue();
+    if (pname.GetValue() == GL_UNPACK_ALIGNMENT) state.unpackAlignment = param.GetValue();
     return true;
 }
 

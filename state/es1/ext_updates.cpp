@@ -2,13 +2,12 @@
 // objects and the matrix palette.
 #include <algorithm>
 
+#include "base/enumerants.h"
 #include "generated/calls/ext_calls.h"
 #include "state/es1/es1_state.h"
 
 namespace kestrail {
 namespace {
-
-constexpr std::uint32_t kFramebuffer = 36160;
 
 /// Makes `name` the bound object of a table, which then holds a record of it.
 template <typename Record>
@@ -53,10 +52,8 @@ bool DeleteObjects(TShared<TStateTable<Record>>& table, std::uint32_t& bound, st
 /// The attachment of a framebuffer that a call names: whatever is neither depth nor stencil is the
 /// one colour attachment.
 SAttachmentState& Attachment(SFramebufferState& framebuffer, std::uint32_t attachment) {
-    constexpr std::uint32_t kDepth = 36096;
-    constexpr std::uint32_t kStencil = 36128;
-    if (attachment == kDepth) return framebuffer.depth;
-    if (attachment == kStencil) return framebuffer.stencil;
+    if (attachment == GL_DEPTH_ATTACHMENT) return framebuffer.depth;
+    if (attachment == GL_STENCIL_ATTACHMENT) return framebuffer.stencil;
     std::vector<SAttachmentState>& colors = framebuffer.colors.Write();
     if (colors.empty()) colors.resize(1);
     return colors.front();
@@ -65,7 +62,7 @@ SAttachmentState& Attachment(SFramebufferState& framebuffer, std::uint32_t attac
 bool Attach(CEs1State& state, std::uint32_t target, std::uint32_t attachment,
             const SAttachmentState& object) {
     const std::uint32_t bound = state.boundFramebuffer;
-    if (target != kFramebuffer || state.framebuffers->Find(bound) == nullptr) return false;
+    if (target != GL_FRAMEBUFFER || state.framebuffers->Find(bound) == nullptr) return false;
     Attachment(state.framebuffers.Write().GetOrCreate(bound), attachment) = object;
     return true;
 }
@@ -107,18 +104,16 @@ bool CExt_glRenderbufferStorageOES_v1::UpdateState(CEs1State& state, SUpdates&) 
 }
 
 bool CExt_glFramebufferTexture2DOES_v1::UpdateState(CEs1State& state, SUpdates&) {
-    constexpr std::uint32_t kTexture = 5890;
     SAttachmentState object;
-    object.kind = kTexture;
+    object.kind = GL_TEXTURE;
     object.name = texture.GetValue();
     object.level = level.GetValue();
     return Attach(state, target.GetValue(), attachment.GetValue(), object);
 }
 
 bool CExt_glFramebufferRenderbufferOES_v1::UpdateState(CEs1State& state, SUpdates&) {
-    constexpr std::uint32_t kRenderbuffer = 36161;
     SAttachmentState object;
-    object.kind = kRenderbuffer;
+    object.kind = GL_RENDERBUFFER;
     object.name = renderbuffer.GetValue();
     return Attach(state, target.GetValue(), attachment.GetValue(), object);
 }

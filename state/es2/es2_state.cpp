@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "base/enumerants.h"
+
 namespace kestrail {
 
 int TextureParameterIndex(std::uint32_t pname) {
@@ -18,9 +20,7 @@ std::array<std::int32_t, 15> DefaultTextureParameters() {
 }
 
 std::int32_t STextureImageState::Layers() const {
-    constexpr std::uint32_t kTexture3D = 32879;
-    constexpr std::uint32_t kTexture2DArray = 35866;
-    return target == kTexture3D || target == kTexture2DArray ? std::max(depth, 0) : -1;
+    return target == GL_TEXTURE_3D || target == GL_TEXTURE_2D_ARRAY ? std::max(depth, 0) : -1;
 }
 
 CEs2State::CEs2State() {

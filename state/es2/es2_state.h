@@ -9,6 +9,7 @@
 #include <cstring>
 #include <vector>
 
+#include "base/enumerants.h"
 #include "base/kstl_string.h"
 #include "base/shared.h"
 #include "state/shared_bytes.h"
@@ -175,21 +176,21 @@ struct STextureParameter {
     std::int32_t initial;
 };
 inline constexpr std::array<STextureParameter, 15> kTextureParameters = {{
-    {10241, 9986},   // GL_TEXTURE_MIN_FILTER
-    {10240, 9729},   // GL_TEXTURE_MAG_FILTER
-    {10242, 10497},  // GL_TEXTURE_WRAP_S
-    {10243, 10497},  // GL_TEXTURE_WRAP_T
-    {33084, 0},      // GL_TEXTURE_BASE_LEVEL
-    {34893, 519},    // GL_TEXTURE_COMPARE_FUNC
-    {34892, 0},      // GL_TEXTURE_COMPARE_MODE
-    {33082, -1000},  // GL_TEXTURE_MIN_LOD
-    {33083, 1000},   // GL_TEXTURE_MAX_LOD
-    {33085, 1000},   // GL_TEXTURE_MAX_LEVEL
-    {36418, 6403},   // GL_TEXTURE_SWIZZLE_R
-    {36419, 6404},   // GL_TEXTURE_SWIZZLE_G
-    {36420, 6405},   // GL_TEXTURE_SWIZZLE_B
-    {36421, 6406},   // GL_TEXTURE_SWIZZLE_A
-    {32882, 10497},  // GL_TEXTURE_WRAP_R
+    {GL_TEXTURE_MIN_FILTER, GL_NEAREST_MIPMAP_LINEAR},
+    {GL_TEXTURE_MAG_FILTER, GL_LINEAR},
+    {GL_TEXTURE_WRAP_S, GL_REPEAT},
+    {GL_TEXTURE_WRAP_T, GL_REPEAT},
+    {GL_TEXTURE_BASE_LEVEL, 0},
+    {GL_TEXTURE_COMPARE_FUNC, GL_ALWAYS},
+    {GL_TEXTURE_COMPARE_MODE, GL_NONE},
+    {GL_TEXTURE_MIN_LOD, -1000},
+    {GL_TEXTURE_MAX_LOD, 1000},
+    {GL_TEXTURE_MAX_LEVEL, 1000},
+    {GL_TEXTURE_SWIZZLE_R, GL_RED},
+    {GL_TEXTURE_SWIZZLE_G, GL_GREEN},
+    {GL_TEXTURE_SWIZZLE_B, GL_BLUE},
+    {GL_TEXTURE_SWIZZLE_A, GL_ALPHA},
+    {GL_TEXTURE_WRAP_R, GL_REPEAT},
 }};
 /// The place of a parameter in the table; -1 for one that it does not hold.
 int TextureParameterIndex(std::uint32_t pname);
@@ -227,8 +228,10 @@ struct STextureFaces : TStateTable<TStateTable<STextureImageState, 2>> {
 using SUnitBindings = std::array<std::uint32_t, kTextureUnits>;
 
 /// The capabilities of glEnable, in the order of `capabilities`.
-inline constexpr std::array<std::uint32_t, 9> kEs2Capabilities = {3042,  2884,  2929, 3024, 32823,
-                                                                  32926, 32928, 3089, 2960};
+inline constexpr std::array<std::uint32_t, 9> kEs2Capabilities = {
+    GL_BLEND,           GL_CULL_FACE,           GL_DEPTH_TEST,
+    GL_DITHER,          GL_POLYGON_OFFSET_FILL, GL_SAMPLE_ALPHA_TO_COVERAGE,
+    GL_SAMPLE_COVERAGE, GL_SCISSOR_TEST,        GL_STENCIL_TEST};
 
 class CEs2State {
 public:
@@ -237,34 +240,34 @@ public:
 
     std::uint16_t apiVersion = 2;  ///< 3 once an ES3 context is in use
     std::int32_t textureUnitsUsed = 1;
-    std::uint32_t activeTexture = 33984;
+    std::uint32_t activeTexture = GL_TEXTURE0;
     TShared<SUnitBindings> binding2D;
     TShared<SUnitBindings> bindingCube;
     TShared<SUnitBindings> bindingOther;  ///< of targets that no call of the record's sets
     TShared<SUnitBindings> binding3D;
     TShared<SUnitBindings> binding2DArray;
-    std::uint32_t blendEquationAlpha = 32774;
-    std::uint32_t blendEquationRgb = 32774;
+    std::uint32_t blendEquationAlpha = GL_FUNC_ADD;
+    std::uint32_t blendEquationRgb = GL_FUNC_ADD;
     std::array<float, 4> blendColor{};
-    std::uint32_t blendSrcRgb = 1;
-    std::uint32_t blendDstRgb = 0;
-    std::uint32_t blendSrcAlpha = 1;
-    std::uint32_t blendDstAlpha = 0;
+    std::uint32_t blendSrcRgb = GL_ONE;
+    std::uint32_t blendDstRgb = GL_ZERO;
+    std::uint32_t blendSrcAlpha = GL_ONE;
+    std::uint32_t blendDstAlpha = GL_ZERO;
     TShared<TStateTable<SBufferState>> buffers;
     std::array<float, 4> clearColor{};
     float clearDepth = 1.0F;
     std::int32_t clearStencil = 0;
     std::array<std::uint8_t, 4> colorMask = {1, 1, 1, 1};
-    std::uint32_t cullFaceMode = 1029;
-    std::uint32_t depthFunc = 513;
+    std::uint32_t cullFaceMode = GL_BACK;
+    std::uint32_t depthFunc = GL_LESS;
     std::uint8_t depthMask = 1;
     float depthRangeNear = 0.0F;
     float depthRangeFar = 1.0F;
     std::array<std::uint8_t, kEs2Capabilities.size()> capabilities{};
     TShared<TStateTable<SFramebufferState>> framebuffers;
     std::uint32_t boundFramebuffer = 0;
-    std::uint32_t frontFace = 2305;
-    std::uint32_t generateMipmapHint = 4352;
+    std::uint32_t frontFace = GL_CCW;
+    std::uint32_t generateMipmapHint = GL_DONT_CARE;
     std::int32_t packAlignment = 4;
     std::int32_t unpackAlignment = 4;
     float polygonOffsetFactor = 0.0F;
@@ -280,20 +283,20 @@ public:
     std::uint8_t sampleCoverageInvert = 0;
     std::array<std::int32_t, 4> scissorBox{};
     TShared<TStateTable<SShaderState>> shaders;
-    std::uint32_t stencilFuncFront = 519;
-    std::uint32_t stencilFuncBack = 519;
+    std::uint32_t stencilFuncFront = GL_ALWAYS;
+    std::uint32_t stencilFuncBack = GL_ALWAYS;
     std::int32_t stencilRefFront = 0;
     std::int32_t stencilRefBack = 0;
     std::uint32_t stencilValueMaskFront = 0xFFFFFFFFu;
     std::uint32_t stencilValueMaskBack = 0xFFFFFFFFu;
     std::uint32_t stencilWriteMaskFront = 0xFFFFFFFFu;
     std::uint32_t stencilWriteMaskBack = 0xFFFFFFFFu;
-    std::uint32_t stencilFailFront = 7680;
-    std::uint32_t stencilFailBack = 7680;
-    std::uint32_t stencilDepthFailFront = 7680;
-    std::uint32_t stencilDepthFailBack = 7680;
-    std::uint32_t stencilDepthPassFront = 7680;
-    std::uint32_t stencilDepthPassBack = 7680;
+    std::uint32_t stencilFailFront = GL_KEEP;
+    std::uint32_t stencilFailBack = GL_KEEP;
+    std::uint32_t stencilDepthFailFront = GL_KEEP;
+    std::uint32_t stencilDepthFailBack = GL_KEEP;
+    std::uint32_t stencilDepthPassFront = GL_KEEP;
+    std::uint32_t stencilDepthPassBack = GL_KEEP;
     TShared<TStateTable<TShared<STextureFaces>>> textures;
     /// By program, then recorded location.
     TShared<TStateTable<TShared<SProgramUniforms>>> uniforms;

@@ -1,7 +1,6 @@
-#include <GLES3/gl3.h>
-
 #include <cstring>
 
+#include "base/enumerants.h"
 #include "generated/calls/es2_calls.h"
 #include "state/es2/es2_updates.h"
 #include "state/sub_data.h"

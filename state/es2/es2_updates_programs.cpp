@@ -1,8 +1,7 @@
-#include <GLES2/gl2.h>
-
 #include <cstring>
 #include <vector>
 
+#include "base/enumerants.h"
 #include "generated/calls/es2_calls.h"
 #include "state/es2/es2_updates.h"
 

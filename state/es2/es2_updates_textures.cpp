@@ -1,5 +1,3 @@
-#include <GLES3/gl3.h>
-
 #include <algorithm>
 #include <cmath>
 #include <cstring>
@@ -7,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/enumerants.h"
 #include "base/output.h"
 #include "calls/pixels/pixel_layout.h"
 #include "generated/calls/es2_calls.h"

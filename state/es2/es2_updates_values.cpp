@@ -1,7 +1,6 @@
-#include <GLES2/gl2.h>
-
 #include <algorithm>
 
+#include "base/enumerants.h"
 #include "generated/calls/es2_calls.h"
 #include "state/es2/es2_state.h"
 

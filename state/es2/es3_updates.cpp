@@ -1,7 +1,6 @@
-#include <GLES3/gl3.h>
-
 #include <algorithm>
 
+#include "base/enumerants.h"
 #include "generated/calls/es3_calls.h"
 #include "state/es2/es2_updates.h"
 
