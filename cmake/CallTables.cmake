@@ -25,7 +25,15 @@ foreach(family egl es1 es2 es3 ext)
     DEPENDS ${callgen}/classes.py ${callgen}/table.py ${table}
     VERBATIM)
   list(APPEND KESTRAIL_CALL_SOURCES ${sources})
+  list(APPEND tables ${table})
 endforeach()
+
+add_custom_command(
+  OUTPUT ${generated}/state/effects.cpp
+  COMMAND Python3::Interpreter -B ${callgen}/effects.py ${generated}/state/effects.cpp ${tables}
+  DEPENDS ${callgen}/effects.py ${callgen}/table.py ${tables}
+  VERBATIM)
+list(APPEND KESTRAIL_CALL_SOURCES ${generated}/state/effects.cpp)
 
 add_custom_command(
   OUTPUT ${generated}/calls/gl_enum_names.cpp

@@ -1,5 +1,7 @@
 #include "playback/analysis_playback.h"
 
+#include <string_view>
+
 #include "base/output.h"
 #include "host/es2_host.h"
 #include "host/host_lib.h"
@@ -11,11 +13,6 @@ namespace kestrail {
 namespace {
 
 constexpr std::uint16_t kEglSwapBuffers = 1022;
-
-// Kept: draws of ES3 and of extensions are none; tools compare pictures of sought frames.
-bool IsDrawCall(std::uint16_t id) {
-    return id == 2041 || id == 2042 || id == 3036 || id == 3037;
-}
 
 void ClearSurface() {
     SEs2Host& host = *GetEs2Host();
@@ -68,7 +65,9 @@ bool CAnalysisPlayback::PlayCalls(const CFrameRecord& frame) {
                 if (!drawn) ClearSurface();
                 return PlaySwap();
             }
-            if (IsDrawCall(id)) {
+            // Kept: no draw of ES3 or of an extension has it; tools compare pictures of sought
+            // frames.
+            if (std::string_view(entry->call->GetCategory()) == "Draw") {
                 --budget;
                 drawn = true;
             }

@@ -10,6 +10,7 @@
 
 namespace kestrail {
 
+class CEffects;
 class CEglState;
 class CEs1State;
 class CEs2State;
@@ -50,6 +51,9 @@ public:
     const char* GetName() const { return Layout().name.data(); }
     std::uint16_t GetCallId() const { return Layout().id; }
     const char* GetCategory() const { return Layout().category; }
+
+    /// Lists what the call reads and changes of contents that the driver holds. Made from its row.
+    virtual void ListEffects(CEffects&) const {}
 
     // There are millions of calls: what follows the error stands in the room that it leaves.
     /// What glGetError gave after the call when it was recorded; stays 0 for EGL and extension

@@ -65,6 +65,7 @@ struct SEglSurfaceRecord {
     SSharedEglAttributes configAttributes;
     std::int32_t height = 0;
     std::int32_t width = 0;
+    bool preserved = false;  ///< a swap leaves the colors there; no seek sets it
     SEglNativeWindowDesc window;
 };
 

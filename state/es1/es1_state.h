@@ -277,6 +277,7 @@ public:
     TShared<TStateTable<SRenderbufferState>> renderbuffers;
     std::uint32_t boundFramebuffer = 0;
     std::uint32_t boundRenderbuffer = 0;
+    bool makesMipmaps = false;  ///< some texture has GL_GENERATE_MIPMAP; no seek sets it
 
     const STextureImage1State* FindImage(std::uint32_t name, std::uint32_t level) const;
     /// The image to change; a default one is made where there is none.

@@ -36,6 +36,13 @@ std::uint64_t LayoutSize(const STextureImageState& image);
 bool SetRenderbufferStorage(CEs2State& state, std::uint32_t internalFormat, std::int32_t width,
                             std::int32_t height);
 
+/// Notes what is bound to a target of `SContentBindings`.
+void BindContentBuffer(CEs2State& state, std::uint32_t target, std::uint32_t name);
+
+/// Marks the framebuffers whose record isn't right from now on: an attachment goes to the one that
+/// is bound to `target`, while the record `held` it for the one that was bound last, or didn't.
+void MarkAttached(CEs2State& state, std::uint32_t target, bool held);
+
 /// Erases the records of `names`. False when the call carries none. Name 0 stands for no object.
 template <typename Table, typename Names>
 bool EraseRecords(TShared<Table>& table, const Names& names) {

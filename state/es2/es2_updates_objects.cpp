@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstring>
 
 #include "base/enumerants.h"
@@ -69,6 +70,12 @@ bool SetAttribEnabled(CEs2State& state, std::uint32_t index, std::uint8_t enable
     return true;
 }
 
+void MarkIncomplete(CEs2State& state, std::uint32_t framebuffer) {
+    const SFramebufferState* found = state.framebuffers->Find(framebuffer);
+    if (found == nullptr || found->incomplete) return;
+    state.framebuffers.Write().Find(framebuffer)->incomplete = true;
+}
+
 /// Unbinds `bound` when it is one of the deleted names.
 template <typename Names>
 void Unbind(std::uint32_t& bound, const Names& names) {
@@ -91,8 +98,24 @@ bool SetRenderbufferStorage(CEs2State& state, std::uint32_t internalFormat, std:
     return true;
 }
 
+void BindContentBuffer(CEs2State& state, std::uint32_t target, std::uint32_t name) {
+    const auto& targets = SContentBindings::kBuffers;
+    const auto found = std::find(targets.begin(), targets.end(), target) - targets.begin();
+    const auto place = static_cast<std::size_t>(found);
+    if (place < targets.size()) state.content.buffers[place] = name;
+}
+
+void MarkAttached(CEs2State& state, std::uint32_t target, bool held) {
+    const std::uint32_t framebuffer = target == GL_READ_FRAMEBUFFER ? state.content.readFramebuffer
+                                                                    : state.content.drawFramebuffer;
+    if (held && framebuffer == state.boundFramebuffer) return;
+    MarkIncomplete(state, framebuffer);
+    if (held) MarkIncomplete(state, state.boundFramebuffer);
+}
+
 bool CEs2_glBindBuffer_v1::UpdateState(CEs2State& state, SUpdates&) {
     const std::uint32_t name = buffer.GetValue();
+    BindContentBuffer(state, target.GetValue(), name);
     std::uint32_t bound = 0;
     if (!BoundBuffer(state, target.GetValue(), bound)) return false;
     if (bound == name && state.HasCurrentVertexArray()) return true;
@@ -125,12 +148,15 @@ bool CEs2_glBufferSubData_v1::UpdateState(CEs2State& state, SUpdates& updates) {
 }
 
 bool CEs2_glDeleteBuffers_v1::UpdateState(CEs2State& state, SUpdates&) {
+    for (std::uint32_t& bound : state.content.buffers) Unbind(bound, buffers);
     return EraseRecords(state.buffers, buffers);
 }
 
 bool CEs2_glBindFramebuffer_v1::UpdateState(CEs2State& state, SUpdates&) {
     const std::uint32_t name = framebuffer.GetValue();
     state.boundFramebuffer = name;
+    if (target.GetValue() != GL_READ_FRAMEBUFFER) state.content.drawFramebuffer = name;
+    if (target.GetValue() != GL_DRAW_FRAMEBUFFER) state.content.readFramebuffer = name;
     if (name == 0) return true;
     const SFramebufferState* found = state.framebuffers->Find(name);
     if (found == nullptr || found->everBound == 0) WriteFramebuffer(state)->everBound = 1;
@@ -138,7 +164,9 @@ bool CEs2_glBindFramebuffer_v1::UpdateState(CEs2State& state, SUpdates&) {
 }
 
 bool CEs2_glFramebufferRenderbuffer_v1::UpdateState(CEs2State& state, SUpdates&) {
-    if (target.GetValue() != GL_FRAMEBUFFER || !IsAttachment(attachment.GetValue())) return false;
+    const bool held = target.GetValue() == GL_FRAMEBUFFER && IsAttachment(attachment.GetValue());
+    MarkAttached(state, target.GetValue(), held);
+    if (!held) return false;
     SFramebufferState* bound = WriteFramebuffer(state);
     if (bound == nullptr) return false;
     Attachment(*bound, attachment.GetValue()) = {renderbuffer.GetValue(), 0, 0, GL_RENDERBUFFER};
@@ -146,6 +174,7 @@ bool CEs2_glFramebufferRenderbuffer_v1::UpdateState(CEs2State& state, SUpdates&)
 }
 
 bool CEs2_glFramebufferTexture2D_v1::UpdateState(CEs2State& state, SUpdates&) {
+    MarkAttached(state, target.GetValue(), IsAttachment(attachment.GetValue()));
     if (!IsAttachment(attachment.GetValue())) return false;
     SFramebufferState* bound = WriteFramebuffer(state);
     if (bound == nullptr) return false;
@@ -162,6 +191,8 @@ bool CEs2_glGenFramebuffers_v1::UpdateState(CEs2State& state, SUpdates&) {
 
 bool CEs2_glDeleteFramebuffers_v1::UpdateState(CEs2State& state, SUpdates&) {
     Unbind(state.boundFramebuffer, framebuffers);
+    Unbind(state.content.drawFramebuffer, framebuffers);
+    Unbind(state.content.readFramebuffer, framebuffers);
     return EraseRecords(state.framebuffers, framebuffers);
 }
 

@@ -29,6 +29,8 @@ def declaration(row, base):
              "    const SClassLayout& Layout() const override;"]
     if row.state or row.sets:
         lines.append(f"    bool UpdateState({STATES[row.family]}& state, SUpdates& updates) override;")
+    if row.effects:
+        lines.append("    void ListEffects(CEffects& effects) const override;")
     lines.append("")
     if row.returns:
         lines.append(f"    {row.returns} result;")
