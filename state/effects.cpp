@@ -109,7 +109,7 @@ void CEffects::AddUnknown(EContent kind, EAccess access) {
     if (access != EAccess::kWipe) Add(kind, access, 0).unknown = true;
 }
 
-void CEffects::Named(EContent kind, EAccess access, const Names& names) {
+void CEffects::Named(EAccess access, EContent kind, const Names& names) {
     for (std::uint32_t i = 0; i < names.ItemCount(); ++i) {
         if (names.GetItem(i) != 0) Add(kind, access, names.GetItem(i));
     }
@@ -334,10 +334,6 @@ void CEffects::Vertices(EAccess access) {
     for (std::size_t unit = 0; unit < kTextureUnits; ++unit) {
         read(arrays.texCoordEnabled[unit] != 0, arrays.texCoords[unit].buffer);
     }
-}
-
-void CEffects::Elements(EAccess access) {
-    Buffer(access, GL_ELEMENT_ARRAY_BUFFER);
 }
 
 void CEffects::BoundTexture(EAccess access, std::uint32_t target, SSpan levels, SSpan layers,

@@ -100,17 +100,12 @@ public:
     void Packed(EAccess access);
     void Sampled(EAccess access);
     void Vertices(EAccess access);
-    void Elements(EAccess access);
     void Texture(EAccess access, const SPart& part);
     void Mipmaps(EAccess access, std::uint32_t target);
     void Foreign(EAccess access);
     void Renderbuffer(EAccess access);
     void Buffer(EAccess access, std::uint32_t target);
-    void Textures(EAccess access, const Names& names) { Named(EContent::kTexture, access, names); }
-    void Buffers(EAccess access, const Names& names) { Named(EContent::kBuffer, access, names); }
-    void Renderbuffers(EAccess access, const Names& names) {
-        Named(EContent::kRenderbuffer, access, names);
-    }
+    void Named(EAccess access, EContent kind, const Names& names);
 
 private:
     /// By the state of the context: what draws and clears can change.
@@ -118,7 +113,6 @@ private:
 
     SEffect& Add(EContent kind, EAccess access, std::uint32_t name);
     void AddUnknown(EContent kind, EAccess access);
-    void Named(EContent kind, EAccess access, const Names& names);
     void Attached(EAccess access, const SAttachmentState& attachment, std::uint8_t aspects,
                   const SArea& area);
     /// `colors`: the color attachments that are meant, as bits.

@@ -10,8 +10,8 @@ from pathlib import Path
 
 from table import load
 
-# The places of a row's effects: an operation of CEffects, and the parameters that it takes. Those of
-# PART go into a struct, as far as the row has them.
+# The places of a row's effects: an operation of CEffects, and what it takes, parameters or constants.
+# Those of PART go into a struct, as far as the row has them.
 PLACES = {
     "surface": ("Surface", ["surface"]),
     "aged": ("AgedSurface", ["surface", "attribute"]),
@@ -23,15 +23,15 @@ PLACES = {
     "packed": ("Packed", []),
     "sampled": ("Sampled", []),
     "vertices": ("Vertices", []),
-    "elements": ("Elements", []),
+    "elements": ("Buffer", ["GL_ELEMENT_ARRAY_BUFFER"]),
     "texture": ("Texture", []),
     "mipmaps": ("Mipmaps", ["target"]),
     "foreign": ("Foreign", []),
     "renderbuffer": ("Renderbuffer", []),
     "buffer": ("Buffer", ["target"]),
-    "textures": ("Textures", ["textures"]),
-    "buffers": ("Buffers", ["buffers"]),
-    "renderbuffers": ("Renderbuffers", ["renderbuffers"]),
+    "textures": ("Named", ["EContent::kTexture", "textures"]),
+    "buffers": ("Named", ["EContent::kBuffer", "buffers"]),
+    "renderbuffers": ("Named", ["EContent::kRenderbuffer", "renderbuffers"]),
 }
 PART = {"Texture": ["target", "level", "xoffset", "yoffset", "zoffset", "width", "height", "depth"],
         "Pixels": ["x", "y", "width", "height"]}
@@ -54,7 +54,7 @@ def operation(row, verb, word):
         taken = taken + [f"{side}{end}" for end in ("X0", "Y0", "X1", "Y1")]
     values = [parameter or p for p in taken]
     arrays = {p.name for p in row.parameters if p.cls.startswith("SArrayPtr")}
-    values = [v if v in arrays else f"{v}.GetValue()" for v in values]
+    values = [f"{v}.GetValue()" if v in visible and v not in arrays else v for v in values]
     part = [f".{p} = {p}.GetValue()" for p in PART.get(name, []) if p in visible]
     if name in PART:
         values.append(f"{{{', '.join(part)}}}")
