@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "base/enumerants.h"
-#include "state/es1/es1_numbers.h"
+#include "state/context_updates.h"
 
 namespace kestrail {
 namespace {
@@ -71,8 +71,7 @@ struct CEffects::SRaster {
 CEffects::SRaster CEffects::Raster() const {
     const auto make = [](const auto& state, const auto& capabilities, std::uint32_t stencilMask) {
         const auto on = [&](std::uint32_t capability) {
-            const auto place = static_cast<std::size_t>(PlaceIn(capabilities, capability));
-            return state.capabilities[place] != 0;
+            return state.capabilities[PlaceIn(capabilities, capability)] != 0;
         };
         SRaster raster;
         raster.scissor = on(GL_SCISSOR_TEST);
@@ -92,8 +91,8 @@ CEffects::SRaster CEffects::Raster() const {
         set(raster.whole, colors == 0, bits == 0xFF);
         return raster;
     };
-    return m_isEs1 ? make(m_es1, kEs1Capabilities, m_es1.stencilWriteMask)
-                   : make(m_es2, kEs2Capabilities, m_es2.stencilWriteMaskFront);
+    return m_isEs1 ? make(m_es1, kEs1Capabilities, m_es1.stencil.writeMask)
+                   : make(m_es2, kEs2Capabilities, m_es2.stencilFront.writeMask);
 }
 
 SEffect& CEffects::Add(EContent kind, EAccess access, std::uint32_t name) {
@@ -385,7 +384,7 @@ void CEffects::Mipmaps(EAccess access, std::uint32_t target) {
     SEffect& read = m_effects.back();
     if (read.unknown) return AddUnknown(EContent::kTexture, access);
     const STextureImageState* image = m_isEs1 ? nullptr : m_es2.FindImage(read.name, 0, 0);
-    const auto place = static_cast<std::size_t>(TextureParameterIndex(GL_TEXTURE_BASE_LEVEL));
+    const auto place = TextureParameterIndex(GL_TEXTURE_BASE_LEVEL);
     const std::uint16_t base = image != nullptr ? Narrow(image->parameters[place]) : 0;
     read.levels = {base, base};
     const SSpan made = {Narrow(base + 1), 0xFFFF};
@@ -411,9 +410,9 @@ void CEffects::Buffer(EAccess access, std::uint32_t target) {
     } else if (m_isEs1) {
         name = m_es1.arrayBuffer;
     } else {
-        const int place = PlaceIn(SContentBindings::kBuffers, target);
-        if (place < 0) return AddUnknown(EContent::kBuffer, access);
-        name = m_es2.content.buffers[static_cast<std::size_t>(place)];
+        const std::size_t place = PlaceIn(SContentBindings::kBuffers, target);
+        if (place == m_es2.content.buffers.size()) return AddUnknown(EContent::kBuffer, access);
+        name = m_es2.content.buffers[place];
     }
     if (name != 0) Add(EContent::kBuffer, access, name);
 }

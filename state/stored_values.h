@@ -85,9 +85,9 @@ private:
     CNumbers(EForm form, const void* elements, std::uint32_t count)
         : m_elements(elements), m_count(count), m_form(form) {}
 
-    const void* m_elements;
-    std::uint32_t m_count;
-    EForm m_form;
+    const void* m_elements = nullptr;
+    std::uint32_t m_count = 0;
+    EForm m_form = EForm::kReal;
 };
 
 }  // namespace kestrail

@@ -57,6 +57,27 @@ void SetWholeImage(Image& image, const Call& call, std::int32_t alignment) {
     image.data = CSharedBytes::Borrow(call.pixels.GetData(), call.pixels.GetSize());
 }
 
+/// What a glCompressedTexImage2D sets but for the size.
+template <typename Image, typename Call>
+void SetCompressedImage(Image& image, const Call& call, std::int32_t alignment) {
+    image.format = call.internalformat.GetValue();
+    image.internalFormat = static_cast<std::int32_t>(call.internalformat.GetValue());
+    image.width = call.width.GetValue();
+    image.height = call.height.GetValue();
+    image.type = 0;
+    image.unpackAlignment = alignment;
+    image.border = call.border.GetValue();
+    image.data = CSharedBytes::Borrow(call.data.GetData(), call.data.GetSize());
+    image.compressed = 1;
+}
+
+template <typename Call>
+SImagePart PartOf(const Call& call, std::int32_t alignment) {
+    return {call.pixels.GetData(),   call.pixels.GetSize(), call.xoffset.GetValue(),
+            call.yoffset.GetValue(), call.width.GetValue(), call.height.GetValue(),
+            call.format.GetValue(),  call.type.GetValue(),  alignment};
+}
+
 /// Makes a part ready for an image. False for a rectangle that reaches out of it (larger than the
 /// image: with a message), for fewer bytes than a host reads, with which no call is played, and for
 /// formats that don't convert.

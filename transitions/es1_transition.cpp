@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "exec/egl_names.h"
 #include "exec/extension_resolver.h"
+#include "transitions/context_steps.h"
 #include "transitions/es1_transition_steps.h"
 
 namespace kestrail {
@@ -41,44 +41,21 @@ void SetClipPlanes(SEs1Transition& t) {
     }
 }
 
-void SetPixelStore(SEs1Transition& t, GLenum name, GLint value) {
-    t.host.glPixelStorei(name, value);
-    CEglNames{}.PixelStore().Set(name, value);
-}
-
 void SetPointsAndPixels(SEs1Transition& t) {
     const auto& normal = t.target.currentNormal;
     t.host.glNormal3f(normal[0], normal[1], normal[2]);
-    SetPixelStore(t, GL_PACK_ALIGNMENT, t.target.packAlignment);
-    SetPixelStore(t, GL_UNPACK_ALIGNMENT, t.target.unpackAlignment);
+    SetAlignments(t.host, t.target);
     for (std::size_t i = 0; i < kPointParameters.size(); ++i) {
         t.host.glPointParameterfv(kPointParameters[i], t.target.pointParameters[i].data());
     }
     t.host.glPointSize(t.target.pointSize);
-    t.host.glPolygonOffset(t.target.polygonOffsetFactor, t.target.polygonOffsetUnits);
-    t.host.glSampleCoverage(t.target.sampleCoverageValue, t.target.sampleCoverageInvert);
+    SetOffsetAndCoverage(t.host, t.target);
     // Kept: an empty box alone goes to the host; tools compare pictures of sought frames.
     const auto& box = t.target.scissorBox;
     if (box[2] == box[3] && box[2] == 0) t.host.glScissor(box[0], box[1], box[2], box[3]);
 }
 
-void SetRasterState(SEs1Transition& t) {
-    const auto& color = t.target.currentColor;
-    t.host.glColor4f(color[0], color[1], color[2], color[3]);
-    const auto& mask = t.target.colorMask;
-    t.host.glColorMask(mask[0], mask[1], mask[2], mask[3]);
-    t.host.glCullFace(t.target.cullFaceMode);
-    t.host.glDepthFunc(t.target.depthFunc);
-    t.host.glDepthMask(t.target.depthMask);
-    t.host.glDepthRangef(t.target.depthRangeNear, t.target.depthRangeFar);
-}
-
 }  // namespace
-
-std::uint32_t SEs1Transition::Units() const {
-    return static_cast<std::uint32_t>(
-        std::clamp(target.textureUnitsUsed, 0, static_cast<std::int32_t>(kTextureUnits)));
-}
 
 void SEs1Transition::BindRecordedBuffers() const {
     const auto* arrays = target.vertexArrays->Find(target.currentVertexArray);
@@ -89,12 +66,11 @@ void SEs1Transition::BindRecordedBuffers() const {
 void TransitionScalars1(SEs1Transition& t) {
     const CEs1State& target = t.target;
     t.host.glBlendFunc(target.blendSrc, target.blendDst);
-    const auto& clear = target.clearColor;
-    t.host.glClearColor(clear[0], clear[1], clear[2], clear[3]);
-    t.host.glClearDepthf(target.clearDepth);
-    t.host.glClearStencil(target.clearStencil);
+    SetClearValues(t.host, target);
     SetClipPlanes(t);
-    SetRasterState(t);
+    const auto& color = target.currentColor;
+    t.host.glColor4f(color[0], color[1], color[2], color[3]);
+    SetMasksAndDepth(t.host, target);
     SetFog(t);
     t.host.glFrontFace(target.frontFace);
     for (std::size_t i = 0; i < kEs1Hints.size(); ++i) {
@@ -110,9 +86,10 @@ void TransitionScalars1(SEs1Transition& t) {
     t.SelectPalette(target.paletteIndex);
     SetPointsAndPixels(t);
     t.host.glShadeModel(target.shadeModel);
-    t.host.glStencilFunc(target.stencilFunc, target.stencilRef, target.stencilValueMask);
-    t.host.glStencilMask(target.stencilWriteMask);
-    t.host.glStencilOp(target.stencilFail, target.stencilDepthFail, target.stencilDepthPass);
+    const SStencilState& stencil = target.stencil;
+    t.host.glStencilFunc(stencil.func, stencil.ref, stencil.valueMask);
+    t.host.glStencilMask(stencil.writeMask);
+    t.host.glStencilOp(stencil.fail, stencil.depthFail, stencil.depthPass);
     const auto& viewport = target.viewport;
     if (viewport[2] != 0 || viewport[3] != 0) {
         t.host.glViewport(viewport[0], viewport[1], viewport[2], viewport[3]);
@@ -164,7 +141,7 @@ void TransitionEs1State(CEs1State& target, const CEs1State* current) {
     TransitionTextures1(t);
     TransitionUnits1(t);
     for (std::size_t i = 0; i < kEs1Capabilities.size(); ++i) {
-        t.Enable(kEs1Capabilities[i], target.capabilities[i] != 0);
+        Switch(t.host, kEs1Capabilities[i], target.capabilities[i] != 0);
     }
     t.host.glAlphaFunc(target.alphaFunc, target.alphaRef);
     TransitionBuffers1(t);

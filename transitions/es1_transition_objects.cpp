@@ -1,10 +1,8 @@
 // Textures, buffers, client arrays and framebuffers of an ES1 transition.
 #include "base/enumerants.h"
-#include "exec/egl_names.h"
 #include "exec/host_data.h"
-#include "exec/name_calls.h"
+#include "transitions/context_steps.h"
 #include "transitions/es1_transition_steps.h"
-#include "transitions/host_bytes.h"
 #include "transitions/table_sweep.h"
 
 namespace kestrail {
@@ -55,6 +53,9 @@ void SetArrays(SEs1Transition& t, const SClientArraysState& arrays) {
         t.host.glBindBuffer(GL_ARRAY_BUFFER, live != CEs1Names::kUnknown ? live : array.buffer);
         return AsPointer(array.pointer);
     };
+    const auto enable = [&t](GLenum array, std::uint8_t on) {
+        (on != 0 ? t.host.glEnableClientState : t.host.glDisableClientState)(array);
+    };
     const auto& color = arrays.color;
     t.host.glColorPointer(color.size, color.type, color.stride, bind(color));
     const auto& vertex = arrays.vertex;
@@ -71,7 +72,7 @@ void SetArrays(SEs1Transition& t, const SClientArraysState& arrays) {
         const auto& weight = arrays.weight;
         t.host.glWeightPointerOES(weight.size, weight.type, weight.stride, bind(weight));
     }
-    for (std::uint32_t unit = 0; unit < t.Units(); ++unit) {
+    for (std::uint32_t unit = 0; unit < t.target.Units(); ++unit) {
         const SClientArrayState& coords = arrays.texCoords[unit];
         t.host.glClientActiveTexture(GL_TEXTURE0 + unit);
         if (coords.type != 0) bind(coords);
@@ -79,18 +80,10 @@ void SetArrays(SEs1Transition& t, const SClientArraysState& arrays) {
             t.host.glTexCoordPointer(coords.size, coords.type, coords.stride,
                                      AsPointer(coords.pointer));
         }
-        if (arrays.texCoordEnabled[unit] != 0) {
-            t.host.glEnableClientState(GL_TEXTURE_COORD_ARRAY);
-        } else {
-            t.host.glDisableClientState(GL_TEXTURE_COORD_ARRAY);
-        }
+        enable(GL_TEXTURE_COORD_ARRAY, arrays.texCoordEnabled[unit]);
     }
     for (std::size_t i = 0; i < kClientStates.size(); ++i) {
-        if (arrays.enabled[i] != 0) {
-            t.host.glEnableClientState(kClientStates[i]);
-        } else {
-            t.host.glDisableClientState(kClientStates[i]);
-        }
+        enable(kClientStates[i], arrays.enabled[i]);
     }
 }
 
@@ -128,13 +121,13 @@ void TransitionTextures1(SEs1Transition& t) {
 }
 
 void TransitionUnits1(SEs1Transition& t) {
-    for (std::uint32_t unit = 0; unit < t.Units(); ++unit) {
+    for (std::uint32_t unit = 0; unit < t.target.Units(); ++unit) {
         t.host.glActiveTexture(GL_TEXTURE0 + unit);
         // Kept: the recorded name; tools compare pictures of sought frames.
         t.host.glBindTexture(GL_TEXTURE_2D, t.target.binding2D[unit]);
         const SVector4& coord = (*t.target.currentTexCoord)[unit];
         t.host.glMultiTexCoord4f(GL_TEXTURE0 + unit, coord[0], coord[1], coord[2], coord[3]);
-        t.Enable(GL_TEXTURE_2D, t.target.texture2DEnabled[unit] != 0);
+        Switch(t.host, GL_TEXTURE_2D, t.target.texture2DEnabled[unit] != 0);
     }
     t.host.glActiveTexture(t.target.activeTexture);
 }
@@ -147,15 +140,7 @@ void TransitionBuffers1(SEs1Transition& t) {
         const bool known = t.current != nullptr && i < t.current->buffers->Count();
         if (known && ValueAt(*t.current->buffers, i).data.Identity() == buffer.data.Identity())
             continue;
-        CHostBytes bytes;
-        const GLuint live =
-            LiveOrGenerated(t.names.Buffers(), buffers.KeyAt(i), t.host.glGenBuffers);
-        t.host.glBindBuffer(buffer.target, live);
-        t.host.glBufferData(buffer.target, static_cast<GLsizeiptr>(buffer.size),
-                            bytes.Whole(buffer.data, buffer.size), buffer.usage);
-        if (buffer.mapped != 0 && t.host.glMapBufferOES != nullptr) {
-            t.host.glMapBufferOES(buffer.target, GL_WRITE_ONLY_OES);
-        }
+        UploadBuffer(t.host, t.names.Buffers(), buffers.KeyAt(i), buffer);
     }
 }
 

@@ -14,15 +14,6 @@ struct SEs1Transition {
     SEs1Host& host;
     CEs1Names names{};
 
-    /// Units that the application used, as far as the record holds them.
-    std::uint32_t Units() const;
-    void Enable(std::uint32_t capability, bool on) const {
-        if (on) {
-            host.glEnable(capability);
-        } else {
-            host.glDisable(capability);
-        }
-    }
     // Kept: binds the recorded names; tools compare seeks.
     void BindRecordedBuffers() const;
     void SelectPalette(std::int32_t index) const {

@@ -9,8 +9,8 @@
 #include "exec/name_calls.h"
 #include "host/es2_host.h"
 #include "host/es3_host.h"
+#include "transitions/context_steps.h"
 #include "transitions/es2_transition_steps.h"
-#include "transitions/host_bytes.h"
 #include "transitions/table_sweep.h"
 
 namespace kestrail {
@@ -45,30 +45,20 @@ void SetAttributes(SEs2Host& host, CEs2Names& names, const SVertexArrayState& ar
             host.glVertexAttribPointer(i, attribute.size, attribute.type, attribute.normalized,
                                        attribute.stride, AsPointer(attribute.pointer));
         }
-        if (attribute.enabled != 0) {
-            host.glEnableVertexAttribArray(i);
-        } else {
-            host.glDisableVertexAttribArray(i);
-        }
+        (attribute.enabled != 0 ? host.glEnableVertexAttribArray
+                                : host.glDisableVertexAttribArray)(i);
     }
 }
 
 void SetStencil(SEs2Host& host, const CEs2State& state) {
-    host.glStencilFuncSeparate(GL_FRONT, state.stencilFuncFront, state.stencilRefFront,
-                               state.stencilValueMaskFront);
-    host.glStencilFuncSeparate(GL_BACK, state.stencilFuncBack, state.stencilRefBack,
-                               state.stencilValueMaskBack);
-    host.glStencilMaskSeparate(GL_FRONT, state.stencilWriteMaskFront);
-    host.glStencilMaskSeparate(GL_BACK, state.stencilWriteMaskBack);
-    host.glStencilOpSeparate(GL_FRONT, state.stencilFailFront, state.stencilDepthFailFront,
-                             state.stencilDepthPassFront);
-    host.glStencilOpSeparate(GL_BACK, state.stencilFailBack, state.stencilDepthFailBack,
-                             state.stencilDepthPassBack);
-}
-
-void SetPixelStore(SEs2Host& host, GLenum name, GLint value) {
-    host.glPixelStorei(name, value);
-    CEglNames{}.PixelStore().Set(name, value);
+    const SStencilState& front = state.stencilFront;
+    const SStencilState& back = state.stencilBack;
+    host.glStencilFuncSeparate(GL_FRONT, front.func, front.ref, front.valueMask);
+    host.glStencilFuncSeparate(GL_BACK, back.func, back.ref, back.valueMask);
+    host.glStencilMaskSeparate(GL_FRONT, front.writeMask);
+    host.glStencilMaskSeparate(GL_BACK, back.writeMask);
+    host.glStencilOpSeparate(GL_FRONT, front.fail, front.depthFail, front.depthPass);
+    host.glStencilOpSeparate(GL_BACK, back.fail, back.depthFail, back.depthPass);
 }
 
 }  // namespace
@@ -95,14 +85,7 @@ void TransitionBuffers(const CEs2State& target, const CEs2State& current) {
         const SBufferState& buffer = ValueAt(*target.buffers, i);
         const SBufferState* old = known.FindValue(name, i);
         if (old != nullptr && old->data.Identity() == buffer.data.Identity()) continue;
-        CHostBytes bytes;
-        const GLuint live = LiveOrGenerated(names.Buffers(), name, host.glGenBuffers);
-        host.glBindBuffer(buffer.target, live);
-        host.glBufferData(buffer.target, static_cast<GLsizeiptr>(buffer.size),
-                          bytes.Whole(buffer.data, buffer.size), buffer.usage);
-        if (buffer.mapped != 0 && host.glMapBufferOES != nullptr) {
-            host.glMapBufferOES(buffer.target, GL_WRITE_ONLY_OES);
-        }
+        UploadBuffer(host, names.Buffers(), name, buffer);
     }
 }
 
@@ -129,34 +112,20 @@ void TransitionScalars(const CEs2State& target) {
     SEs2Host& host = *GetEs2Host();
     host.glBlendEquationSeparate(target.blendEquationRgb, target.blendEquationAlpha);
     for (std::size_t i = 0; i < kEs2Capabilities.size(); ++i) {
-        if (target.capabilities[i] != 0) {
-            host.glEnable(kEs2Capabilities[i]);
-        } else {
-            host.glDisable(kEs2Capabilities[i]);
-        }
+        Switch(host, kEs2Capabilities[i], target.capabilities[i] != 0);
     }
     host.glBlendFuncSeparate(target.blendSrcRgb, target.blendDstRgb, target.blendSrcAlpha,
                              target.blendDstAlpha);
     const auto& blend = target.blendColor;
     host.glBlendColor(blend[0], blend[1], blend[2], blend[3]);
-    const auto& clear = target.clearColor;
-    host.glClearColor(clear[0], clear[1], clear[2], clear[3]);
-    host.glClearDepthf(target.clearDepth);
-    host.glClearStencil(target.clearStencil);
-    const auto& mask = target.colorMask;
-    host.glColorMask(mask[0], mask[1], mask[2], mask[3]);
-    host.glCullFace(target.cullFaceMode);
-    host.glDepthFunc(target.depthFunc);
-    host.glDepthMask(target.depthMask);
-    host.glDepthRangef(target.depthRangeNear, target.depthRangeFar);
+    SetClearValues(host, target);
+    SetMasksAndDepth(host, target);
     CheckTransitionError(target);
 
     host.glFrontFace(target.frontFace);
     host.glHint(GL_GENERATE_MIPMAP_HINT, target.generateMipmapHint);
-    SetPixelStore(host, GL_PACK_ALIGNMENT, target.packAlignment);
-    SetPixelStore(host, GL_UNPACK_ALIGNMENT, target.unpackAlignment);
-    host.glPolygonOffset(target.polygonOffsetFactor, target.polygonOffsetUnits);
-    host.glSampleCoverage(target.sampleCoverageValue, target.sampleCoverageInvert);
+    SetAlignments(host, target);
+    SetOffsetAndCoverage(host, target);
     const auto& box = target.scissorBox;
     // Kept: a box of zeros stays behind; tools compare pictures of sought frames.
     if (box[0] != 0 || box[1] != 0 || box[2] != 0 || box[3] != 0) {

@@ -11,19 +11,8 @@
 namespace kestrail {
 namespace {
 
-void SetStorage(SEs2Host& host, const SRenderbufferState& buffer) {
-    if (buffer.samples != 0 && host.glRenderbufferStorageMultisampleQVA != nullptr) {
-        host.glRenderbufferStorageMultisampleQVA(
-            GL_RENDERBUFFER, buffer.samples, buffer.internalFormat, buffer.width, buffer.height);
-    } else if (buffer.samples != 0 || buffer.internalFormat != 0) {
-        host.glRenderbufferStorage(GL_RENDERBUFFER, buffer.internalFormat, buffer.width,
-                                   buffer.height);
-    }
-}
-
 /// False when the place is empty.
-bool Attach(SEs2Host& host, CEs2Names& names, GLenum place, const SAttachmentState& attachment,
-            std::uint32_t samples) {
+bool Attach(SEs2Host& host, CEs2Names& names, GLenum place, const SAttachmentState& attachment) {
     if (attachment.kind == GL_RENDERBUFFER) {
         host.glFramebufferRenderbuffer(GL_FRAMEBUFFER, place, GL_RENDERBUFFER,
                                        names.Renderbuffers().Get(attachment.name));
@@ -32,24 +21,17 @@ bool Attach(SEs2Host& host, CEs2Names& names, GLenum place, const SAttachmentSta
     if (attachment.kind != GL_TEXTURE) return false;
     const GLuint texture = names.Textures().Get(attachment.name);
     const GLenum target = attachment.cubeFace != 0 ? attachment.cubeFace : GL_TEXTURE_2D;
-    if (samples != 0 && host.glFramebufferTexture2DMultisampleQVA != nullptr) {
-        host.glFramebufferTexture2DMultisampleQVA(GL_FRAMEBUFFER, place, target, texture,
-                                                  attachment.level, static_cast<GLsizei>(samples));
-    } else {
-        host.glFramebufferTexture2D(GL_FRAMEBUFFER, place, target, texture, attachment.level);
-    }
+    host.glFramebufferTexture2D(GL_FRAMEBUFFER, place, target, texture, attachment.level);
     return true;
 }
 
 void AttachAll(SEs2Host& host, CEs2Names& names, const SFramebufferState& framebuffer) {
     for (std::uint32_t i = 0; i < framebuffer.colors->size(); ++i) {
-        Attach(host, names, GL_COLOR_ATTACHMENT0 + i, (*framebuffer.colors)[i],
-               framebuffer.samples);
+        Attach(host, names, GL_COLOR_ATTACHMENT0 + i, (*framebuffer.colors)[i]);
     }
-    if (!Attach(host, names, GL_DEPTH_STENCIL_ATTACHMENT, framebuffer.depthStencil,
-                framebuffer.samples)) {
-        Attach(host, names, GL_DEPTH_ATTACHMENT, framebuffer.depth, framebuffer.samples);
-        Attach(host, names, GL_STENCIL_ATTACHMENT, framebuffer.stencil, framebuffer.samples);
+    if (!Attach(host, names, GL_DEPTH_STENCIL_ATTACHMENT, framebuffer.depthStencil)) {
+        Attach(host, names, GL_DEPTH_ATTACHMENT, framebuffer.depth);
+        Attach(host, names, GL_STENCIL_ATTACHMENT, framebuffer.stencil);
     }
     if (!framebuffer.drawBuffers->empty()) {
         GetEs3Host()->glDrawBuffers(static_cast<GLsizei>(framebuffer.drawBuffers->size()),
@@ -70,7 +52,10 @@ void TransitionFramebuffers(CEs2State& target, const CEs2State& current) {
             LiveOrGenerated(names.Renderbuffers(), renderbuffers.KeyAt(i), host.glGenRenderbuffers);
         if (buffer.everBound == 0) continue;
         host.glBindRenderbuffer(GL_RENDERBUFFER, live);
-        SetStorage(host, buffer);
+        if (buffer.internalFormat != 0) {
+            host.glRenderbufferStorage(GL_RENDERBUFFER, buffer.internalFormat, buffer.width,
+                                       buffer.height);
+        }
     }
 
     const auto& framebuffers = *target.framebuffers;

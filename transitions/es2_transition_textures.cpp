@@ -160,9 +160,7 @@ private:
     }
 
     void BindUnits() {
-        const auto units = static_cast<std::uint32_t>(
-            std::clamp(m_target.textureUnitsUsed, 0, static_cast<std::int32_t>(kTextureUnits)));
-        for (std::uint32_t unit = 0; unit < units; ++unit) {
+        for (std::uint32_t unit = 0; unit < m_target.Units(); ++unit) {
             m_host.glActiveTexture(GL_TEXTURE0 + unit);
             // Kept: two of the four targets; tools compare seeks.
             m_host.glBindTexture(GL_TEXTURE_2D,

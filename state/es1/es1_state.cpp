@@ -39,21 +39,4 @@ STextureImage1State& CEs1State::WriteImage(std::uint32_t name, std::uint32_t lev
     return textures.Write().GetOrCreate(name).Write().GetOrCreate(level);
 }
 
-const SClientArraysState& CEs1State::CurrentVertexArray() const {
-    static const SClientArraysState s_none;
-    const auto* arrays = vertexArrays->Find(currentVertexArray);
-    return arrays != nullptr ? **arrays : s_none;
-}
-
-SClientArraysState& CEs1State::WriteCurrentVertexArray() {
-    SClientArraysState& arrays = vertexArrays.Write().GetOrCreate(currentVertexArray).Write();
-    arrays.name = currentVertexArray;
-    return arrays;
-}
-
-std::int32_t CEs1State::UnitOf(std::uint32_t texture) {
-    const std::uint32_t unit = texture - GL_TEXTURE0;
-    return unit < kTextureUnits ? static_cast<std::int32_t>(unit) : -1;
-}
-
 }  // namespace kestrail

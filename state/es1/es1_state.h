@@ -8,9 +8,8 @@
 #include <cstdint>
 
 #include "base/enumerants.h"
-#include "base/shared.h"
 #include "base/shared_array.h"
-#include "state/es2/es2_state.h"
+#include "state/context_state.h"
 
 namespace kestrail {
 
@@ -144,35 +143,12 @@ struct STextureEnvs {
     std::array<std::int32_t, kTextureUnits> pointSpriteReplace{};
 };
 
-struct STextureImage1State {
-    std::uint32_t name = 0;
-    std::uint32_t target = 0;
-    std::int32_t level = 0;
-    CSharedBytes data;
-    std::uint32_t format = 0;
-    std::int32_t internalFormat = 0;
-    std::int32_t width = 0;
-    std::int32_t height = 0;
-    std::uint32_t type = 0;
-    std::int32_t unpackAlignment = 0;
-    std::int32_t border = 0;
+struct STextureImage1State : SImageState {
     std::array<std::int32_t, 4> parameters = {GL_NEAREST_MIPMAP_LINEAR, GL_LINEAR, GL_REPEAT,
                                               GL_REPEAT};
-    std::uint32_t imageSize = 0;
-    std::uint8_t compressed = 0;
 
     /// As that of ES2; there are no others here.
     static std::int32_t Layers() { return -1; }
-};
-
-struct SClientArrayState {
-    std::uint32_t buffer = 0;
-    std::int32_t size = 0;
-    std::uint32_t type = 0;
-    std::int32_t stride = 0;
-    std::uint32_t pointer = 0;
-
-    bool operator==(const SClientArrayState&) const = default;
 };
 
 /// The client arrays of one vertex array object.
@@ -195,31 +171,19 @@ inline constexpr std::array<std::uint32_t, 6> kClientStates = {
     GL_COLOR_ARRAY,          GL_NORMAL_ARRAY,           GL_VERTEX_ARRAY,
     GL_POINT_SIZE_ARRAY_OES, GL_MATRIX_INDEX_ARRAY_OES, GL_WEIGHT_ARRAY_OES};
 
-class CEs1State {
+class CEs1State : public TContextState<SClientArraysState> {
 public:
-    std::int32_t textureUnitsUsed = 1;
     std::int32_t paletteMatricesUsed = 0;
-    std::uint32_t activeTexture = GL_TEXTURE0;
     std::uint32_t alphaFunc = GL_ALWAYS;
     float alphaRef = 0.0F;
     std::uint32_t arrayBuffer = 0;
     std::array<std::uint32_t, kTextureUnits> binding2D{};
     std::uint32_t blendSrc = GL_ONE;
     std::uint32_t blendDst = GL_ZERO;
-    TShared<TStateTable<SBufferState>> buffers;
-    SVector4 clearColor{};
-    float clearDepth = 1.0F;
-    std::int32_t clearStencil = 0;
     std::uint32_t clientActiveTexture = GL_TEXTURE0;
     std::uint32_t clipPlaneIndex = 0;
     std::array<SVector4, 6> clipPlanes{};
     SVector4 currentColor = {1.0F, 1.0F, 1.0F, 1.0F};
-    std::array<std::uint8_t, 4> colorMask = {1, 1, 1, 1};
-    std::uint32_t cullFaceMode = GL_BACK;
-    std::uint32_t depthFunc = GL_LESS;
-    std::uint8_t depthMask = 1;
-    float depthRangeNear = 0.0F;
-    float depthRangeFar = 1.0F;
     // Kept: all off, dither and multisampling too; tools compare pictures of sought frames.
     std::array<std::uint8_t, kEs1Capabilities.size()> capabilities{};
     std::array<std::uint8_t, kTextureUnits> texture2DEnabled{};
@@ -228,7 +192,6 @@ public:
     float fogStart = 0.0F;
     float fogEnd = 1.0F;
     SVector4 fogColor{};
-    std::uint32_t frontFace = GL_CCW;
     std::array<std::uint32_t, kEs1Hints.size()> hints = {GL_DONT_CARE, GL_DONT_CARE, GL_DONT_CARE,
                                                          GL_DONT_CARE, GL_DONT_CARE};
     TShared<SLights> lights;
@@ -246,50 +209,22 @@ public:
     CMatrixStacks matrixStacks;
     TShared<std::array<SVector4, kTextureUnits>> currentTexCoord;
     std::array<float, 3> currentNormal = {0.0F, 0.0F, 1.0F};
-    std::int32_t packAlignment = 4;
-    std::int32_t unpackAlignment = 4;
     /// By kPointParameters; those with one value use the first of their slot.
     std::array<std::array<float, 3>, kPointParameters.size()> pointParameters = {
         {{0.0F, 0.0F, 0.0F}, {63.77F, 0.0F, 0.0F}, {1.0F, 0.0F, 0.0F}, {1.0F, 1.0F, 1.0F}}};
     float pointSize = 1.0F;
-    float polygonOffsetFactor = 0.0F;
-    float polygonOffsetUnits = 0.0F;
-    float sampleCoverageValue = 1.0F;
-    std::uint8_t sampleCoverageInvert = 0;
-    std::array<std::int32_t, 4> scissorBox{};
     std::uint32_t shadeModel = GL_SMOOTH;
-    std::uint32_t stencilFunc = GL_ALWAYS;
-    std::int32_t stencilRef = 0;
     // Kept: 28 bits, and operations of 0; tools compare pictures of sought frames.
-    std::uint32_t stencilValueMask = 0x0FFFFFFFu;
-    std::uint32_t stencilWriteMask = 0x0FFFFFFFu;
-    std::uint32_t stencilFail = 0;
-    std::uint32_t stencilDepthFail = 0;
-    std::uint32_t stencilDepthPass = 0;
+    SStencilState stencil = {GL_ALWAYS, 0, 0x0FFFFFFFu, 0x0FFFFFFFu, 0, 0, 0};
     TShared<STextureEnvs> textureEnvs;
     /// By recorded name, then level.
     TShared<TStateTable<TShared<TStateTable<STextureImage1State>>>> textures;
-    std::array<std::int32_t, 4> viewport{};
-    std::uint32_t currentVertexArray = 0;
-    TShared<TStateTable<TShared<SClientArraysState>>> vertexArrays;
     std::int32_t paletteIndex = 0;
-    TShared<TStateTable<SFramebufferState>> framebuffers;
-    TShared<TStateTable<SRenderbufferState>> renderbuffers;
-    std::uint32_t boundFramebuffer = 0;
-    std::uint32_t boundRenderbuffer = 0;
     bool makesMipmaps = false;  ///< some texture has GL_GENERATE_MIPMAP; no seek sets it
 
     const STextureImage1State* FindImage(std::uint32_t name, std::uint32_t level) const;
     /// The image to change; a default one is made where there is none.
     STextureImage1State& WriteImage(std::uint32_t name, std::uint32_t level);
-    /// The client arrays in use; default ones while no call has set any.
-    const SClientArraysState& CurrentVertexArray() const;
-    SClientArraysState& WriteCurrentVertexArray();
-    /// Whether any call has set it, if only to what it is by default: a restore then sets it, too.
-    bool HasCurrentVertexArray() const { return vertexArrays->Find(currentVertexArray) != nullptr; }
-    /// The active texture unit; -1 when the enumerant names none that the record holds.
-    std::int32_t ActiveUnit() const { return UnitOf(activeTexture); }
-    static std::int32_t UnitOf(std::uint32_t texture);
 };
 
 }  // namespace kestrail

@@ -1,11 +1,26 @@
-// The updates that forms of a call of OpenGL ES 1.1 share, which differ in how they give their
-// numbers. The rows of the calls name them. They are false for what the record does not hold.
+// What the state updates of several calls of OpenGL ES 1.1 have in common. Most are those of a call
+// in all of its forms, which differ in how they give their numbers; the rows of the calls name
+// them.
 #pragma once
 
+#include <array>
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+
+#include "state/context_updates.h"
 #include "state/es1/es1_state.h"
 #include "state/stored_values.h"
 
 namespace kestrail {
+
+/// Whether two runs of floats are the same to the bit: what is not a number equals itself, and 0
+/// does not equal -0.
+template <std::size_t Count>
+bool SameBits(const std::array<float, Count>& left, const std::array<float, Count>& right) {
+    using Bits = std::array<std::uint32_t, Count>;
+    return std::bit_cast<Bits>(left) == std::bit_cast<Bits>(right);
+}
 
 bool SetClipPlane(CEs1State& state, const TGLenum& plane, const CNumbers& equation);
 bool SetTexCoord(CEs1State& state, const TGLenum& texture, const CNumbers& s, const CNumbers& t,

@@ -1,12 +1,8 @@
 // What the calls of client arrays and buffers of OpenGL ES 1.1 do to the record. The current vertex
 // array's record is copied only when a call changes it: most draws set what is there already.
-#include <algorithm>
-
 #include "base/enumerants.h"
 #include "generated/calls/es1_calls.h"
-#include "state/es1/es1_numbers.h"
-#include "state/es1/es1_state.h"
-#include "state/sub_data.h"
+#include "state/es1/es1_updates.h"
 
 namespace kestrail {
 namespace {
@@ -34,16 +30,13 @@ SClientArrayState Described(const CEs1State& state, const Call& call) {
 
 bool SetClientState(CEs1State& state, std::uint32_t array, std::uint8_t enabled) {
     if (array == GL_TEXTURE_COORD_ARRAY) {
-        const std::int32_t unit = CEs1State::UnitOf(state.clientActiveTexture);
-        if (unit < 0) return false;
-        const auto place = static_cast<std::size_t>(unit);
+        const std::uint32_t unit = CEs1State::UnitOf(state.clientActiveTexture);
+        if (unit == kTextureUnits) return false;
         return SetArrayValue(
-            state, [place](auto& arrays) -> auto& { return arrays.texCoordEnabled[place]; },
-            enabled);
+            state, [unit](auto& arrays) -> auto& { return arrays.texCoordEnabled[unit]; }, enabled);
     }
-    const int found = PlaceIn(kClientStates, array);
-    if (found < 0) return true;
-    const auto place = static_cast<std::size_t>(found);
+    const std::size_t place = PlaceIn(kClientStates, array);
+    if (place == kClientStates.size()) return true;
     return SetArrayValue(
         state, [place](auto& arrays) -> auto& { return arrays.enabled[place]; }, enabled);
 }
@@ -86,11 +79,10 @@ bool CEs1_glPointSizePointerOES_v1::UpdateState(CEs1State& state, SUpdates&) {
 }
 
 bool CEs1_glTexCoordPointer_v1::UpdateState(CEs1State& state, SUpdates&) {
-    const std::int32_t unit = CEs1State::UnitOf(state.clientActiveTexture);
-    if (unit < 0) return false;
-    const auto place = static_cast<std::size_t>(unit);
+    const std::uint32_t unit = CEs1State::UnitOf(state.clientActiveTexture);
+    if (unit == kTextureUnits) return false;
     return SetArrayValue(
-        state, [place](auto& arrays) -> auto& { return arrays.texCoords[place]; },
+        state, [unit](auto& arrays) -> auto& { return arrays.texCoords[unit]; },
         Described(state, *this));
 }
 
@@ -105,32 +97,16 @@ bool CEs1_glBindBuffer_v1::UpdateState(CEs1State& state, SUpdates&) {
 }
 
 bool CEs1_glBufferData_v1::UpdateState(CEs1State& state, SUpdates&) {
-    const std::uint32_t* bound = BoundBuffer(state, target.GetValue());
-    if (bound == nullptr || *bound == 0 || size.GetValue() < 0) return false;
-    const auto bytes = static_cast<std::uint32_t>(size.GetValue());
-    SBufferState& contents = state.buffers.Write().GetOrCreate(*bound);
-    contents = SBufferState{};
-    contents.name = *bound;
-    contents.target = target.GetValue();
-    contents.size = bytes;
-    contents.usage = usage.GetValue();
-    // Contents are whole or absent: nobody reads more than was captured.
-    if (data.GetSize() >= bytes) contents.data = CSharedBytes::Borrow(data.GetData(), bytes);
-    return true;
+    return SetBufferData(state.buffers, BoundBuffer(state, target.GetValue()), *this);
 }
 
 bool CEs1_glBufferSubData_v1::UpdateState(CEs1State& state, SUpdates& updates) {
-    const std::uint32_t* bound = BoundBuffer(state, target.GetValue());
-    return bound != nullptr &&
-           ApplySubData(state.buffers, *bound, offset.GetValue(), size.GetValue(), data, updates);
+    return ApplySubData(state.buffers, BoundBuffer(state, target.GetValue()), offset.GetValue(),
+                        size.GetValue(), data, updates);
 }
 
 bool CEs1_glDeleteBuffers_v1::UpdateState(CEs1State& state, SUpdates&) {
-    const std::int64_t count = std::min<std::int64_t>(n.GetValue(), buffers.ItemCount());
-    for (std::int64_t i = 0; i < count; ++i) {
-        const std::uint32_t name = buffers.GetItem(static_cast<std::uint32_t>(i));
-        if (state.buffers->Find(name) != nullptr) state.buffers.Write().Erase(name);
-    }
+    EraseRecords(state.buffers, NamesOf(buffers, n.GetValue()));
     return true;
 }
 

@@ -1,6 +1,5 @@
 // What the calls of lights, material, light model and fog do to the record.
 #include "base/enumerants.h"
-#include "state/es1/es1_numbers.h"
 #include "state/es1/es1_updates.h"
 
 namespace kestrail {
@@ -46,9 +45,8 @@ bool SetLight(CEs1State& state, const TGLenum& light, const TGLenum& pname,
               const CNumbers& numbers) {
     const std::uint32_t index = light.GetValue() - GL_LIGHT0;
     if (index >= state.lights->values.size()) return false;
-    const int found = PlaceIn(kLightParameters, pname.GetValue());
-    if (found < 0) return true;
-    const auto place = static_cast<std::size_t>(found);
+    const std::size_t place = PlaceIn(kLightParameters, pname.GetValue());
+    if (place == kLightParameters.size()) return true;
     const SVector4& current = state.lights->values[index][place];
     SVector4 value = current;
     const bool stored = numbers.Store(value.data(), ComponentsOf(pname.GetValue()));
@@ -58,10 +56,9 @@ bool SetLight(CEs1State& state, const TGLenum& light, const TGLenum& pname,
 
 bool SetMaterial(CEs1State& state, const TGLenum& /*face*/, const TGLenum& pname,
                  const CNumbers& numbers) {
-    const int place = PlaceIn(kMaterialParameters, pname.GetValue());
-    if (place < 0) return true;
-    return numbers.Store(state.material[static_cast<std::size_t>(place)].data(),
-                         ComponentsOf(pname.GetValue()));
+    const std::size_t place = PlaceIn(kMaterialParameters, pname.GetValue());
+    return place == kMaterialParameters.size() ||
+           numbers.Store(state.material[place].data(), ComponentsOf(pname.GetValue()));
 }
 
 bool SetLightModel(CEs1State& state, const TGLenum& pname, const CNumbers& numbers) {

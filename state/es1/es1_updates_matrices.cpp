@@ -2,7 +2,6 @@
 #include "base/enumerants.h"
 #include "generated/calls/es1_calls.h"
 #include "state/es1/es1_matrices.h"
-#include "state/es1/es1_numbers.h"
 #include "state/es1/es1_updates.h"
 
 namespace kestrail {
@@ -20,8 +19,9 @@ std::int32_t CurrentStack(const CEs1State& state, bool withPalette) {
         case GL_PROJECTION:
             return kStackProjection;
         case GL_TEXTURE: {
-            const std::int32_t unit = state.ActiveUnit();
-            return unit < 0 ? kNoStack : kStackTexture + unit;
+            const std::uint32_t unit = state.ActiveUnit();
+            return unit < kTextureUnits ? kStackTexture + static_cast<std::int32_t>(unit)
+                                        : kNoStack;
         }
         case GL_MATRIX_PALETTE_OES: {
             const std::int32_t index = state.paletteIndex;

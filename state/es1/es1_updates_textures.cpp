@@ -5,7 +5,6 @@
 #include "base/enumerants.h"
 #include "calls/pixels/pixel_layout.h"
 #include "generated/calls/es1_calls.h"
-#include "state/es1/es1_numbers.h"
 #include "state/es1/es1_updates.h"
 #include "state/sub_image.h"
 
@@ -14,9 +13,8 @@ namespace {
 
 /// The name bound to the active unit; null when the record does not hold that unit.
 const std::uint32_t* BoundTexture(const CEs1State& state, std::uint32_t target) {
-    const std::int32_t unit = state.ActiveUnit();
-    if (target != GL_TEXTURE_2D || unit < 0) return nullptr;
-    return &state.binding2D[static_cast<std::size_t>(unit)];
+    const std::uint32_t unit = state.ActiveUnit();
+    return target == GL_TEXTURE_2D && unit < kTextureUnits ? &state.binding2D[unit] : nullptr;
 }
 
 STextureImage1State& WriteNamedImage(CEs1State& state, std::uint32_t name, std::int32_t level) {
@@ -50,9 +48,8 @@ bool SetTexParameter(CEs1State& state, const TGLenum& target, const TGLenum& pna
     }
     const std::uint32_t* bound = BoundTexture(state, target.GetValue());
     if (value.Count() == 0 || bound == nullptr || *bound == 0) return false;
-    const int found = PlaceIn(kTexture1Parameters, pname.GetValue());
-    if (found < 0) return true;
-    const auto place = static_cast<std::size_t>(found);
+    const std::size_t place = PlaceIn(kTexture1Parameters, pname.GetValue());
+    if (place == kTexture1Parameters.size()) return true;
     const STextureImage1State* image = state.FindImage(*bound, 0);
     if (image != nullptr && image->parameters[place] == value.Integer()) return true;
     WriteNamedImage(state, *bound, 0).parameters[place] = value.Integer();
@@ -61,9 +58,8 @@ bool SetTexParameter(CEs1State& state, const TGLenum& target, const TGLenum& pna
 
 bool SetTexEnv(CEs1State& state, const TGLenum& target, const TGLenum& pname,
                const CNumbers& value) {
-    const std::int32_t active = state.ActiveUnit();
-    if (active < 0 || value.Count() == 0) return false;
-    const auto unit = static_cast<std::size_t>(active);
+    const std::uint32_t unit = state.ActiveUnit();
+    if (unit == kTextureUnits || value.Count() == 0) return false;
     // Kept: enumerants are divided too; tools compare the record.
     const std::int32_t integer = value.Integer() / (value.AreFixed() ? kFixedDivisor : 1);
     const std::uint32_t name = pname.GetValue();
@@ -82,33 +78,24 @@ bool SetTexEnv(CEs1State& state, const TGLenum& target, const TGLenum& pname,
             state, [=](auto& envs) -> auto& { return envs.scales[unit][scale]; }, value.Real());
         return true;
     }
-    const int found = PlaceIn(kTextureEnvParameters, name);
-    if (found < 0) return true;
-    const auto place = static_cast<std::size_t>(found);
+    const std::size_t place = PlaceIn(kTextureEnvParameters, name);
+    if (place == kTextureEnvParameters.size()) return true;
     SetEnvValue(
         state, [=](auto& envs) -> auto& { return envs.values[unit][place]; }, integer);
-    return true;
-}
-
-bool CEs1_glActiveTexture_v1::UpdateState(CEs1State& state, SUpdates&) {
-    state.activeTexture = texture.GetValue();
-    state.textureUnitsUsed = std::max(state.textureUnitsUsed, state.ActiveUnit() + 1);
     return true;
 }
 
 bool CEs1_glBindTexture_v1::UpdateState(CEs1State& state, SUpdates&) {
     if (BoundTexture(state, target.GetValue()) == nullptr) return false;
     const std::uint32_t name = texture.GetValue();
-    state.binding2D[static_cast<std::size_t>(state.ActiveUnit())] = name;
+    state.binding2D[state.ActiveUnit()] = name;
     if (name != 0 && state.FindImage(name, 0) == nullptr) WriteNamedImage(state, name, 0);
     return true;
 }
 
 bool CEs1_glDeleteTextures_v1::UpdateState(CEs1State& state, SUpdates&) {
-    const std::int64_t count = std::min<std::int64_t>(n.GetValue(), textures.ItemCount());
     const auto used = state.binding2D.begin() + state.textureUnitsUsed;
-    for (std::int64_t i = 0; i < count; ++i) {
-        const std::uint32_t name = textures.GetItem(static_cast<std::uint32_t>(i));
+    for (const std::uint32_t name : NamesOf(textures, n.GetValue())) {
         std::replace(state.binding2D.begin(), used, name, 0u);
         if (state.textures->Find(name) != nullptr) state.textures.Write().Erase(name);
     }
@@ -130,16 +117,8 @@ bool CEs1_glCompressedTexImage2D_v1::UpdateState(CEs1State& state, SUpdates&) {
     const std::uint32_t* bound = BoundTexture(state, target.GetValue());
     if (bound == nullptr || level.GetValue() < 0) return false;
     STextureImage1State& image = WriteNamedImage(state, *bound, level.GetValue());
-    image.internalFormat = static_cast<std::int32_t>(internalformat.GetValue());
-    image.width = width.GetValue();
-    image.height = height.GetValue();
-    image.border = border.GetValue();
-    image.format = internalformat.GetValue();
-    image.type = 0;
-    image.unpackAlignment = state.unpackAlignment;
-    image.data = CSharedBytes::Borrow(data.GetData(), data.GetSize());
+    SetCompressedImage(image, *this, state.unpackAlignment);
     image.imageSize = static_cast<std::uint32_t>(std::max(imageSize.GetValue(), 0));
-    image.compressed = 1;
     return true;
 }
 
@@ -149,11 +128,8 @@ bool CEs1_glTexSubImage2D_v1::UpdateState(CEs1State& state, SUpdates& updates) {
     if (bound == nullptr || level.GetValue() < 0) return false;
     const std::uint32_t name = *bound;
     const auto place = static_cast<std::uint32_t>(level.GetValue());
-    const SImagePart part = {pixels.GetData(),   pixels.GetSize(), xoffset.GetValue(),
-                             yoffset.GetValue(), width.GetValue(), height.GetValue(),
-                             format.GetValue(),  type.GetValue(),  state.unpackAlignment};
     return ApplySubImage(
-        state.FindImage(name, place), part,
+        state.FindImage(name, place), PartOf(*this, state.unpackAlignment),
         updates, [&]() -> auto& { return state.WriteImage(name, place); });
 }
 

@@ -1,7 +1,6 @@
 // The calls of OpenGL ES 1.1 that set plain values of the record.
 #include "base/enumerants.h"
 #include "generated/calls/es1_calls.h"
-#include "state/es1/es1_numbers.h"
 #include "state/es1/es1_updates.h"
 
 namespace kestrail {
@@ -9,13 +8,13 @@ namespace {
 
 bool SetCapability(CEs1State& state, std::uint32_t capability, std::uint8_t enabled) {
     if (capability == GL_TEXTURE_2D) {
-        const std::int32_t unit = state.ActiveUnit();
-        if (unit < 0) return false;
-        state.texture2DEnabled[static_cast<std::size_t>(unit)] = enabled;
+        const std::uint32_t unit = state.ActiveUnit();
+        if (unit == kTextureUnits) return false;
+        state.texture2DEnabled[unit] = enabled;
         return true;
     }
-    const int place = PlaceIn(kEs1Capabilities, capability);
-    if (place >= 0) state.capabilities[static_cast<std::size_t>(place)] = enabled;
+    const std::size_t place = PlaceIn(kEs1Capabilities, capability);
+    if (place < kEs1Capabilities.size()) state.capabilities[place] = enabled;
     return true;
 }
 
@@ -30,20 +29,19 @@ bool SetClipPlane(CEs1State& state, const TGLenum& plane, const CNumbers& equati
 
 bool SetTexCoord(CEs1State& state, const TGLenum& texture, const CNumbers& s, const CNumbers& t,
                  const CNumbers& r, const CNumbers& q) {
-    const std::int32_t unit = CEs1State::UnitOf(texture.GetValue());
-    if (unit < 0) return false;
-    const auto index = static_cast<std::size_t>(unit);
+    const std::uint32_t unit = CEs1State::UnitOf(texture.GetValue());
+    if (unit == kTextureUnits) return false;
     const SVector4 coord = {s.Real(), t.Real(), r.Real(), q.Real()};
-    if (!SameBits((*state.currentTexCoord)[index], coord)) {
-        state.currentTexCoord.Write()[index] = coord;
+    if (!SameBits((*state.currentTexCoord)[unit], coord)) {
+        state.currentTexCoord.Write()[unit] = coord;
     }
     return true;
 }
 
 bool SetPointParameter(CEs1State& state, const TGLenum& pname, const CNumbers& numbers) {
-    const int place = PlaceIn(kPointParameters, pname.GetValue());
-    if (place < 0) return true;
-    return numbers.Store(state.pointParameters[static_cast<std::size_t>(place)].data(), 3);
+    const std::size_t place = PlaceIn(kPointParameters, pname.GetValue());
+    return place == kPointParameters.size() ||
+           numbers.Store(state.pointParameters[place].data(), 3);
 }
 
 bool CEs1_glEnable_v1::UpdateState(CEs1State& state, SUpdates&) {
@@ -55,14 +53,8 @@ bool CEs1_glDisable_v1::UpdateState(CEs1State& state, SUpdates&) {
 }
 
 bool CEs1_glHint_v1::UpdateState(CEs1State& state, SUpdates&) {
-    const int place = PlaceIn(kEs1Hints, target.GetValue());
-    if (place >= 0) state.hints[static_cast<std::size_t>(place)] = mode.GetValue();
-    return true;
-}
-
-bool CEs1_glPixelStorei_v1::UpdateState(CEs1State& state, SUpdates&) {
-    if (pname.GetValue() == GL_PACK_ALIGNMENT) state.packAlignment = param.GetValue();
-    if (pname.GetValue() == GL_UNPACK_ALIGNMENT) state.unpackAlignment = param.GetValue();
+    const std::size_t place = PlaceIn(kEs1Hints, target.GetValue());
+    if (place < kEs1Hints.size()) state.hints[place] = mode.GetValue();
     return true;
 }
 

@@ -4,50 +4,10 @@
 
 #include "base/enumerants.h"
 #include "generated/calls/ext_calls.h"
-#include "state/es1/es1_state.h"
+#include "state/es1/es1_updates.h"
 
 namespace kestrail {
 namespace {
-
-/// Makes `name` the bound object of a table, which then holds a record of it.
-template <typename Record>
-bool BindObject(TShared<TStateTable<Record>>& table, std::uint32_t& bound, std::uint32_t name) {
-    bound = name;
-    if (name == 0) return true;
-    const Record* known = table->Find(name);
-    if (known != nullptr && known->everBound != 0) return true;
-    Record& record = table.Write().GetOrCreate(name);
-    record.name = name;
-    record.everBound = 1;
-    return true;
-}
-
-template <typename Record, typename Names>
-bool MakeObjects(TShared<TStateTable<Record>>& table, std::int32_t count, const Names& names) {
-    const std::int64_t made = std::min<std::int64_t>(count, names.ItemCount());
-    if (made <= 0) return false;
-    auto& records = table.Write();
-    for (std::int64_t i = 0; i < made; ++i) {
-        const std::uint32_t name = names.GetItem(static_cast<std::uint32_t>(i));
-        if (name == 0) continue;
-        Record& record = records.GetOrCreate(name);
-        record = Record();
-        record.name = name;
-    }
-    return true;
-}
-
-template <typename Record, typename Names>
-bool DeleteObjects(TShared<TStateTable<Record>>& table, std::uint32_t& bound, std::int32_t count,
-                   const Names& names) {
-    const std::int64_t deleted = std::min<std::int64_t>(count, names.ItemCount());
-    for (std::int64_t i = 0; i < deleted; ++i) {
-        const std::uint32_t name = names.GetItem(static_cast<std::uint32_t>(i));
-        if (bound == name) bound = 0;
-        if (table->Find(name) != nullptr) table.Write().Erase(name);
-    }
-    return true;
-}
 
 /// The attachment of a framebuffer that a call names: whatever is neither depth nor stencil is the
 /// one colour attachment.
@@ -70,37 +30,34 @@ bool Attach(CEs1State& state, std::uint32_t target, std::uint32_t attachment,
 }  // namespace
 
 bool CExt_glBindFramebufferOES_v1::UpdateState(CEs1State& state, SUpdates&) {
-    return BindObject(state.framebuffers, state.boundFramebuffer, framebuffer.GetValue());
+    return BindRecord(state.framebuffers, state.boundFramebuffer, framebuffer.GetValue());
 }
 
 bool CExt_glBindRenderbufferOES_v1::UpdateState(CEs1State& state, SUpdates&) {
-    return BindObject(state.renderbuffers, state.boundRenderbuffer, renderbuffer.GetValue());
+    return BindRecord(state.renderbuffers, state.boundRenderbuffer, renderbuffer.GetValue());
 }
 
 bool CExt_glGenFramebuffersOES_v1::UpdateState(CEs1State& state, SUpdates&) {
-    return MakeObjects(state.framebuffers, n.GetValue(), framebuffers);
+    return MakeRecords(state.framebuffers, NamesOf(framebuffers, n.GetValue()));
 }
 
 bool CExt_glGenRenderbuffersOES_v1::UpdateState(CEs1State& state, SUpdates&) {
-    return MakeObjects(state.renderbuffers, n.GetValue(), renderbuffers);
+    return MakeRecords(state.renderbuffers, NamesOf(renderbuffers, n.GetValue()));
 }
 
 bool CExt_glDeleteFramebuffersOES_v1::UpdateState(CEs1State& state, SUpdates&) {
-    return DeleteObjects(state.framebuffers, state.boundFramebuffer, n.GetValue(), framebuffers);
+    EraseRecords(state.framebuffers, state.boundFramebuffer, NamesOf(framebuffers, n.GetValue()));
+    return true;
 }
 
 bool CExt_glDeleteRenderbuffersOES_v1::UpdateState(CEs1State& state, SUpdates&) {
-    return DeleteObjects(state.renderbuffers, state.boundRenderbuffer, n.GetValue(), renderbuffers);
+    EraseRecords(state.renderbuffers, state.boundRenderbuffer,
+                 NamesOf(renderbuffers, n.GetValue()));
+    return true;
 }
 
 bool CExt_glRenderbufferStorageOES_v1::UpdateState(CEs1State& state, SUpdates&) {
-    const std::uint32_t bound = state.boundRenderbuffer;
-    if (state.renderbuffers->Find(bound) == nullptr) return false;
-    SRenderbufferState& renderbuffer = state.renderbuffers.Write().GetOrCreate(bound);
-    renderbuffer.width = width.GetValue();
-    renderbuffer.height = height.GetValue();
-    renderbuffer.internalFormat = internalformat.GetValue();
-    return true;
+    return SetRenderbufferStorage(state, *this);
 }
 
 bool CExt_glFramebufferTexture2DOES_v1::UpdateState(CEs1State& state, SUpdates&) {

@@ -6,11 +6,10 @@
 
 namespace kestrail {
 
-int TextureParameterIndex(std::uint32_t pname) {
-    for (std::size_t i = 0; i < kTextureParameters.size(); ++i) {
-        if (kTextureParameters[i].pname == pname) return static_cast<int>(i);
-    }
-    return -1;
+std::size_t TextureParameterIndex(std::uint32_t pname) {
+    const auto* found = std::find_if(kTextureParameters.begin(), kTextureParameters.end(),
+                                     [&](const auto& known) { return known.pname == pname; });
+    return static_cast<std::size_t>(found - kTextureParameters.begin());
 }
 
 std::array<std::int32_t, 15> DefaultTextureParameters() {
@@ -47,18 +46,6 @@ STextureImageState& CEs2State::WriteImage(std::uint32_t name, std::uint32_t face
 bool CEs2State::HasFirstImage(std::uint32_t name) const {
     const TShared<STextureFaces>* faces = textures->Find(name);
     return faces != nullptr && (*faces)->hasFirst;
-}
-
-const SVertexArrayState& CEs2State::CurrentVertexArray() const {
-    static const SVertexArrayState s_none;
-    const TShared<SVertexArrayState>* array = vertexArrays->Find(currentVertexArray);
-    return array != nullptr ? **array : s_none;
-}
-
-SVertexArrayState& CEs2State::WriteCurrentVertexArray() {
-    SVertexArrayState& array = vertexArrays.Write().GetOrCreate(currentVertexArray).Write();
-    array.name = currentVertexArray;
-    return array;
 }
 
 }  // namespace kestrail

@@ -11,53 +11,9 @@
 
 #include "base/enumerants.h"
 #include "base/kstl_string.h"
-#include "base/shared.h"
-#include "state/shared_bytes.h"
-#include "state/state_table.h"
+#include "state/context_state.h"
 
 namespace kestrail {
-
-inline constexpr std::uint32_t kTextureUnits = 32;
-
-struct SBufferState {
-    std::uint32_t name = 0;
-    std::uint32_t target = 0;
-    CSharedBytes data;
-    std::uint32_t size = 0;
-    std::uint32_t usage = 0;
-    std::uint8_t mapped = 0;
-};
-
-struct SAttachmentState {
-    std::uint32_t name = 0;
-    std::int32_t level = 0;
-    std::uint32_t cubeFace = 0;  ///< target of a cube map's face, 0 for GL_TEXTURE_2D
-    std::uint32_t kind = 0;      ///< GL_TEXTURE, GL_RENDERBUFFER, or 0 when empty
-};
-
-struct SFramebufferState {
-    std::uint32_t name = 0;
-    std::uint8_t everBound = 0;
-    bool incomplete = false;    ///< it has attachments or draw buffers that the record hasn't
-    std::uint32_t samples = 0;  ///< of the texture attachment, 0 when it is not multisampled
-    SAttachmentState depth;
-    SAttachmentState stencil;
-    SAttachmentState depthStencil;
-    /// By attachment number, as far as any was set.
-    TShared<std::vector<SAttachmentState>> colors;
-    /// No context has more; what is beyond is left out of the record.
-    static constexpr std::uint32_t kMaxDrawBuffers = 16;
-    TShared<std::vector<std::uint32_t>> drawBuffers;
-};
-
-struct SRenderbufferState {
-    std::uint32_t name = 0;
-    std::uint8_t everBound = 0;
-    std::int32_t width = 0;
-    std::int32_t height = 0;
-    std::uint32_t internalFormat = 0;
-    std::int32_t samples = 0;
-};
 
 struct SProgramState {
     std::uint32_t name = 0;
@@ -149,14 +105,9 @@ struct SAttributeState {
     CShaderValues values;
 };
 
-struct SAttribPointerState {
+struct SAttribPointerState : SClientArrayState {
     std::uint8_t enabled = 0;
     std::uint8_t normalized = 0;
-    std::int32_t size = 0;
-    std::uint32_t type = 0;
-    std::int32_t stride = 0;
-    std::uint32_t pointer = 0;
-    std::uint32_t buffer = 0;
 
     bool operator==(const SAttribPointerState&) const = default;
 };
@@ -193,27 +144,14 @@ inline constexpr std::array<STextureParameter, 15> kTextureParameters = {{
     {GL_TEXTURE_SWIZZLE_A, GL_ALPHA},
     {GL_TEXTURE_WRAP_R, GL_REPEAT},
 }};
-/// The place of a parameter in the table; -1 for one that it does not hold.
-int TextureParameterIndex(std::uint32_t pname);
+/// The place of a parameter in the table; its size for one that it does not hold.
+std::size_t TextureParameterIndex(std::uint32_t pname);
 std::array<std::int32_t, 15> DefaultTextureParameters();
 
-struct STextureImageState {
-    std::uint32_t target = 0;
+struct STextureImageState : SImageState {
     std::uint32_t bindTarget = 0;  ///< GL_TEXTURE_CUBE_MAP for a face, else as `target`
-    std::uint32_t name = 0;
-    std::int32_t level = 0;
     std::int32_t depth = 0;
-    CSharedBytes data;
-    std::uint32_t format = 0;
-    std::int32_t internalFormat = 0;
-    std::int32_t width = 0;
-    std::int32_t height = 0;
-    std::uint32_t type = 0;
-    std::int32_t unpackAlignment = 0;
-    std::int32_t border = 0;
     std::array<std::int32_t, 15> parameters = DefaultTextureParameters();
-    std::uint32_t imageSize = 0;
-    std::uint8_t compressed = 0;
 
     /// -1 for an image of two dimensions.
     std::int32_t Layers() const;
@@ -250,14 +188,12 @@ struct SContentBindings {
     bool otherBuffers = false;  ///< draws may read buffers that the record doesn't tell
 };
 
-class CEs2State {
+class CEs2State : public TContextState<SVertexArrayState> {
 public:
     /// With the values of a new context, and program 0.
     CEs2State();
 
     std::uint16_t apiVersion = 2;  ///< 3 once an ES3 context is in use
-    std::int32_t textureUnitsUsed = 1;
-    std::uint32_t activeTexture = GL_TEXTURE0;
     TShared<SUnitBindings> binding2D;
     TShared<SUnitBindings> bindingCube;
     TShared<SUnitBindings> bindingOther;  ///< of targets that no call of the record's sets
@@ -270,50 +206,16 @@ public:
     std::uint32_t blendDstRgb = GL_ZERO;
     std::uint32_t blendSrcAlpha = GL_ONE;
     std::uint32_t blendDstAlpha = GL_ZERO;
-    TShared<TStateTable<SBufferState>> buffers;
-    std::array<float, 4> clearColor{};
-    float clearDepth = 1.0F;
-    std::int32_t clearStencil = 0;
-    std::array<std::uint8_t, 4> colorMask = {1, 1, 1, 1};
-    std::uint32_t cullFaceMode = GL_BACK;
-    std::uint32_t depthFunc = GL_LESS;
-    std::uint8_t depthMask = 1;
-    float depthRangeNear = 0.0F;
-    float depthRangeFar = 1.0F;
     std::array<std::uint8_t, kEs2Capabilities.size()> capabilities{};
-    TShared<TStateTable<SFramebufferState>> framebuffers;
-    std::uint32_t boundFramebuffer = 0;
-    std::uint32_t frontFace = GL_CCW;
     std::uint32_t generateMipmapHint = GL_DONT_CARE;
-    std::int32_t packAlignment = 4;
-    std::int32_t unpackAlignment = 4;
-    float polygonOffsetFactor = 0.0F;
-    float polygonOffsetUnits = 0.0F;
     TShared<TStateTable<SProgramState>> programs;
     /// A copy of the program in use, which outlives its entry.
     SProgramState currentProgram;
     std::uint8_t currentProgramDeletePending = 0;
     std::uint8_t shaderCompilerReleased = 1;
-    TShared<TStateTable<SRenderbufferState>> renderbuffers;
-    std::uint32_t boundRenderbuffer = 0;
-    float sampleCoverageValue = 1.0F;
-    std::uint8_t sampleCoverageInvert = 0;
-    std::array<std::int32_t, 4> scissorBox{};
     TShared<TStateTable<SShaderState>> shaders;
-    std::uint32_t stencilFuncFront = GL_ALWAYS;
-    std::uint32_t stencilFuncBack = GL_ALWAYS;
-    std::int32_t stencilRefFront = 0;
-    std::int32_t stencilRefBack = 0;
-    std::uint32_t stencilValueMaskFront = 0xFFFFFFFFu;
-    std::uint32_t stencilValueMaskBack = 0xFFFFFFFFu;
-    std::uint32_t stencilWriteMaskFront = 0xFFFFFFFFu;
-    std::uint32_t stencilWriteMaskBack = 0xFFFFFFFFu;
-    std::uint32_t stencilFailFront = GL_KEEP;
-    std::uint32_t stencilFailBack = GL_KEEP;
-    std::uint32_t stencilDepthFailFront = GL_KEEP;
-    std::uint32_t stencilDepthFailBack = GL_KEEP;
-    std::uint32_t stencilDepthPassFront = GL_KEEP;
-    std::uint32_t stencilDepthPassBack = GL_KEEP;
+    SStencilState stencilFront;
+    SStencilState stencilBack;
     TShared<TStateTable<TShared<STextureFaces>>> textures;
     /// By program, then recorded location.
     TShared<TStateTable<TShared<SProgramUniforms>>> uniforms;
@@ -321,9 +223,6 @@ public:
     TShared<TStateTable<TShared<TStateTable<SAttributeState>>>> attributeValues;
     /// What glBindAttribLocation set, by the same keys.
     TShared<TStateTable<TShared<TStateTable<SAttributeState>>>> attributeBindings;
-    std::array<std::int32_t, 4> viewport{};
-    std::uint32_t currentVertexArray = 0;
-    TShared<TStateTable<TShared<SVertexArrayState>>> vertexArrays;
     SContentBindings content;
 
     /// The image at (name, face, level); null when there is none.
@@ -333,11 +232,6 @@ public:
     bool HasFirstImage(std::uint32_t name) const;
     /// The image to change; a default one is made where there is none.
     STextureImageState& WriteImage(std::uint32_t name, std::uint32_t face, std::uint32_t level);
-    /// The vertex array in use; an empty one when no call has written it yet.
-    const SVertexArrayState& CurrentVertexArray() const;
-    SVertexArrayState& WriteCurrentVertexArray();
-    /// Whether any call has set it, if only to what it is by default: a restore then sets it, too.
-    bool HasCurrentVertexArray() const { return vertexArrays->Find(currentVertexArray) != nullptr; }
 };
 
 }  // namespace kestrail

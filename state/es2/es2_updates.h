@@ -1,18 +1,15 @@
-// What the state updates of several calls, of ES2 and of ES3, have in common. They only write what
-// differs: an unneeded write would part a record from its snapshots and copy a table.
+// What the state updates of several calls, of ES2 and of ES3, have in common.
 #pragma once
 
 #include <cstdint>
 #include <type_traits>
 
+#include "state/context_updates.h"
 #include "state/es2/es2_state.h"
 #include "state/stored_values.h"
 #include "state/sub_image.h"
 
 namespace kestrail {
-
-/// The index of the active unit, or `kTextureUnits` when the record has no place for it.
-std::uint32_t ActiveUnit(const CEs2State& state);
 
 /// Where an image belongs: the texture's recorded name and the face.
 struct SImagePlace {
@@ -32,40 +29,12 @@ bool UpdateSubImage(CEs2State& state, const SImagePlace& place, std::uint32_t le
 /// The bytes that the image's layout takes, at most all ones.
 std::uint64_t LayoutSize(const STextureImageState& image);
 
-/// Gives the bound renderbuffer its storage. False when none is bound.
-bool SetRenderbufferStorage(CEs2State& state, std::uint32_t internalFormat, std::int32_t width,
-                            std::int32_t height);
-
 /// Notes what is bound to a target of `SContentBindings`.
 void BindContentBuffer(CEs2State& state, std::uint32_t target, std::uint32_t name);
 
 /// Marks the framebuffers whose record isn't right from now on: an attachment goes to the one that
 /// is bound to `target`, while the record `held` it for the one that was bound last, or didn't.
 void MarkAttached(CEs2State& state, std::uint32_t target, bool held);
-
-/// Erases the records of `names`. False when the call carries none. Name 0 stands for no object.
-template <typename Table, typename Names>
-bool EraseRecords(TShared<Table>& table, const Names& names) {
-    const std::uint32_t count = names.ItemCount();
-    for (std::uint32_t i = 0; i < count; ++i) {
-        const std::uint32_t name = names.GetItem(i);
-        if (name != 0 && table->Find(name) != nullptr) table.Write().Erase(name);
-    }
-    return count != 0;
-}
-
-/// Makes an empty record for each of `names`. False when the call carries none.
-template <typename Record, typename Names>
-bool MakeRecords(TShared<TStateTable<Record>>& table, const Names& names) {
-    const std::uint32_t count = names.ItemCount();
-    for (std::uint32_t i = 0; i < count; ++i) {
-        if (names.GetItem(i) == 0) continue;
-        Record& record = table.Write().GetOrCreate(names.GetItem(i));
-        record = Record{};
-        record.name = names.GetItem(i);
-    }
-    return count != 0;
-}
 
 bool SetTexParameter(CEs2State& state, const TGLenum& target, const TGLenum& pname,
                      const CNumbers& numbers);

@@ -1,25 +1,17 @@
-#include <algorithm>
 #include <cstring>
 
 #include "base/enumerants.h"
 #include "generated/calls/es2_calls.h"
 #include "state/es2/es2_updates.h"
-#include "state/sub_data.h"
 
 namespace kestrail {
 namespace {
 
-/// The name that is bound to `target`; false for a target that the record doesn't hold.
-bool BoundBuffer(const CEs2State& state, std::uint32_t target, std::uint32_t& name) {
+/// The buffer bound to a target; null for a target that has none.
+const std::uint32_t* BoundBuffer(const CEs2State& state, std::uint32_t target) {
     const SVertexArrayState& array = state.CurrentVertexArray();
-    if (target == GL_ARRAY_BUFFER) {
-        name = array.arrayBuffer;
-    } else if (target == GL_ELEMENT_ARRAY_BUFFER) {
-        name = array.elementBuffer;
-    } else {
-        return false;
-    }
-    return true;
+    if (target == GL_ARRAY_BUFFER) return &array.arrayBuffer;
+    return target == GL_ELEMENT_ARRAY_BUFFER ? &array.elementBuffer : nullptr;
 }
 
 SFramebufferState* WriteFramebuffer(CEs2State& state) {
@@ -76,33 +68,11 @@ void MarkIncomplete(CEs2State& state, std::uint32_t framebuffer) {
     state.framebuffers.Write().Find(framebuffer)->incomplete = true;
 }
 
-/// Unbinds `bound` when it is one of the deleted names.
-template <typename Names>
-void Unbind(std::uint32_t& bound, const Names& names) {
-    const std::uint32_t count = names.ItemCount();
-    for (std::uint32_t i = 0; i < count; ++i) {
-        if (names.GetItem(i) == bound) bound = 0;
-    }
-}
-
 }  // namespace
 
-bool SetRenderbufferStorage(CEs2State& state, std::uint32_t internalFormat, std::int32_t width,
-                            std::int32_t height) {
-    if (state.renderbuffers->Find(state.boundRenderbuffer) == nullptr) return false;
-    SRenderbufferState& renderbuffer = *state.renderbuffers.Write().Find(state.boundRenderbuffer);
-    renderbuffer.width = width;
-    renderbuffer.height = height;
-    renderbuffer.internalFormat = internalFormat;
-    renderbuffer.samples = 0;
-    return true;
-}
-
 void BindContentBuffer(CEs2State& state, std::uint32_t target, std::uint32_t name) {
-    const auto& targets = SContentBindings::kBuffers;
-    const auto found = std::find(targets.begin(), targets.end(), target) - targets.begin();
-    const auto place = static_cast<std::size_t>(found);
-    if (place < targets.size()) state.content.buffers[place] = name;
+    const std::size_t place = PlaceIn(SContentBindings::kBuffers, target);
+    if (place < SContentBindings::kBuffers.size()) state.content.buffers[place] = name;
 }
 
 void MarkAttached(CEs2State& state, std::uint32_t target, bool held) {
@@ -116,51 +86,33 @@ void MarkAttached(CEs2State& state, std::uint32_t target, bool held) {
 bool CEs2_glBindBuffer_v1::UpdateState(CEs2State& state, SUpdates&) {
     const std::uint32_t name = buffer.GetValue();
     BindContentBuffer(state, target.GetValue(), name);
-    std::uint32_t bound = 0;
-    if (!BoundBuffer(state, target.GetValue(), bound)) return false;
-    if (bound == name && state.HasCurrentVertexArray()) return true;
+    const std::uint32_t* bound = BoundBuffer(state, target.GetValue());
+    if (bound == nullptr) return false;
+    if (*bound == name && state.HasCurrentVertexArray()) return true;
     SVertexArrayState& array = state.WriteCurrentVertexArray();
     (target.GetValue() == GL_ARRAY_BUFFER ? array.arrayBuffer : array.elementBuffer) = name;
     return true;
 }
 
 bool CEs2_glBufferData_v1::UpdateState(CEs2State& state, SUpdates&) {
-    std::uint32_t name = 0;
-    if (!BoundBuffer(state, target.GetValue(), name) || name == 0 || size.GetValue() < 0) {
-        return false;
-    }
-    const auto bytes = static_cast<std::uint32_t>(size.GetValue());
-    SBufferState& buffer = state.buffers.Write().GetOrCreate(name);
-    buffer = SBufferState{};
-    buffer.name = name;
-    buffer.target = target.GetValue();
-    buffer.size = bytes;
-    buffer.usage = usage.GetValue();
-    // Contents are whole or absent, so that nobody reads more than was captured.
-    if (data.GetSize() >= bytes) buffer.data = CSharedBytes::Borrow(data.GetData(), bytes);
-    return true;
+    return SetBufferData(state.buffers, BoundBuffer(state, target.GetValue()), *this);
 }
 
 bool CEs2_glBufferSubData_v1::UpdateState(CEs2State& state, SUpdates& updates) {
-    std::uint32_t name = 0;
-    if (!BoundBuffer(state, target.GetValue(), name)) return false;
-    return ApplySubData(state.buffers, name, offset.GetValue(), size.GetValue(), data, updates);
+    return ApplySubData(state.buffers, BoundBuffer(state, target.GetValue()), offset.GetValue(),
+                        size.GetValue(), data, updates);
 }
 
 bool CEs2_glDeleteBuffers_v1::UpdateState(CEs2State& state, SUpdates&) {
-    for (std::uint32_t& bound : state.content.buffers) Unbind(bound, buffers);
-    return EraseRecords(state.buffers, buffers);
+    for (std::uint32_t& bound : state.content.buffers) Unbind(bound, NamesOf(buffers));
+    return EraseRecords(state.buffers, NamesOf(buffers));
 }
 
 bool CEs2_glBindFramebuffer_v1::UpdateState(CEs2State& state, SUpdates&) {
     const std::uint32_t name = framebuffer.GetValue();
-    state.boundFramebuffer = name;
     if (target.GetValue() != GL_READ_FRAMEBUFFER) state.content.drawFramebuffer = name;
     if (target.GetValue() != GL_DRAW_FRAMEBUFFER) state.content.readFramebuffer = name;
-    if (name == 0) return true;
-    const SFramebufferState* found = state.framebuffers->Find(name);
-    if (found == nullptr || found->everBound == 0) WriteFramebuffer(state)->everBound = 1;
-    return true;
+    return BindRecord(state.framebuffers, state.boundFramebuffer, name);
 }
 
 bool CEs2_glFramebufferRenderbuffer_v1::UpdateState(CEs2State& state, SUpdates&) {
@@ -179,48 +131,35 @@ bool CEs2_glFramebufferTexture2D_v1::UpdateState(CEs2State& state, SUpdates&) {
     SFramebufferState* bound = WriteFramebuffer(state);
     if (bound == nullptr) return false;
     const std::uint32_t face = textarget.GetValue() == GL_TEXTURE_2D ? 0 : textarget.GetValue();
-    bound->samples = 0;
     Attachment(*bound, attachment.GetValue()) = {texture.GetValue(), level.GetValue(), face,
                                                  GL_TEXTURE};
     return true;
 }
 
 bool CEs2_glGenFramebuffers_v1::UpdateState(CEs2State& state, SUpdates&) {
-    return MakeRecords(state.framebuffers, framebuffers);
+    return MakeRecords(state.framebuffers, NamesOf(framebuffers));
 }
 
 bool CEs2_glDeleteFramebuffers_v1::UpdateState(CEs2State& state, SUpdates&) {
-    Unbind(state.boundFramebuffer, framebuffers);
-    Unbind(state.content.drawFramebuffer, framebuffers);
-    Unbind(state.content.readFramebuffer, framebuffers);
-    return EraseRecords(state.framebuffers, framebuffers);
+    Unbind(state.content.drawFramebuffer, NamesOf(framebuffers));
+    Unbind(state.content.readFramebuffer, NamesOf(framebuffers));
+    return EraseRecords(state.framebuffers, state.boundFramebuffer, NamesOf(framebuffers));
 }
 
 bool CEs2_glBindRenderbuffer_v1::UpdateState(CEs2State& state, SUpdates&) {
-    const std::uint32_t name = renderbuffer.GetValue();
-    state.boundRenderbuffer = name;
-    if (name == 0) return true;
-    const SRenderbufferState* found = state.renderbuffers->Find(name);
-    if (found != nullptr && found->everBound != 0 && found->samples == 0) return true;
-    SRenderbufferState& bound = state.renderbuffers.Write().GetOrCreate(name);
-    bound.name = name;
-    bound.everBound = 1;
-    bound.samples = 0;
-    return true;
+    return BindRecord(state.renderbuffers, state.boundRenderbuffer, renderbuffer.GetValue());
 }
 
 bool CEs2_glRenderbufferStorage_v1::UpdateState(CEs2State& state, SUpdates&) {
-    return SetRenderbufferStorage(state, internalformat.GetValue(), width.GetValue(),
-                                  height.GetValue());
+    return SetRenderbufferStorage(state, *this);
 }
 
 bool CEs2_glGenRenderbuffers_v1::UpdateState(CEs2State& state, SUpdates&) {
-    return MakeRecords(state.renderbuffers, renderbuffers);
+    return MakeRecords(state.renderbuffers, NamesOf(renderbuffers));
 }
 
 bool CEs2_glDeleteRenderbuffers_v1::UpdateState(CEs2State& state, SUpdates&) {
-    Unbind(state.boundRenderbuffer, renderbuffers);
-    return EraseRecords(state.renderbuffers, renderbuffers);
+    return EraseRecords(state.renderbuffers, state.boundRenderbuffer, NamesOf(renderbuffers));
 }
 
 bool CEs2_glEnableVertexAttribArray_v1::UpdateState(CEs2State& state, SUpdates&) {

@@ -37,7 +37,7 @@ bool IsCubeFace(std::uint32_t target) {
 /// Which texture and face the active unit has for the target of a 2D image. False for any other
 /// target and for a unit beyond the record's.
 bool PlaceOf(const CEs2State& state, std::uint32_t target, SImagePlace& place) {
-    const std::uint32_t unit = ActiveUnit(state);
+    const std::uint32_t unit = state.ActiveUnit();
     if (unit == kTextureUnits) return false;
     if (target == GL_TEXTURE_2D) {
         place = {(*state.binding2D)[unit], 0};
@@ -70,23 +70,18 @@ std::uint32_t Saturated(std::uint64_t size) {
 bool SetTexParameter(CEs2State& state, const TGLenum& target, const TGLenum& pname,
                      const CNumbers& numbers) {
     const TShared<SUnitBindings>* units = UnitsOf(state, target.GetValue());
-    const std::uint32_t unit = ActiveUnit(state);
+    const std::uint32_t unit = state.ActiveUnit();
     if (numbers.Count() == 0 || units == nullptr || unit == kTextureUnits) return false;
     const std::uint32_t name = (**units)[unit];
     if (name == 0) return false;
-    const int found = TextureParameterIndex(pname.GetValue());
-    if (found < 0) return true;
-    const auto index = static_cast<std::size_t>(found);
+    const std::size_t index = TextureParameterIndex(pname.GetValue());
+    if (index == kTextureParameters.size()) return true;
     const std::int32_t value = std::isnan(numbers.Real()) ? 0 : numbers.Integer();
     const STextureImageState* held = state.FindImage(name, 0, 0);
     if (held == nullptr || held->parameters[index] != value) {
         WriteFirstImage(state, name, target.GetValue()).parameters[index] = value;
     }
     return true;
-}
-
-std::uint32_t ActiveUnit(const CEs2State& state) {
-    return std::min(state.activeTexture - GL_TEXTURE0, kTextureUnits);
 }
 
 std::uint64_t LayoutSize(const STextureImageState& image) {
@@ -121,17 +116,9 @@ bool UpdateSubImage(CEs2State& state, const SImagePlace& place, std::uint32_t le
         updates, [&]() -> auto& { return state.WriteImage(place.name, place.face, level); });
 }
 
-bool CEs2_glActiveTexture_v1::UpdateState(CEs2State& state, SUpdates&) {
-    state.activeTexture = texture.GetValue();
-    const std::uint32_t unit = ActiveUnit(state);
-    if (unit == kTextureUnits) return true;
-    state.textureUnitsUsed = std::max(state.textureUnitsUsed, static_cast<std::int32_t>(unit + 1));
-    return true;
-}
-
 bool CEs2_glBindTexture_v1::UpdateState(CEs2State& state, SUpdates&) {
     const std::uint32_t name = texture.GetValue();
-    const std::uint32_t unit = ActiveUnit(state);
+    const std::uint32_t unit = state.ActiveUnit();
     TShared<SUnitBindings>* units = UnitsOf(state, target.GetValue());
     if (unit == kTextureUnits || units == nullptr) return false;
     if ((**units)[unit] != name) units->Write()[unit] = name;
@@ -156,7 +143,7 @@ bool CEs2_glDeleteTextures_v1::UpdateState(CEs2State& state, SUpdates&) {
             }
         }
     }
-    return EraseRecords(state.textures, textures);
+    return EraseRecords(state.textures, NamesOf(textures));
 }
 
 bool CEs2_glTexImage2D_v1::UpdateState(CEs2State& state, SUpdates&) {
@@ -175,16 +162,9 @@ bool CEs2_glCompressedTexImage2D_v1::UpdateState(CEs2State& state, SUpdates&) {
     STextureImageState image;
     image.target = target.GetValue();
     image.level = level.GetValue();
-    image.data = CSharedBytes::Borrow(data.GetData(), data.GetSize());
-    image.format = internalformat.GetValue();
-    image.internalFormat = static_cast<std::int32_t>(internalformat.GetValue());
-    image.width = width.GetValue();
-    image.height = height.GetValue();
-    image.unpackAlignment = state.unpackAlignment;
-    image.border = border.GetValue();
+    SetCompressedImage(image, *this, state.unpackAlignment);
     image.imageSize = static_cast<std::uint32_t>(imageSize.GetValue());
     if (image.data.Size() != 0) image.imageSize = std::min(image.imageSize, data.GetSize());
-    image.compressed = 1;
     return ReplaceImage(state, place, image);
 }
 
@@ -193,10 +173,7 @@ bool CEs2_glTexSubImage2D_v1::UpdateState(CEs2State& state, SUpdates& updates) {
     SImagePlace place;
     if (!PlaceOf(state, target.GetValue(), place) || level.GetValue() < 0) return false;
     return UpdateSubImage(state, place, static_cast<std::uint32_t>(level.GetValue()),
-                          {pixels.GetData(), pixels.GetSize(), xoffset.GetValue(),
-                           yoffset.GetValue(), width.GetValue(), height.GetValue(),
-                           format.GetValue(), type.GetValue(), state.unpackAlignment},
-                          updates);
+                          PartOf(*this, state.unpackAlignment), updates);
 }
 
 }  // namespace kestrail

@@ -9,7 +9,7 @@ namespace {
 
 // Kept: all images of GL_TEXTURE_3D are of texture 0; tools compare seeks.
 bool PlaceOf3D(const CEs2State& state, std::uint32_t target, SImagePlace& place) {
-    const std::uint32_t unit = ActiveUnit(state);
+    const std::uint32_t unit = state.ActiveUnit();
     if (unit == kTextureUnits) return false;
     if (target == GL_TEXTURE_2D_ARRAY) place.name = (*state.binding2DArray)[unit];
     return target == GL_TEXTURE_2D_ARRAY || target == GL_TEXTURE_3D;
@@ -34,11 +34,7 @@ bool CEs3_glTexSubImage3D_v1::UpdateState(CEs2State& state, SUpdates& updates) {
     if (!PlaceOf3D(state, target.GetValue(), place) || level.GetValue() < 0) return false;
     // Kept: the level is taken for the face, and depth counts for nothing; tools compare seeks.
     place.face = static_cast<std::uint32_t>(level.GetValue());
-    return UpdateSubImage(state, place, 0,
-                          {pixels.GetData(), pixels.GetSize(), xoffset.GetValue(),
-                           yoffset.GetValue(), width.GetValue(), height.GetValue(),
-                           format.GetValue(), type.GetValue(), state.unpackAlignment},
-                          updates);
+    return UpdateSubImage(state, place, 0, PartOf(*this, state.unpackAlignment), updates);
 }
 
 bool CEs3_glDrawBuffers_v1::UpdateState(CEs2State& state, SUpdates&) {
@@ -97,24 +93,21 @@ bool CEs3_glEndTransformFeedback_v1::UpdateState(CEs2State& state, SUpdates&) {
 
 bool CEs3_glRenderbufferStorageMultisample_v1::UpdateState(CEs2State& state, SUpdates&) {
     // Kept: the samples are dropped; tools compare seeks.
-    return SetRenderbufferStorage(state, internalformat.GetValue(), width.GetValue(),
-                                  height.GetValue());
+    return SetRenderbufferStorage(state, *this);
 }
 
 bool CEs3_glDeleteVertexArrays_v1::UpdateState(CEs2State& state, SUpdates&) {
-    return EraseRecords(state.vertexArrays, arrays);
+    return EraseRecords(state.vertexArrays, NamesOf(arrays));
 }
 
 bool CEs3_glGenVertexArrays_v1::UpdateState(CEs2State& state, SUpdates&) {
-    const std::uint32_t count = arrays.ItemCount();
-    for (std::uint32_t i = 0; i < count; ++i) {
-        const std::uint32_t name = arrays.GetItem(i);
+    for (const std::uint32_t name : NamesOf(arrays)) {
         if (name == 0) continue;
         SVertexArrayState made;
         made.name = name;
         state.vertexArrays.Write().GetOrCreate(name) = TShared<SVertexArrayState>(made);
     }
-    return count != 0;
+    return arrays.ItemCount() != 0;
 }
 
 }  // namespace kestrail

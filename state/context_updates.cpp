@@ -1,11 +1,10 @@
-#include "state/sub_data.h"
+#include "state/context_updates.h"
 
 namespace kestrail {
 
-bool ApplySubData(TShared<TStateTable<SBufferState>>& buffers, std::uint32_t name,
-                  std::int64_t offset, std::int64_t size, const SBlock& data,
-                  const SUpdates& updates) {
-    const SBufferState* buffer = buffers->Find(name);
+bool ApplySubData(SBuffers& buffers, const std::uint32_t* bound, std::int64_t offset,
+                  std::int64_t size, const SBlock& data, const SUpdates& updates) {
+    const SBufferState* buffer = bound != nullptr ? buffers->Find(*bound) : nullptr;
     if (buffer == nullptr || data.GetData() == nullptr || size < 0 || size > data.GetSize() ||
         offset < 0 || offset > std::int64_t{buffer->size} - size) {
         return false;
@@ -14,7 +13,7 @@ bool ApplySubData(TShared<TStateTable<SBufferState>>& buffers, std::uint32_t nam
     const auto length = static_cast<std::size_t>(size);
     const bool whole = length == buffer->size;
     if (!whole && !buffer->data.Takes(buffer->size, updates)) return false;
-    SBufferState& changed = *buffers.Write().Find(name);
+    SBufferState& changed = *buffers.Write().Find(*bound);
     if (whole) {
         changed.data = CSharedBytes::Borrow(data.GetData(), length);
     } else {
