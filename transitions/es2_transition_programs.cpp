@@ -1,6 +1,7 @@
 // Shaders, then the programs that link them.
 
 #include <array>
+#include <type_traits>
 #include <utility>
 
 #include "base/enumerants.h"
@@ -91,33 +92,38 @@ void BindAttributes(SEs2Host& host, GLuint live, const TStateTable<SAttributeSta
     }
 }
 
-/// The entries for uniforms of one type, by their number of components.
-template <typename T>
-struct SUniformEntries {
-    void (*one)(GLint, T);
-    void (*two)(GLint, T, T);
-    void (*three)(GLint, T, T, T);
-    void (*four)(GLint, T, T, T, T);
-    std::array<void (*)(GLint, GLsizei, const T*), 4> arrays;
-};
+/// The one of two entries that takes values of type T.
+template <typename T, typename Floats, typename Integers>
+auto EntryFor(Floats floats, Integers integers) {
+    if constexpr (std::is_same_v<T, GLfloat>) {
+        return floats;
+    } else {
+        return integers;
+    }
+}
 
 template <typename T>
-void SetVectors(const SUniformEntries<T>& set, GLint at, const SUniformState& uniform, const T* v) {
+void SetVectors(SEs2Host& host, GLint at, const SUniformState& uniform, const T* v) {
     const auto size = static_cast<GLsizei>(uniform.values.Count());
     if (uniform.components < 1 || uniform.components > 4 || size < uniform.components) return;
     const GLsizei count = size / uniform.components;
-    if (count > 1) {
-        return set.arrays[static_cast<std::size_t>(uniform.components - 1)](at, count, v);
-    }
-    switch (uniform.components) {
+    switch (count > 1 ? uniform.components + 4 : uniform.components) {
         case 1:
-            return set.one(at, v[0]);
+            return EntryFor<T>(host.glUniform1f, host.glUniform1i)(at, v[0]);
         case 2:
-            return set.two(at, v[0], v[1]);
+            return EntryFor<T>(host.glUniform2f, host.glUniform2i)(at, v[0], v[1]);
         case 3:
-            return set.three(at, v[0], v[1], v[2]);
+            return EntryFor<T>(host.glUniform3f, host.glUniform3i)(at, v[0], v[1], v[2]);
+        case 4:
+            return EntryFor<T>(host.glUniform4f, host.glUniform4i)(at, v[0], v[1], v[2], v[3]);
+        case 5:
+            return EntryFor<T>(host.glUniform1fv, host.glUniform1iv)(at, count, v);
+        case 6:
+            return EntryFor<T>(host.glUniform2fv, host.glUniform2iv)(at, count, v);
+        case 7:
+            return EntryFor<T>(host.glUniform3fv, host.glUniform3iv)(at, count, v);
         default:
-            return set.four(at, v[0], v[1], v[2], v[3]);
+            return EntryFor<T>(host.glUniform4fv, host.glUniform4iv)(at, count, v);
     }
 }
 
@@ -139,21 +145,9 @@ void SetMatrices(SEs2Host& host, GLint at, const SUniformState& uniform) {
 void SetUniform(SEs2Host& host, GLint at, const SUniformState& uniform) {
     switch (uniform.kind) {
         case SUniformState::kInteger:
-            return SetVectors<GLint>(
-                {host.glUniform1i,
-                 host.glUniform2i,
-                 host.glUniform3i,
-                 host.glUniform4i,
-                 {host.glUniform1iv, host.glUniform2iv, host.glUniform3iv, host.glUniform4iv}},
-                at, uniform, uniform.values.Integers());
+            return SetVectors(host, at, uniform, uniform.values.Integers());
         case SUniformState::kFloat:
-            return SetVectors<GLfloat>(
-                {host.glUniform1f,
-                 host.glUniform2f,
-                 host.glUniform3f,
-                 host.glUniform4f,
-                 {host.glUniform1fv, host.glUniform2fv, host.glUniform3fv, host.glUniform4fv}},
-                at, uniform, uniform.values.Floats());
+            return SetVectors(host, at, uniform, uniform.values.Floats());
         case SUniformState::kMatrix:
             return SetMatrices(host, at, uniform);
         default:

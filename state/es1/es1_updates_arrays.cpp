@@ -1,5 +1,7 @@
 // What the calls of client arrays and buffers of OpenGL ES 1.1 do to the record. The current vertex
 // array's record is copied only when a call changes it: most draws set what is there already.
+#include <functional>
+
 #include "base/enumerants.h"
 #include "generated/calls/es1_calls.h"
 #include "state/es1/es1_updates.h"
@@ -10,8 +12,9 @@ namespace {
 /// Sets one value of the current vertex array. `field` picks its place.
 template <typename Field, typename Value>
 bool SetArrayValue(CEs1State& state, Field field, const Value& value) {
-    if (!state.HasCurrentVertexArray() || !(field(state.CurrentVertexArray()) == value)) {
-        field(state.WriteCurrentVertexArray()) = value;
+    if (!state.HasCurrentVertexArray() ||
+        !(std::invoke(field, state.CurrentVertexArray()) == value)) {
+        std::invoke(field, state.WriteCurrentVertexArray()) = value;
     }
     return true;
 }
@@ -59,23 +62,19 @@ bool CEs1_glDisableClientState_v1::UpdateState(CEs1State& state, SUpdates&) {
 }
 
 bool CEs1_glColorPointer_v1::UpdateState(CEs1State& state, SUpdates&) {
-    return SetArrayValue(
-        state, [](auto& arrays) -> auto& { return arrays.color; }, Described(state, *this));
+    return SetArrayValue(state, &SClientArraysState::color, Described(state, *this));
 }
 
 bool CEs1_glNormalPointer_v1::UpdateState(CEs1State& state, SUpdates&) {
-    return SetArrayValue(
-        state, [](auto& arrays) -> auto& { return arrays.normal; }, Described(state, *this));
+    return SetArrayValue(state, &SClientArraysState::normal, Described(state, *this));
 }
 
 bool CEs1_glVertexPointer_v1::UpdateState(CEs1State& state, SUpdates&) {
-    return SetArrayValue(
-        state, [](auto& arrays) -> auto& { return arrays.vertex; }, Described(state, *this));
+    return SetArrayValue(state, &SClientArraysState::vertex, Described(state, *this));
 }
 
 bool CEs1_glPointSizePointerOES_v1::UpdateState(CEs1State& state, SUpdates&) {
-    return SetArrayValue(
-        state, [](auto& arrays) -> auto& { return arrays.pointSize; }, Described(state, *this));
+    return SetArrayValue(state, &SClientArraysState::pointSize, Described(state, *this));
 }
 
 bool CEs1_glTexCoordPointer_v1::UpdateState(CEs1State& state, SUpdates&) {
@@ -92,8 +91,7 @@ bool CEs1_glBindBuffer_v1::UpdateState(CEs1State& state, SUpdates&) {
         return true;
     }
     if (target.GetValue() != GL_ELEMENT_ARRAY_BUFFER) return false;
-    return SetArrayValue(
-        state, [](auto& arrays) -> auto& { return arrays.elementBuffer; }, buffer.GetValue());
+    return SetArrayValue(state, &SClientArraysState::elementBuffer, buffer.GetValue());
 }
 
 bool CEs1_glBufferData_v1::UpdateState(CEs1State& state, SUpdates&) {
