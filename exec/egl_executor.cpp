@@ -22,7 +22,7 @@ bool PlayEglCall(SPlayerState& player, CCallEntry& entry) {
     // A change of threads, as traces of several hold it.
     if (call.m_id == kThread) return true;
     // A call that failed when it was recorded changed nothing that later calls rely on.
-    if (call.m_eglError.GetValue() != EGL_SUCCESS) return true;
+    if (call.HadFailed()) return true;
     if (call.m_id < kFirst || call.m_id > kLast) {
         output::Message("EGL Unknown call");
         return false;

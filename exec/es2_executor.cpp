@@ -27,7 +27,7 @@ bool CheckEs2Error(SPlayerState& player) {
 
 bool PlayEs2Call(SPlayerState& player, CCallEntry& entry) {
     const CApiCall& call = *entry.call;
-    if (call.m_error.GetValue() != GL_NO_ERROR && player.skipCallOnError) {
+    if (call.HadFailed() && player.skipCallOnError) {
         output::Message("Es2 Call: (Original Call return GL_ERROR. Skipped on Playback) %s",
                         call.GetName());
         return true;

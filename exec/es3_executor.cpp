@@ -24,7 +24,7 @@ GLsync LiveSync(SEs3Play& c, std::uint32_t recorded) {
 bool PlayEs3Call(SPlayerState& player, CCallEntry& entry) {
     const CApiCall& call = *entry.call;
     // Kept: fails, where other families leave it out; readers expect both lines.
-    if (call.m_error.GetValue() != GL_NO_ERROR) {
+    if (call.HadFailed()) {
         output::Message("Es3 Call:Error. (Recorded GL_ERROR) %s", call.GetName());
         return false;
     }

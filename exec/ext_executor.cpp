@@ -159,7 +159,7 @@ template EPlayed PlayGlUnmapBufferOES(SEs2Play& c, SExt_glUnmapBufferOES call);
 bool PlayExtCall(SPlayerState& player, CCallEntry& entry) {
     const auto& call = static_cast<const CExtCall&>(*entry.call);
     // Kept: in silence, whatever is asked of failed calls; readers know each family's way.
-    if (call.m_extError.GetValue() != 0) return true;
+    if (call.HadFailed()) return true;
     if (call.m_id < kFirst || call.m_id > kLast) return false;
     const std::uint32_t api = call.m_api.GetValue();
     const char* const before = player.currentCallName;

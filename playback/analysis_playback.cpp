@@ -1,6 +1,7 @@
 #include "playback/analysis_playback.h"
 
 #include <string_view>
+#include <utility>
 
 #include "base/output.h"
 #include "host/es2_host.h"
@@ -36,10 +37,6 @@ bool CAnalysisPlayback::PlayFrame(std::int32_t frame) {
     }
     if (frame < 1 || frame > static_cast<std::int32_t>(store->FrameCount())) return false;
     m_frame = static_cast<std::uint32_t>(frame);
-    // The frame before has changed everything: each one asks for a full comparison.
-    m_eglDirty = true;
-    m_es1Dirty = true;
-    m_es2Dirty = true;
     // Kept: modulo 65536, and played even if it fails; tools compare the logs of two runs.
     RestoreFrame(static_cast<std::uint16_t>(m_frame));
     const CFrameRecord* record = store->GetFrameRecord(m_frame);
@@ -84,46 +81,16 @@ bool CAnalysisPlayback::PlayCalls(const CFrameRecord& frame) {
 }
 
 bool CAnalysisPlayback::PlayTrackedCall(CCallEntry& entry) {
-    bool played = false;
     try {
-        played = PlayCall(&entry, m_checkCalls);
+        if (!PlayCall(&entry, true)) return false;
     } catch (...) {
         return false;
     }
-    if (!played) return false;
-    CApiCall& call = *entry.call;
-    switch (call.m_group) {
-        case kGroupEgl:
-            static_cast<CEglCall&>(call).UpdateState(m_currentEgl, store->Updates());
-            m_eglDirty = true;
-            break;
-        case kGroupEs1:
-            static_cast<CEs1Call&>(call).UpdateState(m_currentEs1, store->Updates());
-            m_es1Dirty = true;
-            break;
-        case kGroupEs2:
-            ApplyEs2Call(call, m_currentEs2, store->Updates());
-            m_es2Dirty = true;
-            break;
-        // Kept: calls of extensions change no record here; tools compare seeks.
-        default:
-            break;
-    }
+    m_current.Apply(*entry.call, store->Updates(), EApplied::kPlayed);
     return true;
 }
 
 bool CAnalysisPlayback::RestoreFrame(std::uint32_t frame) {
-    if (m_restartPending) {
-        m_restartPending = false;
-        m_eglDirty = m_es1Dirty = m_es2Dirty = true;
-        TryRestore(1);
-        m_eglDirty = m_es1Dirty = m_es2Dirty = true;
-        if (frame == 1) return true;
-    }
-    return TryRestore(frame);
-}
-
-bool CAnalysisPlayback::TryRestore(std::uint32_t frame) {
     try {
         Restore(frame);
         return true;
@@ -135,30 +102,25 @@ bool CAnalysisPlayback::TryRestore(std::uint32_t frame) {
 
 void CAnalysisPlayback::Restore(std::uint32_t frame) {
     CEglState targetEgl;
-    if (m_eglDirty) {
-        if (store->GetEglStateOfFrame(frame, targetEgl)) {
-            TransitionEglState(targetEgl, frame, m_currentEgl);
-            m_currentEgl = targetEgl;
-            m_eglDirty = false;
-        }
-        // No context exists at that point of the trace.
-        if (targetEgl.currentDisplay == 0) {
-            names.ResetNames();
-            es1Names.ResetNames();
-        }
+    if (store->GetEglStateOfFrame(frame, targetEgl)) {
+        TransitionEglState(targetEgl, frame, *m_current.egl);
+        m_current.egl.Write() = targetEgl;
     }
-    const bool hasContext = targetEgl.currentDisplay != 0;
+    // Without one no context exists at that point of the trace.
+    const bool hasDisplay = targetEgl.currentDisplay != 0;
+    if (!hasDisplay) {
+        names.ResetNames();
+        es1Names.ResetNames();
+    }
     CEs1State targetEs1;
-    if (m_es1Dirty && store->GetEs1StateOfFrame(frame, targetEs1)) {
-        if (hasContext) TransitionEs1State(targetEs1, &m_currentEs1);
-        m_currentEs1 = targetEs1;
-        m_es1Dirty = false;
+    if (store->GetEs1StateOfFrame(frame, targetEs1)) {
+        if (hasDisplay) TransitionEs1State(targetEs1, &*m_current.es1);
+        m_current.es1.Write() = std::move(targetEs1);
     }
     CEs2State targetEs2;
-    if (m_es2Dirty && store->GetEs2StateOfFrame(frame, targetEs2)) {
-        if (hasContext) TransitionEs2State(targetEs2, m_currentEs2);
-        m_currentEs2 = targetEs2;
-        m_es2Dirty = false;
+    if (store->GetEs2StateOfFrame(frame, targetEs2)) {
+        if (hasDisplay) TransitionEs2State(targetEs2, *m_current.es2);
+        m_current.es2.Write() = std::move(targetEs2);
     }
 }
 

@@ -5,9 +5,7 @@
 #include <cstdint>
 
 #include "playback/sequential_player.h"
-#include "state/egl/egl_state.h"
-#include "state/es1/es1_state.h"
-#include "state/es2/es2_state.h"
+#include "tracefile/document/frame_store.h"
 
 namespace kestrail {
 
@@ -23,8 +21,6 @@ public:
 private:
     /// Brings the host to the start of the frame. False when an exception ended that.
     bool RestoreFrame(std::uint32_t frame);
-    /// The same, from wherever the host stands.
-    bool TryRestore(std::uint32_t frame);
     void Restore(std::uint32_t frame);
     /// Plays the frame's calls up to its swap.
     bool PlayCalls(const CFrameRecord& frame);
@@ -34,18 +30,10 @@ private:
     bool PlaySwap();
     bool ProcessEvents();
 
-    bool m_restartPending = false;
-    /// What is live may differ from the snapshot of the frame.
-    bool m_eglDirty = false;
-    bool m_es1Dirty = false;
-    bool m_es2Dirty = false;
-    bool m_checkCalls = true;
     std::uint32_t m_frame = 0;
     /// The swap to present with. Stays once found.
     CCallEntry* m_swapCall = nullptr;
-    CEglState m_currentEgl;
-    CEs1State m_currentEs1;
-    CEs2State m_currentEs2;
+    SFrameState m_current;
 };
 
 }  // namespace kestrail

@@ -33,25 +33,11 @@ SArea AreaBetween(std::int64_t x0, std::int64_t y0, std::int64_t x1, std::int64_
             static_cast<std::int32_t>(right - left), static_cast<std::int32_t>(top - bottom)};
 }
 
-bool HadFailed(const CApiCall& call) {
-    switch (call.m_group) {
-        case kGroupEgl: {
-            const std::int32_t error = static_cast<const CEglCall&>(call).m_eglError.GetValue();
-            return error != 0 && error != EGL_SUCCESS;
-        }
-        case kGroupExtEs1:
-        case kGroupExtEs2:
-            return static_cast<const CExtCall&>(call).m_extError.GetValue() != 0;
-        default:
-            return call.m_error.GetValue() != 0;
-    }
-}
-
 }  // namespace
 
 void ListEffects(const CApiCall& call, const CEglState& egl, const CEs1State& es1,
                  const CEs2State& es2, std::vector<SEffect>& effects) {
-    if (HadFailed(call)) return;
+    if (call.HadFailed()) return;
     const bool isEs1 = call.m_group == kGroupEgl
                            ? egl.contextClientVersion < 2
                            : call.m_group == kGroupEs1 || call.m_group == kGroupExtEs1;

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "base/enumerants.h"
 #include "calls/model/api_type.h"
 #include "calls/model/call_info.h"
 
@@ -51,6 +52,8 @@ public:
     const char* GetName() const { return Layout().name.data(); }
     std::uint16_t GetCallId() const { return Layout().id; }
     const char* GetCategory() const { return Layout().category; }
+    /// Whether the call had failed when it was recorded, by the error that its family keeps.
+    bool HadFailed() const;
 
     /// Lists what the call reads and changes of contents that the driver holds. Made from its row.
     virtual void ListEffects(CEffects&) const {}
@@ -122,6 +125,18 @@ public:
 protected:
     explicit CExtCall(CTrace& trace);
 };
+
+inline bool CApiCall::HadFailed() const {
+    switch (m_group) {
+        case kGroupEgl:
+            return static_cast<const CEglCall*>(this)->m_eglError.GetValue() != EGL_SUCCESS;
+        case kGroupEs1:
+        case kGroupEs2:
+            return m_error.GetValue() != GL_NO_ERROR;
+        default:
+            return static_cast<const CExtCall*>(this)->m_extError.GetValue() != GL_NO_ERROR;
+    }
+}
 
 /// Second base of the calls that set a client array's pointer: what was recorded, and what the
 /// player passes.

@@ -483,7 +483,7 @@ public:
                 m_union.clear();
             }
             Compare(*entry, state, number);
-            state.Apply(*entry->call, updates);
+            state.Apply(*entry->call, updates, EApplied::kRecorded);
             if (m_failures > 20) return;
         }
     }

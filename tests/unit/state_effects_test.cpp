@@ -57,7 +57,7 @@ std::string EffectsOfLast(int clientVersion, const std::string& calls) {
     SUpdates updates(told);
     CFrameStore& store = *document.GetFrameStore();
     for (std::uint32_t number = 1; number < store.CallCount(); ++number) {
-        state.Apply(*store.CallAt(number)->call, updates);
+        state.Apply(*store.CallAt(number)->call, updates, EApplied::kRecorded);
     }
     std::vector<SEffect> effects;
     ListEffects(*store.CallAt(store.CallCount())->call, *state.egl, *state.es1, *state.es2,

@@ -103,17 +103,19 @@ void CFrameStore::AppendCall(std::unique_ptr<CApiCall>&& call, std::uint64_t off
 
 void CFrameStore::Track(CApiCall& call) {
     ++m_callsSinceKept;
-    if (call.m_error.GetValue() != 0) return;
-    m_state.Apply(call, m_updates);
+    if (!m_state.Apply(call, m_updates, EApplied::kRecorded)) return;
     m_es1Used = m_es1Used || call.m_group == kGroupEs1 || call.m_group == kGroupExtEs1;
     m_es2Used = m_es2Used || call.m_group == kGroupEs2 || call.m_group == kGroupExtEs2;
 }
 
-void SFrameState::Apply(CApiCall& call, SUpdates& updates) {
+bool SFrameState::Apply(CApiCall& call, SUpdates& updates, EApplied what) {
     constexpr std::uint32_t kEs3 = 3;
-    // Kept: what failed in EGL or an extension counts, its error isn't here; tools compare seeks.
-    if (call.m_error.GetValue() != 0) return;
-    const bool sets = call.m_updatesState;
+    const bool recorded = what == EApplied::kRecorded;
+    const bool ofGl = call.m_group == kGroupEs1 || call.m_group == kGroupEs2;
+    // Kept: failed calls of EGL and extensions count, in a sought frame all; tools compare seeks.
+    if (recorded && ofGl && call.HadFailed()) return false;
+    // Kept: calls of extensions change no record of a sought frame; tools compare seeks.
+    const bool sets = call.m_updatesState && (recorded || call.m_group != kGroupExtEs1);
     switch (call.m_group) {
         case kGroupEgl:
             if (sets) static_cast<CEglCall&>(call).UpdateState(egl.Write(), updates);
@@ -134,6 +136,7 @@ void SFrameState::Apply(CApiCall& call, SUpdates& updates) {
             // Kept: calls of extensions leave no trace in ES2's record; tools compare seeks.
             break;
     }
+    return true;
 }
 
 bool ApplyEs2Call(CApiCall& call, CEs2State& state, SUpdates& updates) {
@@ -157,7 +160,8 @@ const SFrameState& CFrameStore::StateOfFrame(std::uint32_t frame) const {
          ++call) {
         const std::uint32_t number = call + 1;
         if (number == m_firstBehindState || !m_edits.IsCallDisabled(number)) {
-            m_asked.state.Apply(*m_calls->list[call].call, m_updates);
+            m_asked.state.Apply(*m_calls->list[call].call, m_updates,
+                                EApplied::kRecorded);
         }
     }
     m_asked.frame = place;

@@ -53,7 +53,11 @@ struct STraceCalls {
     std::vector<CCallEntry> list;
 };
 
-/// What the application had set at some point of the trace. Copies share what none of them changed.
+/// What the records are to hold: what the application had set, by the calls as they were recorded, or
+/// what is live on the host, by the calls as a sought frame plays them.
+enum class EApplied { kRecorded, kPlayed };
+
+/// A state of EGL, ES1 and ES2. Copies share what none of them changed.
 struct SFrameState {
     TShared<CEglState> egl;
     TShared<CEs1State> es1;
@@ -61,8 +65,8 @@ struct SFrameState {
     /// Whose bytes the records refer to; they stay as long as this does.
     std::shared_ptr<const STraceCalls> calls;
 
-    /// Applies a call, unless it had failed when it was recorded.
-    void Apply(CApiCall& call, SUpdates& updates);
+    /// Applies a call. False when it is none that counts.
+    bool Apply(CApiCall& call, SUpdates& updates, EApplied what);
 };
 
 /// Applies a call of the ES2 group, which is one of ES2 or ES3, to a record.
