@@ -12,8 +12,10 @@ set(parts_es1 3)
 set(parts_es2 3)
 set(parts_es3 3)
 set(parts_ext 2)
-foreach(family egl es1 es2 es3 ext)
+set(families egl es1 es2 es3 ext)
+foreach(family ${families})
   set(table ${PROJECT_SOURCE_DIR}/calls/${family}/${family}.calls)
+  list(APPEND tables ${table})
   set(sources ${generated}/calls/${family}_factory.cpp)
   foreach(part RANGE 1 ${parts_${family}})
     list(APPEND sources ${generated}/calls/${family}_calls_${part}.cpp)
@@ -25,7 +27,6 @@ foreach(family egl es1 es2 es3 ext)
     DEPENDS ${callgen}/classes.py ${callgen}/table.py ${table}
     VERBATIM)
   list(APPEND KESTRAIL_CALL_SOURCES ${sources})
-  list(APPEND tables ${table})
 endforeach()
 
 add_custom_command(
@@ -36,6 +37,14 @@ add_custom_command(
 list(APPEND KESTRAIL_CALL_SOURCES ${generated}/state/effects.cpp)
 
 add_custom_command(
+  OUTPUT ${generated}/calls/identifiers.h
+  COMMAND Python3::Interpreter -B ${callgen}/identifiers.py ${generated}/calls/identifiers.h
+          ${tables}
+  DEPENDS ${callgen}/identifiers.py ${callgen}/table.py ${tables}
+  VERBATIM)
+list(APPEND KESTRAIL_CALL_SOURCES ${generated}/calls/identifiers.h)
+
+add_custom_command(
   OUTPUT ${generated}/calls/gl_enum_names.cpp
   COMMAND Python3::Interpreter -B ${callgen}/enum_names.py
           ${PROJECT_SOURCE_DIR}/calls/text/gl_enumerants.txt ${generated}/calls/gl_enum_names.cpp
@@ -43,7 +52,7 @@ add_custom_command(
   VERBATIM)
 list(APPEND KESTRAIL_CALL_SOURCES ${generated}/calls/gl_enum_names.cpp)
 
-foreach(family egl es1 es2 es3 ext)
+foreach(family ${families})
   set(table ${PROJECT_SOURCE_DIR}/calls/${family}/${family}.calls)
   set(cases ${generated}/exec/${family}_cases)
   add_custom_command(
@@ -69,9 +78,7 @@ add_custom_command(
   OUTPUT ${host_headers}
   COMMAND Python3::Interpreter -B ${callgen}/host_tables.py ${PROJECT_SOURCE_DIR}/calls
           ${generated}/host
-  DEPENDS ${callgen}/host_tables.py ${callgen}/table.py
-          ${PROJECT_SOURCE_DIR}/calls/egl/egl.calls ${PROJECT_SOURCE_DIR}/calls/es1/es1.calls
-          ${PROJECT_SOURCE_DIR}/calls/es2/es2.calls ${PROJECT_SOURCE_DIR}/calls/es3/es3.calls
+  DEPENDS ${callgen}/host_tables.py ${callgen}/table.py ${tables}
   VERBATIM)
 # Everything that includes a generated header waits for it.
 add_custom_target(kestrail_host_tables DEPENDS ${host_headers})

@@ -1,6 +1,7 @@
 #include "exec/egl_executor.h"
 
 #include "base/output.h"
+#include "generated/calls/identifiers.h"
 #include "generated/exec/egl_cases.h"
 
 namespace kestrail {
@@ -16,14 +17,12 @@ bool CheckEglError(SPlayerState& player) {
 
 bool PlayEglCall(SPlayerState& player, CCallEntry& entry) {
     constexpr std::uint16_t kThread = 1;
-    constexpr std::uint16_t kFirst = 1001;
-    constexpr std::uint16_t kLast = 1034;
     const auto& call = static_cast<const CEglCall&>(*entry.call);
     // A change of threads, as traces of several hold it.
     if (call.m_id == kThread) return true;
     // A call that failed when it was recorded changed nothing that later calls rely on.
     if (call.HadFailed()) return true;
-    if (call.m_id < kFirst || call.m_id > kLast) {
+    if (PlayedFamilyOf(call.m_id) != EFamily::kEgl) {
         output::Message("EGL Unknown call");
         return false;
     }

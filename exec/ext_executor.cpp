@@ -6,6 +6,7 @@
 #include "base/enumerants.h"
 #include "base/output.h"
 #include "exec/extension_resolver.h"
+#include "generated/calls/identifiers.h"
 #include "generated/exec/ext_cases.h"
 #include "host/egl_host.h"
 
@@ -14,10 +15,6 @@ namespace {
 
 constexpr std::uint32_t kApiEs1 = 1;
 constexpr std::uint32_t kApiEs2 = 2;
-constexpr std::uint16_t kFirst = 4001;
-constexpr std::uint16_t kLast = 4090;
-constexpr std::uint16_t kRenderbufferStorageMultisample = 4089;
-constexpr std::uint16_t kFramebufferTexture2DMultisample = 4090;
 
 // Kept: not a word, and EGL's success is taken for an error; readers match what follows.
 bool CheckExtError(SPlayerState& player, std::uint32_t api) {
@@ -52,10 +49,10 @@ GLsizei TextureSamples(SExt_glFramebufferTexture2DMultisampleQVA call) {
 }
 
 EPlayed PlayElsewhere(const CGenCallInfo& info, std::uint16_t id) {
-    if (id == kRenderbufferStorageMultisample) {
+    if (id == ext_id::glRenderbufferStorageMultisampleQVA) {
         StorageSamples(SExt_glRenderbufferStorageMultisampleQVA(info));
     }
-    if (id == kFramebufferTexture2DMultisample) {
+    if (id == ext_id::glFramebufferTexture2DMultisampleQVA) {
         TextureSamples(SExt_glFramebufferTexture2DMultisampleQVA(info));
     }
     return PlayExtElsewhere(id);
@@ -160,7 +157,6 @@ bool PlayExtCall(SPlayerState& player, CCallEntry& entry) {
     const auto& call = static_cast<const CExtCall&>(*entry.call);
     // Kept: in silence, whatever is asked of failed calls; readers know each family's way.
     if (call.HadFailed()) return true;
-    if (call.m_id < kFirst || call.m_id > kLast) return false;
     const std::uint32_t api = call.m_api.GetValue();
     const char* const before = player.currentCallName;
     player.currentCallName = call.GetName();

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "base/output.h"
+#include "generated/calls/identifiers.h"
 #include "host/es2_host.h"
 #include "host/host_lib.h"
 #include "transitions/egl_transition.h"
@@ -12,8 +13,6 @@
 
 namespace kestrail {
 namespace {
-
-constexpr std::uint16_t kEglSwapBuffers = 1022;
 
 void ClearSurface() {
     SEs2Host& host = *GetEs2Host();
@@ -57,7 +56,7 @@ bool CAnalysisPlayback::PlayCalls(const CFrameRecord& frame) {
         if (entry == nullptr || number > last) return false;
         const std::uint16_t id = entry->call->m_id;
         try {
-            if (id == kEglSwapBuffers) {
+            if (id == egl_id::eglSwapBuffers) {
                 // The last frame is not shown again.
                 if (!drawn) ClearSurface();
                 return PlaySwap();
@@ -127,7 +126,7 @@ void CAnalysisPlayback::Restore(std::uint32_t frame) {
 bool CAnalysisPlayback::FindSwapCall() {
     const CFrameRecord* frame = store->GetFrameRecord(m_frame);
     m_swapCall = frame != nullptr ? store->CallAt(frame->lastCall + 1) : nullptr;
-    if (m_swapCall != nullptr && m_swapCall->call->m_id == kEglSwapBuffers) return true;
+    if (m_swapCall != nullptr && m_swapCall->call->m_id == egl_id::eglSwapBuffers) return true;
     // Kept: spelled like that; readers match it.
     output::Error("Exception <expented SwapBuffer call\n");
     m_swapCall = nullptr;

@@ -8,15 +8,13 @@
 #include "exec/es2_executor.h"
 #include "exec/es3_executor.h"
 #include "exec/ext_executor.h"
+#include "generated/calls/identifiers.h"
 
 namespace kestrail {
 namespace {
 
 /// Calls started so far in this process.
 std::uint32_t g_callCount = 0;
-
-constexpr std::uint16_t kEglInitialize = 1017;
-constexpr std::uint16_t kEglMakeCurrent = 1018;
 
 }  // namespace
 
@@ -149,16 +147,24 @@ bool CSequentialPlayer::PlayCall(CCallEntry* call, bool checkErrorsAfter) {
     if (id >= 2 && id <= 4) return true;
     bool played = false;
     // Kept: less than what loads; readers expect the rest to be printed and told as failed.
-    if (id > 1000 && id < 1035) {
-        played = PlayEglCall(*this, *call);
-    } else if (id > 3000 && id < 3146) {
-        played = PlayEs1Call(*this, *call);
-    } else if (id > 2000 && id < 2143) {
-        played = PlayEs2Call(*this, *call);
-    } else if (id > 5000 && id < 5247) {
-        played = PlayEs3Call(*this, *call);
-    } else if (id > 4000 && id < 4091) {
-        played = PlayExtCall(*this, *call);
+    switch (PlayedFamilyOf(id)) {
+        case EFamily::kEgl:
+            played = PlayEglCall(*this, *call);
+            break;
+        case EFamily::kEs1:
+            played = PlayEs1Call(*this, *call);
+            break;
+        case EFamily::kEs2:
+            played = PlayEs2Call(*this, *call);
+            break;
+        case EFamily::kEs3:
+            played = PlayEs3Call(*this, *call);
+            break;
+        case EFamily::kExt:
+            played = PlayExtCall(*this, *call);
+            break;
+        case EFamily::kNone:
+            break;
     }
     if (!played) output::Message("Error call:%s %d", call->call->GetName(), id);
     return played;
@@ -179,11 +185,11 @@ CCallEntry* CSequentialPlayer::FindCall(std::uint16_t id, bool rewind) {
 
 bool CSequentialPlayer::CheckCompatibleEnvironment() {
     if (m_searchedCompatibleEnvironment) return true;
-    if (FindCall(kEglInitialize, true) != nullptr) return false;
+    if (FindCall(egl_id::eglInitialize, true) != nullptr) return false;
     m_searchedCompatibleEnvironment = true;
     // Kept: spelled like that; readers match it.
     output::Message("Android Java used. Searching for a compatible enviroment.");
-    FindCall(kEglMakeCurrent, true);
+    FindCall(egl_id::eglMakeCurrent, true);
     return true;
 }
 

@@ -12,32 +12,25 @@ from pathlib import Path
 
 from table import load
 
-# For each table: the published header, and its families with the identifiers that the host's
-# library must have. Calls of extensions lie outside those.
+# For each table: the published header, and its families. The host's library must have whatever their
+# executors play; calls of extensions none does.
 TABLES = {
-    "egl": ("EGL/egl.h", [("egl", 1001, 1034)]),
-    "es1": ("GLES/gl.h", [("es1", 3001, 3145)]),
-    "es2": ("GLES2/gl2.h", [("es2", 2001, 2142)]),
-    "es3": ("GLES3/gl3.h", [("es2", 2001, 2142), ("es3", 5143, 5246)]),
+    "egl": ("EGL/egl.h", ["egl"]),
+    "es1": ("GLES/gl.h", ["es1"]),
+    "es2": ("GLES2/gl2.h", ["es2"]),
+    "es3": ("GLES3/gl3.h", ["es2", "es3"]),
 }
 
 
 def entry_points(calls, families):
-    """The entry points, one for each identifier of the families' ranges."""
-    entries = []
-    for family, first, last in families:
-        path = calls / family / f"{family}.calls"
-        found = {row.id: row.entry for row in load(str(path))}
-        missing = [str(id) for id in range(first, last + 1) if id not in found]
-        if missing:
-            raise SystemExit(f"{path}: no row for {', '.join(missing)}")
-        entries += [found[id] for id in range(first, last + 1)]
-    return entries
+    """The entry points, one for each identifier that the families' executors play."""
+    rows = [row for family in families for row in load(str(calls / family / f"{family}.calls"))]
+    return list({row.id: row.entry for row in rows if row.play != "none"}.values())
 
 
 def header(name, include, families, entries):
     struct = f"S{name.capitalize()}Entries"
-    sources = " and ".join(f"calls/{family}/{family}.calls" for family, _, _ in families)
+    sources = " and ".join(f"calls/{family}/{family}.calls" for family in families)
     lines = [f"// Made by tools/callgen/host_tables.py from {sources}.", "#pragma once", "",
              f"#include <{include}>", "", "#include <cstddef>", "",
              '#include "host/host_lib.h"', "", "namespace kestrail {", "", f"struct {struct} {{"]

@@ -4,14 +4,10 @@
 #include <iterator>
 #include <utility>
 
+#include "generated/calls/identifiers.h"
 #include "tracefile/document/trace_document.h"
 
 namespace kestrail {
-namespace {
-
-constexpr std::uint16_t kEglSwapBuffers = 1022;
-
-}  // namespace
 
 void CFrameStore::BeginFrame() {
     m_frames.clear();
@@ -96,7 +92,7 @@ void CFrameStore::AppendCall(std::unique_ptr<CApiCall>&& call, std::uint64_t off
         // Kept: counts though it may be disabled, and a swap closes nothing; tools compare seeks.
         m_firstBehindState = m_callCount;
         if (trackState) Track(appended);
-    } else if (id == kEglSwapBuffers) {
+    } else if (id == egl_id::eglSwapBuffers) {
         OpenFrame(m_callCount);
     }
 }
@@ -140,8 +136,9 @@ bool SFrameState::Apply(CApiCall& call, SUpdates& updates, EApplied what) {
 }
 
 bool ApplyEs2Call(CApiCall& call, CEs2State& state, SUpdates& updates) {
-    constexpr std::uint16_t kFirstEs3 = 5001;
-    if (call.m_id >= kFirstEs3) return static_cast<CEs3Call&>(call).UpdateState(state, updates);
+    if (FamilyOf(call.m_id) == EFamily::kEs3) {
+        return static_cast<CEs3Call&>(call).UpdateState(state, updates);
+    }
     return static_cast<CEs2Call&>(call).UpdateState(state, updates);
 }
 
@@ -160,8 +157,7 @@ const SFrameState& CFrameStore::StateOfFrame(std::uint32_t frame) const {
          ++call) {
         const std::uint32_t number = call + 1;
         if (number == m_firstBehindState || !m_edits.IsCallDisabled(number)) {
-            m_asked.state.Apply(*m_calls->list[call].call, m_updates,
-                                EApplied::kRecorded);
+            m_asked.state.Apply(*m_calls->list[call].call, m_updates, EApplied::kRecorded);
         }
     }
     m_asked.frame = place;

@@ -53,8 +53,8 @@ struct STraceCalls {
     std::vector<CCallEntry> list;
 };
 
-/// What the records are to hold: what the application had set, by the calls as they were recorded, or
-/// what is live on the host, by the calls as a sought frame plays them.
+/// What the records are to hold: what the application had set, by the calls as they were recorded,
+/// or what is live on the host, by the calls as a sought frame plays them.
 enum class EApplied { kRecorded, kPlayed };
 
 /// A state of EGL, ES1 and ES2. Copies share what none of them changed.

@@ -6,6 +6,7 @@
 
 #include "base/output.h"
 #include "calls/model/factories.h"
+#include "generated/calls/identifiers.h"
 #include "tracefile/bytes/typed_reads.h"
 
 namespace kestrail {
@@ -17,12 +18,20 @@ constexpr std::uint16_t kThreadRecord = 1;
 constexpr std::uint16_t kLastMarker = 5;
 
 std::unique_ptr<CApiCall> CallOfFamily(std::uint16_t id, CTrace& reader) {
-    if (id >= 1001 && id <= 1200) return CreateEglCall(id, reader);
-    if (id >= 3001 && id <= 3145) return CreateEs1Call(id, reader);
-    if (id >= 2001 && id <= 2142) return CreateEs2Call(id, reader);
-    if (id >= 5001 && id <= 5246) return CreateEs3Call(id, reader);
-    if (id >= 4001 && id <= 4239) return CreateExtCall(id, reader);
-    return nullptr;
+    switch (FamilyOf(id)) {
+        case EFamily::kEgl:
+            return CreateEglCall(id, reader);
+        case EFamily::kEs1:
+            return CreateEs1Call(id, reader);
+        case EFamily::kEs2:
+            return CreateEs2Call(id, reader);
+        case EFamily::kEs3:
+            return CreateEs3Call(id, reader);
+        case EFamily::kExt:
+            return CreateExtCall(id, reader);
+        default:
+            return nullptr;
+    }
 }
 
 }  // namespace
