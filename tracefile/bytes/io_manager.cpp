@@ -1,17 +1,6 @@
 #include "tracefile/bytes/io_manager.h"
 
 namespace kestrail {
-namespace {
-
-/// What a failure below means for the stream: with the codes 3 and 1 it goes on, otherwise the
-/// operation has simply failed.
-void PassOn(const MemoryManagerException& failure) {
-    if (failure.code == 3 || failure.code == 1) throw IOManagerException(failure.code);
-}
-
-}  // namespace
-
-IOManagerException::IOManagerException(std::uint32_t /*reason*/) : code(0) {}
 
 IOManager::~IOManager() {
     if (m_writeFile != nullptr) std::fclose(m_writeFile);
@@ -26,8 +15,7 @@ bool IOManager::Open(const CKSTLString& name, bool read) {
     }
     try {
         return m_memory.Open(name);
-    } catch (const MemoryManagerException& failure) {
-        PassOn(failure);
+    } catch (const MemoryManagerException&) {
         return false;
     }
 }
@@ -35,8 +23,7 @@ bool IOManager::Open(const CKSTLString& name, bool read) {
 bool IOManager::ReadWithRefill(void* buffer, std::uint32_t size) {
     try {
         return m_memory.Read(buffer, size);
-    } catch (const MemoryManagerException& failure) {
-        PassOn(failure);
+    } catch (const MemoryManagerException&) {
         return false;
     }
 }

@@ -9,12 +9,6 @@
 
 namespace kestrail {
 
-class IOManagerException {
-public:
-    explicit IOManagerException(std::uint32_t reason);
-    std::uint32_t code;
-};
-
 class IOManager {
 public:
     IOManager() = default;
@@ -52,7 +46,6 @@ private:
     bool ReadWithRefill(void* buffer, std::uint32_t size);
 
     std::FILE* m_writeFile = nullptr;
-    CKSTLString m_name;
     MemoryManager m_memory;
     bool m_readMode = true;
 };

@@ -12,9 +12,6 @@ constexpr std::uint32_t kLargestCopied = kWindow / 8;
 
 }  // namespace
 
-// Kept: drops the reason, so that streams fail plainly; damaged recordings end as cut ones do.
-MemoryManagerException::MemoryManagerException(std::uint32_t /*reason*/) : code(0) {}
-
 MemoryManager::~MemoryManager() {
     if (m_file != nullptr) std::fclose(m_file);
 }
@@ -25,7 +22,6 @@ bool MemoryManager::Open(const CKSTLString& name) {
     if (m_file == nullptr) return false;
     // Reads are of whole windows, straight into the window.
     std::setvbuf(m_file, nullptr, _IONBF, 0);
-    m_fileName = name;
     m_fills.clear();
     std::fseek(m_file, 0, SEEK_SET);
     std::fseek(m_file, 0, SEEK_END);
@@ -53,7 +49,7 @@ bool MemoryManager::Fill(std::int32_t offset) {
     const std::int64_t length =
         std::min<std::int64_t>(m_capacity, std::int64_t{m_fileSize} - offset);
     Forget(offset);
-    if (offset < 0 || length <= 0 || m_file == nullptr) throw MemoryManagerException(3);
+    if (offset < 0 || length <= 0 || m_file == nullptr) throw MemoryManagerException();
     while (!m_fills.empty() && m_fills.back().length <= length) m_fills.pop_back();
     m_fills.push_back({offset, static_cast<std::uint32_t>(length)});
     m_blockStart = offset;
@@ -79,20 +75,20 @@ void MemoryManager::LoadWindow(std::int64_t position) {
     const auto size = static_cast<std::uint32_t>(std::min<std::int64_t>(left, kWindow));
     if (!ReadFile(m_window.get(), position, size)) {
         Forget(position);
-        throw MemoryManagerException(3);
+        throw MemoryManagerException();
     }
     m_end = m_next + size;
 }
 
 bool MemoryManager::Read(void* destination, std::uint32_t size) {
     if (!m_window) return false;
-    if (m_capacity < size) throw MemoryManagerException(1);
+    if (m_capacity < size) throw MemoryManagerException();
     // Kept: to the block's end, not the file's; recordings that were cut load up to the cut.
     if (m_blockStart < 0 || Position() - m_blockStart + size > m_capacity) {
         const std::int64_t position = Position();
         if (position > m_fileSize) {
             Forget(position);
-            throw MemoryManagerException(3);
+            throw MemoryManagerException();
         }
         Fill(static_cast<std::int32_t>(position));
     }
@@ -133,7 +129,7 @@ bool MemoryManager::ReadFile(std::uint8_t* destination, std::int64_t offset, std
 
 std::int32_t MemoryManager::SeekFar(std::int32_t offset, std::int32_t whence) {
     // Kept: the bare offset, whatever it counts from; damaged recordings end loading by it.
-    if (offset >= m_fileSize || offset < 0 || Position() == -1) throw MemoryManagerException(1);
+    if (offset >= m_fileSize || offset < 0 || Position() == -1) throw MemoryManagerException();
     std::int64_t target = offset;
     if (whence == SEEK_CUR) target += Position();
     if (whence == SEEK_END) target = std::int64_t{m_fileSize} - offset;
@@ -147,7 +143,7 @@ std::int32_t MemoryManager::SeekFar(std::int32_t offset, std::int32_t whence) {
         }
         return static_cast<std::int32_t>(target);
     }
-    if (target > m_fileSize) throw MemoryManagerException(1);
+    if (target > m_fileSize) throw MemoryManagerException();
     Fill(static_cast<std::int32_t>(target));
     return static_cast<std::int32_t>(target);
 }

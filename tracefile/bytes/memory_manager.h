@@ -14,12 +14,9 @@
 
 namespace kestrail {
 
-/// A seek out of range, a read larger than the block, a refill that brought nothing.
-class MemoryManagerException {
-public:
-    explicit MemoryManagerException(std::uint32_t reason);
-    std::uint32_t code;
-};
+/// A seek out of range, a read larger than the block, a refill that brought nothing. Which of them
+/// it was makes no difference to whoever reads.
+class MemoryManagerException {};
 
 class MemoryManager {
 public:
@@ -103,7 +100,6 @@ private:
     std::vector<SFill> m_fills;
     std::FILE* m_file = nullptr;
     std::int32_t m_fileSize = 0;
-    CKSTLString m_fileName;
 };
 
 }  // namespace kestrail
