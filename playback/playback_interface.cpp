@@ -11,12 +11,11 @@ PlaybackInterface::~PlaybackInterface() {
 }
 
 bool PlaybackInterface::LoadTrace(const char* path, bool wholeFile) {
-    constexpr unsigned kRefused = 2;
     m_wholeFile = wholeFile;
     try {
         CTraceDocument* document = CTraceDocument::Instance();
         // Kept: a missing, empty or cut file is no failure; readers see by the lines what played.
-        if (document->OpenTrace(CKSTLString(path), wholeFile) == kRefused) {
+        if (document->OpenTrace(CKSTLString(path), wholeFile) == kOpenRefused) {
             output::Message("*** Error loading file ***");
             return false;
         }

@@ -20,7 +20,6 @@ void CFrameStore::BeginFrame() {
     m_callCount = 0;
     m_droppedFrames = 0;
     m_lastFound = 0;
-    m_secondFlag = false;
     m_hasStateBlock = false;
     // Made here, so that all states of the trace share what no call sets.
     m_state = {TShared(CEglState{}), TShared(CEs1State{}), TShared(CEs2State{}), nullptr};
@@ -33,15 +32,12 @@ void CFrameStore::BeginFrame() {
     m_es2Used = false;
 }
 
-void CFrameStore::SetTraceInfo(std::uint32_t fileSize, bool dataFlag, bool secondFlag,
-                               std::uint32_t version, const CKSTLString& fileName) {
+void CFrameStore::SetTraceInfo(std::uint32_t fileSize, bool dataFlag, std::uint32_t version) {
     // Fewer than calls take, so that the list need not move. Room that is not used costs nothing.
     constexpr std::uint32_t kBytesPerRecord = 16;
     if (m_document == nullptr) m_calls->list.reserve(fileSize / kBytesPerRecord);
     m_dataFlag = dataFlag;
-    m_secondFlag = secondFlag;
     m_version = version;
-    m_fileName = fileName;
 }
 
 void CFrameStore::OpenFrame(std::uint32_t firstCall) {

@@ -8,7 +8,6 @@
 #include <utility>
 #include <vector>
 
-#include "base/kstl_string.h"
 #include "base/shared.h"
 #include "calls/model/api_call.h"
 #include "state/egl/egl_state.h"
@@ -79,8 +78,7 @@ public:
     /// Drops everything and opens frame 1.
     void BeginFrame();
     /// Keeps what the header says; makes room for the calls that a file of that size may hold.
-    void SetTraceInfo(std::uint32_t fileSize, bool dataFlag, bool secondFlag, std::uint32_t version,
-                      const CKSTLString& fileName);
+    void SetTraceInfo(std::uint32_t fileSize, bool dataFlag, std::uint32_t version);
     /// From now on `NextCall` takes calls from the document as it reads them.
     void StreamFrom(CTraceDocument* document) { m_document = document; }
     /// Whether calls come from the file one by one, each in the place of the one before.
@@ -180,11 +178,9 @@ private:
     /// Frames closed while streaming and not kept.
     std::uint32_t m_droppedFrames = 0;
     bool m_dataFlag = false;
-    bool m_secondFlag = false;
     bool m_hasStateBlock = false;
     bool m_multiThread = false;
     std::uint32_t m_version = 0;
-    CKSTLString m_fileName;
     /// Where the last answer of `FrameOfCall` stood, one of `m_frames`: the next one is there or
     /// behind it.
     mutable std::size_t m_lastFound = 0;

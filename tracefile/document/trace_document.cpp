@@ -61,13 +61,11 @@ void CTraceDocument::SetStage(const char* text, std::uint32_t value) {
     progressValue = value;
 }
 
-unsigned CTraceDocument::OpenTrace(const CKSTLString& name, bool useMemory) {
+EOpenResult CTraceDocument::OpenTrace(const CKSTLString& name, bool useMemory) {
     try {
         if (m_store) CloseTrace();
-        m_byteSwapped = false;
         m_version = 0;
         m_dataFlag = false;
-        m_typeSet = 0;
         m_typeSizes.clear();
         m_multiThread = false;
         m_progressEnabled = true;
@@ -85,9 +83,8 @@ unsigned CTraceDocument::OpenTrace(const CKSTLString& name, bool useMemory) {
     }
 }
 
-unsigned CTraceDocument::Load(const CKSTLString& name) {
+EOpenResult CTraceDocument::Load(const CKSTLString& name) {
     SetStage("Reading File", 0);
-    m_fileName = name;
     m_diagnostics.Tell(EDiagnostic::kMessage,
                        m_noMemory ? "Opening Trace file (noMemory): %s" : "Opening Trace file: %s",
                        name.c_str());
@@ -106,35 +103,27 @@ unsigned CTraceDocument::Load(const CKSTLString& name) {
     m_reader.emplace(&m_stream, m_version, m_dataFlag, m_typeSizes.data(),
                      static_cast<std::int8_t>(m_typeCount), m_store->CallMemory());
     if (m_noMemory) m_store->StreamFrom(this);
-    m_store->SetTraceInfo(m_stream.GetSize(), m_dataFlag, m_secondFlag, m_version, m_fileName);
+    m_store->SetTraceInfo(m_stream.GetSize(), m_dataFlag, m_version);
     // Kept: a stream marks no edited calls; its log is of what was recorded.
     if (m_noMemory) return kOpened;
 
-    const unsigned errors = LoadRecords();
+    const EOpenResult errors = LoadRecords();
     m_store->Edits().MarkCalls(*m_store);
-    if (errors != 0) {
+    if (errors != kOpened) {
         m_diagnostics.Tell(EDiagnostic::kMessage, "Processing File... Done with Errors:%d",
                            static_cast<int>(errors));
     } else {
         m_diagnostics.Tell(EDiagnostic::kMessage, "Processing File... Done");
     }
     m_stream.Close();
-    SetStage(errors != 0 ? "Trace Error" : "Trace Processed", 100);
+    SetStage(errors != kOpened ? "Trace Error" : "Trace Processed", 100);
     m_observers.Notify(kLoadProgressEvent, *this);
-    if (errors != 0) return errors;
+    if (errors != kOpened) return errors;
     return m_store->CallCount() > 0 ? kOpened : kOpenEmpty;
 }
 
 bool CTraceDocument::ChooseStart(SRecordLoop& loop) const {
     const std::uint64_t position = loop.offset;
-    if (!m_noMemory) {
-        loop.stateFirst = HasStateSection();
-        loop.offset = HasStateSection() ? StateStart() : m_firstRecordOffset;
-        loop.end = loop.size;
-        if (m_stateOffset == 0) loop.end = std::max(loop.size, kFooterSize) - kFooterSize;
-        if (HasStateSection()) loop.end = m_stateOffset;
-        return true;
-    }
     if (position >= loop.size) return false;
     // Kept: with a section of state a stream begins again and again; whoever plays it stops it.
     if (position + kFooterSize == loop.size) {
@@ -180,36 +169,56 @@ inline bool CTraceDocument::TakeCall(SRecordLoop& loop, std::uint16_t id, std::u
     return true;
 }
 
-unsigned CTraceDocument::LoadRecords() {
+inline CTraceDocument::ERecord CTraceDocument::TakeRecord(SRecordLoop& loop) {
+    const std::uint64_t recordOffset = loop.offset;
+    // Offsets past 31 bits lie behind every file.
+    const std::uint64_t target = std::min(recordOffset, loop.size);
+    if (m_stream.Seek(static_cast<std::int32_t>(target), SEEK_SET) == 0) throw 4;
+    const std::uint32_t size = ReadUInt32(m_stream, 0, true);
+    const std::uint16_t id = ReadUInt16(m_stream, 0, true);
+    loop.offset += size + kRecordHead;
+    if (id < kThreadRecord || id > kLastMarker) {
+        return TakeCall(loop, id, size, recordOffset) ? ERecord::kCall : ERecord::kOverrun;
+    }
+    if (id == kThreadRecord) TakeThread(loop);
+    // Kept: any marker turns it over, on or off; recordings hold them in pairs.
+    if (id != kThreadRecord) loop.inStateBlock = !loop.inStateBlock;
+    return ERecord::kMark;
+}
+
+EOpenResult CTraceDocument::LoadRecords() {
     progressMax = m_stream.GetSize();
     SRecordLoop loop{m_stream.GetSize(), m_stream.Tell()};
-    if (!ChooseStart(loop)) return kOpened;
-    while (m_noMemory || !AtEnd(loop)) {
-        const std::uint64_t recordOffset = loop.offset;
-        // Offsets past 31 bits lie behind every file.
-        const bool seekable = recordOffset < loop.size;
-        const auto target = static_cast<std::int32_t>(seekable ? recordOffset : loop.size);
-        if (m_stream.Seek(target, SEEK_SET) == 0) throw 4;
-        const std::uint32_t size = ReadUInt32(m_stream, 0, true);
-        const std::uint16_t id = ReadUInt16(m_stream, 0, true);
-        loop.offset += size + kRecordHead;
-        if (id >= kThreadRecord && id <= kLastMarker) {
-            if (id == kThreadRecord) TakeThread(loop);
-            // Kept: any marker turns it over, on or off; recordings hold them in pairs.
-            if (id != kThreadRecord) loop.inStateBlock = !loop.inStateBlock;
-            // A section may end with such a record: the stream goes on as it would behind a call.
-            const bool atFooter =
-                m_stateOffset != kNoFooter && loop.offset + kFooterSize == loop.size;
-            if (m_noMemory && atFooter && !ChooseStart(loop)) return kOpened;
-            continue;
-        }
-        if (!TakeCall(loop, id, size, recordOffset)) {
-            return m_store->CallCount() > 0 ? kOpenCut : kOpenRefused;
-        }
-        // Kept: with a call or without, which ends a stream; newer recordings play so far.
-        if (m_noMemory) break;
+    return m_noMemory ? LoadNext(loop) : LoadAll(loop);
+}
+
+EOpenResult CTraceDocument::LoadAll(SRecordLoop& loop) {
+    loop.stateFirst = HasStateSection();
+    loop.offset = HasStateSection() ? StateStart() : m_firstRecordOffset;
+    loop.end = loop.size;
+    if (m_stateOffset == 0) loop.end = std::max(loop.size, kFooterSize) - kFooterSize;
+    if (HasStateSection()) loop.end = m_stateOffset;
+    while (!AtEnd(loop)) {
+        if (TakeRecord(loop) == ERecord::kOverrun) return Overrun();
     }
     return kOpened;
+}
+
+EOpenResult CTraceDocument::LoadNext(SRecordLoop& loop) {
+    if (!ChooseStart(loop)) return kOpened;
+    for (;;) {
+        const ERecord taken = TakeRecord(loop);
+        if (taken == ERecord::kOverrun) return Overrun();
+        // Kept: with a call or without, which ends a stream; newer recordings play so far.
+        if (taken == ERecord::kCall) return kOpened;
+        // A section may end with such a record: the stream goes on as it would behind a call.
+        const bool atFooter = m_stateOffset != kNoFooter && loop.offset + kFooterSize == loop.size;
+        if (atFooter && !ChooseStart(loop)) return kOpened;
+    }
+}
+
+EOpenResult CTraceDocument::Overrun() const {
+    return m_store->CallCount() > 0 ? kOpenCut : kOpenRefused;
 }
 
 void CTraceDocument::TakeThread(SRecordLoop& loop) {

@@ -40,14 +40,14 @@ public:
 
     /// Opens a trace. `useMemory`: all records are read now; otherwise the header alone, and the
     /// store streams. An open trace is closed first.
-    unsigned OpenTrace(const CKSTLString& name, bool useMemory);
+    EOpenResult OpenTrace(const CKSTLString& name, bool useMemory);
     /// Whether traces that are opened from now on have their calls applied to the state models,
     /// which seeking needs and which report images that are updated out of their limits. They do
     /// unless told otherwise; streamed ones never do.
     void SetTrackState(bool on) { m_trackState = on; }
-    /// Reads all records, or while streaming the next one. 0, or what `OpenTrace` gives for a
-    /// record that overruns the file. Throws what reading a record throws.
-    unsigned LoadRecords();
+    /// Reads all records, or while streaming the next call. `kOpened`, or what `OpenTrace` gives
+    /// for a record that overruns the file. Throws what reading a record throws.
+    EOpenResult LoadRecords();
     /// Writes a header of the present version with the open trace's flags to `out`, which is open
     /// for writing, and its edit lists if it has edits. No records follow. Always true.
     bool Save(IOManager& out) const;
@@ -72,12 +72,14 @@ public:
 private:
     /// Where a run over the records stands.
     struct SRecordLoop;
+    /// `kCall` also for one that no class is there for.
+    enum class ERecord { kCall, kMark, kOverrun };
 
-    unsigned Load(const CKSTLString& name);
+    EOpenResult Load(const CKSTLString& name);
     /// Header and footer. False when the header is refused.
     bool ReadTraceStart();
     bool ReadFileHeader();
-    void ReadWidthTable();
+    void ReadWidthTable(std::uint32_t typeSet);
     void ReadEditLists();
     std::vector<std::uint8_t> ReadText(std::uint32_t length);
     void ReadFooter();
@@ -86,10 +88,15 @@ private:
     /// The section begins at the low half of the footer's offset, though it ends the calls at the
     /// whole of it.
     std::uint32_t StateStart() const { return static_cast<std::uint32_t>(m_stateOffset); }
+    EOpenResult LoadAll(SRecordLoop& loop);
+    EOpenResult LoadNext(SRecordLoop& loop);
     /// False when the stream has ended.
     bool ChooseStart(SRecordLoop& loop) const;
     /// True when the whole-file loop has come to its end.
     bool AtEnd(SRecordLoop& loop) const;
+    /// Reads the record at the loop's offset, which goes on to the next.
+    ERecord TakeRecord(SRecordLoop& loop);
+    EOpenResult Overrun() const;
     void TakeThread(SRecordLoop& loop);
     /// Reads the record at hand as a call. False for one that overruns the file.
     bool TakeCall(SRecordLoop& loop, std::uint16_t id, std::uint32_t size, std::uint64_t offset);
@@ -103,17 +110,14 @@ private:
     /// There while a trace is open.
     std::optional<CTrace> m_reader;
     std::unique_ptr<CFrameStore> m_store;
-    bool m_byteSwapped = false;
     std::uint32_t m_version = 0;
     bool m_dataFlag = false;
     bool m_secondFlag = false;
-    std::uint32_t m_typeSet = 0;
     /// The width table and one spare entry, which a tag one past the table reads.
     std::vector<std::int8_t> m_typeSizes;
     std::int32_t m_typeCount = 0;
     std::uint64_t m_stateOffset = kNoFooter;
     std::uint32_t m_firstRecordOffset = 0;
-    CKSTLString m_fileName;
     IOManager m_stream;
     bool m_progressEnabled = false;
     bool m_hasEdits = false;

@@ -36,7 +36,6 @@ bool CTraceDocument::ReadFileHeader() {
         return false;
     }
     const std::uint32_t order = ReadUInt32(m_stream, 0, true);
-    m_byteSwapped = order == kOtherByteOrder;
     // Kept: the other order passes and isn't swapped; such recordings end as damaged ones.
     if (order != kByteOrder && order != kOtherByteOrder) {
         m_diagnostics.Tell(EDiagnostic::kError, "Unsupported trace endianness.\n");
@@ -56,17 +55,16 @@ bool CTraceDocument::ReadFileHeader() {
     }
     m_secondFlag = false;
     if (m_version >= kFirstWithSecondFlag) m_secondFlag = ReadBool(m_stream, 1, true) != 0;
-    m_typeSet = ReadUInt32(m_stream, 0, true);
-    ReadWidthTable();
+    ReadWidthTable(ReadUInt32(m_stream, 0, true));
     if (m_version >= kFirstWithEdits) ReadEditLists();
     return true;
 }
 
-void CTraceDocument::ReadWidthTable() {
+void CTraceDocument::ReadWidthTable(std::uint32_t typeSet) {
     constexpr std::uint32_t kLastWithoutLength = 7;
     constexpr std::uint32_t kLongTypeSet = 1;
     const bool hasLength = m_version > kLastWithoutLength;
-    const std::int8_t implied = m_typeSet == kLongTypeSet ? 28 : 27;
+    const std::int8_t implied = typeSet == kLongTypeSet ? 28 : 27;
     m_typeCount = std::int32_t{hasLength ? ReadInt8(m_stream, 0, true) : implied};
     const auto count = static_cast<std::uint32_t>(std::max(m_typeCount, 0));
     m_typeSizes.assign(count + 1, 0);
