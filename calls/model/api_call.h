@@ -1,5 +1,5 @@
-// A recorded call. Constructing one reads its record; afterwards executors walk its parameter list,
-// and the line of the call is printed from it.
+// A recorded call. It reads itself from its record; afterwards executors walk its parameter list, and
+// the line of the call is printed from it.
 #pragma once
 
 #include <cstddef>
@@ -74,56 +74,42 @@ protected:
     explicit CApiCall(std::uint8_t group) : m_group(group) {}
 };
 
-class CEglCall : public CApiCall {
+/// What the calls of a family have in common: the state record that they change.
+template <typename State, CallGroup kGroup>
+class TFamilyCall : public CApiCall {
 public:
     /// Applies the call to a state record, without touching the host. False when it did not.
-    virtual bool UpdateState(CEglState& state, SUpdates& updates);
+    virtual bool UpdateState(State&, SUpdates&) { return false; }
+    void Read(CTrace& trace) { ReadRun(trace, m_error); }
+
+protected:
+    TFamilyCall() : CApiCall(kGroup) {}
+};
+
+using CEs1Call = TFamilyCall<CEs1State, kGroupEs1>;
+using CEs2Call = TFamilyCall<CEs2State, kGroupEs2>;
+using CEs3Call = CEs2Call;
+
+class CEglCall : public TFamilyCall<CEglState, kGroupEgl> {
+public:
+    void Read(CTrace& trace) { ReadRun(trace, m_eglError); }
 
     /// What eglGetError gave after the call when it was recorded.
     TEGLintEnum m_eglError;
-
-protected:
-    explicit CEglCall(CTrace& trace);
 };
 
-class CEs1Call : public CApiCall {
+/// Of ES1, ES2 or EGL. Those of ES2 leave no trace in its state record.
+class CExtCall : public TFamilyCall<CEs1State, kGroupNone> {
 public:
-    /// Applies the call to a state record, without touching the host. False when it did not.
-    virtual bool UpdateState(CEs1State& state, SUpdates& updates);
-
-protected:
-    explicit CEs1Call(CTrace& trace);
-};
-
-class CEs2Call : public CApiCall {
-public:
-    /// Applies the call to a state record, without touching the host. False when it did not.
-    virtual bool UpdateState(CEs2State& state, SUpdates& updates);
-
-protected:
-    explicit CEs2Call(CTrace& trace);
-};
-
-class CEs3Call : public CApiCall {
-public:
-    /// Applies the call to a state record, without touching the host. False when it did not.
-    virtual bool UpdateState(CEs2State& state, SUpdates& updates);
-
-protected:
-    explicit CEs3Call(CTrace& trace);
-};
-
-class CExtCall : public CApiCall {
-public:
-    /// Applies an extension call of ES1 to its state record. Those of ES2 leave no trace in theirs.
-    virtual bool UpdateState(CEs1State& state, SUpdates& updates);
+    void Read(CTrace& trace) {
+        ReadRun(trace, m_extError, m_api);
+        if (m_api.value == 1) m_group = kGroupExtEs1;
+        if (m_api.value == 2) m_group = kGroupExtEs2;
+    }
 
     TGLError m_extError;
     /// The API that was current: 1 is ES1, 2 is ES2, anything else counts as EGL.
     TGLubyte m_api;
-
-protected:
-    explicit CExtCall(CTrace& trace);
 };
 
 inline bool CApiCall::HadFailed() const {

@@ -1,5 +1,5 @@
-// One factory for each family: the identifier and the file's version select the class, whose
-// constructor reads the record. Null for an identifier without a class in that version.
+// One factory for each family: the identifier and the file's version select the class, which reads
+// the record. Null for an identifier without a class in that version.
 #pragma once
 
 #include <cstdint>
@@ -12,7 +12,9 @@ namespace kestrail {
 /// A call read from its record. It must not outlive the memory of the trace.
 template <typename Call>
 std::unique_ptr<CApiCall> ReadCall(CTrace& trace) {
-    return std::unique_ptr<CApiCall>(new (trace) Call(trace));
+    std::unique_ptr<Call> call(new (trace) Call);
+    call->Read(trace);
+    return call;
 }
 
 std::unique_ptr<CApiCall> CreateEglCall(std::uint16_t id, CTrace& trace);

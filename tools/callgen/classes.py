@@ -25,9 +25,10 @@ def declaration(row, base):
     mixed = any(p.copies for p in row.parameters)
     bases = f"public {base}, public XXXYYYPointer" if mixed else f"public {base}"
     lines = [f"class {row.class_name} final : {bases} {{", "public:",
-             f"    explicit {row.class_name}(CTrace& trace);",
+             "    void Read(CTrace& trace);",
              "    const SClassLayout& Layout() const override;"]
     if row.state or row.sets:
+        lines.insert(2, f"    {row.class_name}() {{ m_updatesState = true; }}")
         lines.append(f"    bool UpdateState({STATES[row.family]}& state, SUpdates& updates) override;")
     if row.effects:
         lines.append("    void ListEffects(CEffects& effects) const override;")
@@ -41,13 +42,13 @@ def declaration(row, base):
     return "\n".join(lines + ["};", ""])
 
 
-def constructor(row, base):
+def reading(row, base):
     arrays = [p for p in row.parameters if p.arrays]
     read = [(p.cls, p.name) for p in row.parameters
             if not p.notread and not p.arrays and not p.copies and not p.joins]
     if row.returns:
         read.insert(0, (row.returns, "result"))
-    body = ["m_updatesState = true;"] if row.state or row.sets else []
+    body = [f"{base}::Read(trace);"]
     if arrays:
         body.append("const std::uint32_t start = trace.Stream().Tell();")
     # Single values, whose classes begin with a T, are read in runs.
@@ -65,7 +66,7 @@ def constructor(row, base):
         body.append(f"ReadClientArrays(trace, start, {indexed}, {arrays[0].name}, "
                     f"{arrays[1].name});")
     text = "".join(f"\n    {line}" for line in body)
-    return f"{row.class_name}::{row.class_name}(CTrace& trace) : {base}(trace) {{{text}\n}}\n"
+    return f"void {row.class_name}::Read(CTrace& trace) {{{text}\n}}\n"
 
 
 def layout(row):
@@ -133,7 +134,7 @@ def main():
         text = [note + f'#include "generated/calls/{family}_calls.h"\n', OFFSETS,
                 "namespace kestrail {\n"]
         for row in share:
-            text += [constructor(row, base), layout(row)]
+            text += [reading(row, base), layout(row)]
         text += ["}  // namespace kestrail", ""]
         (folder / f"{family}_calls_{part + 1}.cpp").write_text("\n".join(text))
     (folder / f"{family}_factory.cpp").write_text(note + factory(rows, family))
