@@ -4,7 +4,7 @@
 #include <cstring>
 #include <random>
 
-#include "fuzz/trace_parts.h"
+#include "tests/support/trace_parts.h"
 
 extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t maxSize);
 

@@ -1,5 +1,5 @@
-// A recorded call. It reads itself from its record; afterwards executors walk its parameter list, and
-// the line of the call is printed from it.
+// A recorded call. It reads itself from its record and writes itself into one; in between executors
+// walk its parameter list, and the line of the call is printed from it.
 #pragma once
 
 #include <cstddef>
@@ -42,6 +42,8 @@ public:
         CObjectArena::GiveBack(call, size);
     }
 
+    /// Appends what its class reads from a record.
+    virtual void Write(CRecordWriter& out) const = 0;
     /// What its class is.
     virtual const SClassLayout& Layout() const = 0;
     /// Lists the call's values in `info`; the hidden ones only with `withPlayback`.
@@ -81,6 +83,7 @@ public:
     /// Applies the call to a state record, without touching the host. False when it did not.
     virtual bool UpdateState(State&, SUpdates&) { return false; }
     void Read(CTrace& trace) { ReadRun(trace, m_error); }
+    void Write(CRecordWriter& out) const override { out << m_error; }
 
 protected:
     TFamilyCall() : CApiCall(kGroup) {}
@@ -93,6 +96,7 @@ using CEs3Call = CEs2Call;
 class CEglCall : public TFamilyCall<CEglState, kGroupEgl> {
 public:
     void Read(CTrace& trace) { ReadRun(trace, m_eglError); }
+    void Write(CRecordWriter& out) const override { out << m_eglError; }
 
     /// What eglGetError gave after the call when it was recorded.
     TEGLintEnum m_eglError;
@@ -106,6 +110,7 @@ public:
         if (m_api.value == 1) m_group = kGroupExtEs1;
         if (m_api.value == 2) m_group = kGroupExtEs2;
     }
+    void Write(CRecordWriter& out) const override { out << m_extError << m_api; }
 
     TGLError m_extError;
     /// The API that was current: 1 is ES1, 2 is ES2, anything else counts as EGL.

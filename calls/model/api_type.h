@@ -7,6 +7,7 @@
 
 #include "base/kstl_string.h"
 #include "base/text_writer.h"
+#include "tracefile/bytes/record_writer.h"
 #include "tracefile/bytes/trace.h"
 #include "tracefile/bytes/typed_reads.h"
 
@@ -49,6 +50,17 @@ inline float ReadStored(CTrace& trace, std::int32_t width, float) {
     if (width != sizeof(float)) ThrowFloatWidth();
     return ReadFloat(trace.Stream(), 0, true);
 }
+/// The same the other way.
+inline void WriteStored(CRecordWriter& out, std::int32_t width, std::uint32_t value) {
+    out.Number(width, value);
+}
+inline void WriteStored(CRecordWriter& out, std::int32_t width, std::int32_t value) {
+    out.Number(width, value);
+}
+inline void WriteStored(CRecordWriter& out, std::int32_t width, float value) {
+    if (width != sizeof(float)) ThrowFloatWidth();
+    out.Bytes(&value, sizeof(value));
+}
 
 template <unsigned N, typename T>
 class TApiType : public SApiTypeBase {
@@ -62,9 +74,10 @@ public:
 
     static T ReadValue(CTrace& trace) { return ReadStored(trace, trace.GetEsTypeSize(N), T{}); }
     void Read(CTrace& trace) { value = ReadValue(trace); }
+    void Write(CRecordWriter& out) const { WriteStored(out, out.Widths()[N], value); }
     /// Takes the value from bytes of the usual width, and passes them.
     void Take(const std::uint8_t*& from) {
-        constexpr std::uint32_t kWidth = CTrace::UsualWidth(N);
+        constexpr std::uint32_t kWidth = CWidthTable::Usual(N);
         if constexpr (kWidth == 1) {
             value = *from;
         } else {
@@ -74,21 +87,27 @@ public:
     }
 };
 
-/// Calls and values are read by a chain of extractions, one for each member.
+/// Calls and values are read and written by a chain, one link for each member.
 template <typename Value>
 CTrace& operator>>(CTrace& trace, Value& value) {
     value.Read(trace);
     return trace;
 }
 
+template <typename Value>
+CRecordWriter& operator<<(CRecordWriter& out, const Value& value) {
+    value.Write(out);
+    return out;
+}
+
 /// Reads single values that follow each other: all at once where they stand at hand in their usual
 /// widths.
 template <typename... Values>
 void ReadRun(CTrace& trace, Values&... values) {
-    if constexpr (((CTrace::UsualWidth(Values::kTag) != 0) && ...)) {
-        constexpr std::uint32_t kBytes = (CTrace::UsualWidth(Values::kTag) + ...);
+    if constexpr (((CWidthTable::Usual(Values::kTag) != 0) && ...)) {
+        constexpr std::uint32_t kBytes = (CWidthTable::Usual(Values::kTag) + ...);
         const std::uint8_t* from = nullptr;
-        if (trace.HasUsualWidths()) from = trace.Stream().TakeAtHand(kBytes);
+        if (trace.Widths().IsUsual()) from = trace.Stream().TakeAtHand(kBytes);
         if (from != nullptr) [[likely]] {
             return (values.Take(from), ...);
         }

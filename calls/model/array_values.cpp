@@ -2,6 +2,17 @@
 
 namespace kestrail {
 
+bool WriteArrayHead(CRecordWriter& out, const TPointer& pointer, std::uint32_t count,
+                    std::uint32_t items) {
+    const std::ptrdiff_t start = out.Size();
+    out << pointer;
+    out.UInt32(items != 0 ? items : count);
+    if (items != 0) return true;
+    if (pointer.value != 0) out.Starve(start);
+    out.Claim(count);
+    return false;
+}
+
 void SArrayPtr<SString, 1, 1>::Read(CTrace& trace) {
     trace >> pointer;
     count = ReadStored(trace, 0, std::uint32_t{});
@@ -15,6 +26,11 @@ void SArrayPtr<SString, 1, 1>::Read(CTrace& trace) {
     for (std::uint32_t i = 0; i < count && trace.RecordRemaining() > 0; ++i) {
         m_elements.emplace_back().Read(trace);
     }
+}
+
+void SArrayPtr<SString, 1, 1>::Write(CRecordWriter& out) const {
+    if (!WriteArrayHead(out, pointer, count, ElementCount())) return;
+    for (const SString& element : m_elements) out << element;
 }
 
 void SArrayPtr<SString, 1, 1>::AppendText(TextWriter& out) const {

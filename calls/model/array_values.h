@@ -37,6 +37,17 @@ void ReadElements(CTrace& trace, typename T::ValueType* elements, std::size_t co
     }
 }
 
+template <typename T>
+void WriteElements(CRecordWriter& out, const typename T::ValueType* elements, std::size_t count) {
+    const std::int32_t width = out.Widths()[T::kTag];
+    if (width == sizeof(*elements)) return out.Bytes(elements, count * sizeof(*elements));
+    for (std::size_t i = 0; i < count; ++i) WriteStored(out, width, elements[i]);
+}
+
+/// The pointer and the count of an array that holds `items`. False when no items follow.
+bool WriteArrayHead(CRecordWriter& out, const TPointer& pointer, std::uint32_t count,
+                    std::uint32_t items);
+
 /// Appends one item: its element alone for the shape 1 by 1, else its rows in brackets. Stops early
 /// once `out` is longer than `end`.
 template <typename T, unsigned N, unsigned M>
@@ -123,6 +134,10 @@ public:
         m_elements.reset(new ValueType[elements]);
         ReadElements<T>(trace, m_elements.get(), elements);
     }
+    void Write(CRecordWriter& out) const {
+        if (!WriteArrayHead(out, pointer, count, m_items)) return;
+        WriteElements<T>(out, m_elements.get(), std::size_t{m_items} * kItemSize);
+    }
 
     void AppendText(TextWriter& out) const override {
         if (!m_elements) return pointer.AppendText(out);
@@ -174,6 +189,7 @@ public:
     const SString& GetItem(std::uint32_t index) const { return m_elements[index]; }
 
     void Read(CTrace& trace);
+    void Write(CRecordWriter& out) const;
     void AppendText(TextWriter& out) const override;
     void AppendNumericText(TextWriter& out) const override;
     void AppendDetailText(TextWriter& out) const override;
@@ -197,6 +213,10 @@ public:
     void Read(CTrace& trace) {
         trace >> pointer;
         if (pointer.value != 0) ReadElements<T>(trace, m_elements, N * M);
+    }
+    void Write(CRecordWriter& out) const {
+        out << pointer;
+        if (pointer.value != 0) WriteElements<T>(out, m_elements, N * M);
     }
 
     void AppendText(TextWriter& out) const override {

@@ -30,4 +30,15 @@ void ReadClientArrays(CTrace& trace, std::uint32_t start, bool indexed,
     }
 }
 
+void WriteClientArrays(CRecordWriter& out, bool indexed, const SVectorData<SDataPtr*>& arrays,
+                       const SVectorData<int>& indices) {
+    for (std::size_t i = 0; i < arrays.items.size(); ++i) {
+        if (!arrays.items[i]) continue;
+        TGLint index;
+        index.value = indices.items[i];
+        if (indexed) out << index;
+        out << *arrays.items[i];
+    }
+}
+
 }  // namespace kestrail

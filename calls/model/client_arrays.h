@@ -78,5 +78,7 @@ public:
 /// -1 stands for it.
 void ReadClientArrays(CTrace& trace, std::uint32_t start, bool indexed,
                       SVectorData<SDataPtr*>& arrays, SVectorData<int>& indices);
+void WriteClientArrays(CRecordWriter& out, bool indexed, const SVectorData<SDataPtr*>& arrays,
+                       const SVectorData<int>& indices);
 
 }  // namespace kestrail

@@ -55,6 +55,13 @@ void SBlock::Read(CTrace& trace) {
     }
 }
 
+void SBlock::Write(CRecordWriter& out) const {
+    out << pointer;
+    out.UInt32(size);
+    if (size > MemoryManager::kBlockSize) return out.Claim(size);
+    out.Bytes(m_data, size);
+}
+
 void SBlock::Release() {
     if (m_data == nullptr) return;
     if (StandsWithCall()) {
@@ -89,6 +96,14 @@ void SString::Read(CTrace& trace) {
     std::unique_ptr<char[]> text(new char[std::size_t{length} + 1]);
     text[length] = '\0';
     if (trace.Stream().Read(text.get(), length, true)) m_data = std::move(text);
+}
+
+void SString::Write(CRecordWriter& out) const {
+    out << pointer;
+    out.UInt32(length);
+    if (pointer.value == 0 || length > MemoryManager::kBlockSize) return out.Claim(length);
+    if (m_data) return out.Bytes(m_data.get(), length);
+    out.Zeros(length);
 }
 
 void SString::Join(const SArrayPtr<SString, 1, 1>& parts) {

@@ -38,6 +38,7 @@ public:
 
     /// Pointer by width, size in 4 bytes, then the bytes, whether the pointer is null or not.
     void Read(CTrace& trace);
+    void Write(CRecordWriter& out) const;
     void AppendNumericText(TextWriter& out) const override { pointer.AppendText(out); }
 
 private:
@@ -74,6 +75,7 @@ public:
 
     /// Pointer by width, length in 4 bytes, then the characters unless the pointer is null.
     void Read(CTrace& trace);
+    void Write(CRecordWriter& out) const;
     /// Takes the strings of `parts` in their order, without separators.
     void Join(const SArrayPtr<SString, 1, 1>& parts);
 

@@ -106,6 +106,12 @@ void SEglNativeWindowDesc::Read(CTrace& trace) {
     height = static_cast<std::int32_t>(ReadUInt32(trace.Stream(), 0, true));
 }
 
+void SEglNativeWindowDesc::Write(CRecordWriter& out) const {
+    out << handle;
+    out.UInt32(static_cast<std::uint32_t>(width));
+    out.UInt32(static_cast<std::uint32_t>(height));
+}
+
 void SEglNativePixmapDesc::Read(CTrace& trace) {
     trace >> handle;
     // Kept: once in a trace; recordings have the length of the first pixmap alone.
@@ -114,6 +120,15 @@ void SEglNativePixmapDesc::Read(CTrace& trace) {
     const std::uint32_t held = std::min(*length, trace.RecordRemaining());
     data.resize(held);
     trace.Stream().Read(data.data(), held, true);
+}
+
+void SEglNativePixmapDesc::Write(CRecordWriter& out) const {
+    out << handle;
+    std::optional<std::uint32_t>& length = out.PixmapLength();
+    if (!length) out.UInt32(length.emplace(data.length()));
+    const std::uint32_t held = std::min(*length, data.length());
+    out.Bytes(data.c_str(), held);
+    out.Zeros(*length - held);
 }
 
 }  // namespace kestrail

@@ -31,10 +31,12 @@ private:
 class SEglSurfaceDesc {
 public:
     void Read(CTrace&) {}
+    void Write(CRecordWriter&) const {}
 };
 class SEglSurfaceShortDesc {
 public:
     void Read(CTrace&) {}
+    void Write(CRecordWriter&) const {}
 };
 
 /// A recorded native window: its handle and its size in pixels.
@@ -45,6 +47,7 @@ public:
     std::int32_t height = 0;
 
     void Read(CTrace& trace);
+    void Write(CRecordWriter& out) const;
     void AppendText(TextWriter& out) const override { handle.AppendText(out); }
 };
 
@@ -56,6 +59,7 @@ public:
     CKSTLString data;
 
     void Read(CTrace& trace);
+    void Write(CRecordWriter& out) const;
     void AppendText(TextWriter& out) const override { handle.AppendText(out); }
 };
 

@@ -26,6 +26,7 @@ def declaration(row, base):
     bases = f"public {base}, public XXXYYYPointer" if mixed else f"public {base}"
     lines = [f"class {row.class_name} final : {bases} {{", "public:",
              "    void Read(CTrace& trace);",
+             "    void Write(CRecordWriter& out) const override;",
              "    const SClassLayout& Layout() const override;"]
     if row.state or row.sets:
         lines.insert(2, f"    {row.class_name}() {{ m_updatesState = true; }}")
@@ -42,17 +43,20 @@ def declaration(row, base):
     return "\n".join(lines + ["};", ""])
 
 
+def stored(row):
+    """Class and name of what stands in the record, but for captured arrays, which end it."""
+    values = [(p.cls, p.name) for p in row.parameters
+              if not p.notread and not p.arrays and not p.copies and not p.joins]
+    return [(row.returns, "result")] + values if row.returns else values
+
+
 def reading(row, base):
     arrays = [p for p in row.parameters if p.arrays]
-    read = [(p.cls, p.name) for p in row.parameters
-            if not p.notread and not p.arrays and not p.copies and not p.joins]
-    if row.returns:
-        read.insert(0, (row.returns, "result"))
     body = [f"{base}::Read(trace);"]
     if arrays:
         body.append("const std::uint32_t start = trace.Stream().Tell();")
     # Single values, whose classes begin with a T, are read in runs.
-    for single, group in groupby(read, lambda value: value[0].startswith("T")):
+    for single, group in groupby(stored(row), lambda value: value[0].startswith("T")):
         names = [name for _, name in group]
         body.append(f"ReadRun(trace, {', '.join(names)});" if single
                     else f"trace >> {' >> '.join(names)};")
@@ -62,11 +66,25 @@ def reading(row, base):
         if p.joins:
             body.append(f"{p.name}.Join({p.joins});")
     if arrays:
-        indexed = "true" if row.version >= 14 else "false"
-        body.append(f"ReadClientArrays(trace, start, {indexed}, {arrays[0].name}, "
+        body.append(f"ReadClientArrays(trace, start, {indexed(row)}, {arrays[0].name}, "
                     f"{arrays[1].name});")
     text = "".join(f"\n    {line}" for line in body)
     return f"void {row.class_name}::Read(CTrace& trace) {{{text}\n}}\n"
+
+
+def indexed(row):
+    return "true" if row.version >= 14 else "false"
+
+
+def writing(row, base):
+    arrays = [p.name for p in row.parameters if p.arrays]
+    body = [f"{base}::Write(out);"]
+    if stored(row):
+        body.append(f"out << {' << '.join(name for _, name in stored(row))};")
+    if arrays:
+        body.append(f"WriteClientArrays(out, {indexed(row)}, {', '.join(arrays)});")
+    text = "".join(f"\n    {line}" for line in body)
+    return f"void {row.class_name}::Write(CRecordWriter& out) const {{{text}\n}}\n"
 
 
 def layout(row):
@@ -134,7 +152,7 @@ def main():
         text = [note + f'#include "generated/calls/{family}_calls.h"\n', OFFSETS,
                 "namespace kestrail {\n"]
         for row in share:
-            text += [reading(row, base), layout(row)]
+            text += [reading(row, base), writing(row, base), layout(row)]
         text += ["}  // namespace kestrail", ""]
         (folder / f"{family}_calls_{part + 1}.cpp").write_text("\n".join(text))
     (folder / f"{family}_factory.cpp").write_text(note + factory(rows, family))

@@ -26,6 +26,8 @@ struct STraceParts {
 
     std::uint32_t Version() const;
     void SetVersion(std::uint32_t version);
+    /// The table, without its length.
+    WidthTable Widths() const;
 };
 
 /// False for what is shorter than a header.

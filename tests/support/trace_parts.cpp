@@ -1,4 +1,4 @@
-#include "fuzz/trace_parts.h"
+#include "tests/support/trace_parts.h"
 
 #include <algorithm>
 #include <cstring>
@@ -7,6 +7,7 @@ namespace kestrail {
 namespace {
 
 constexpr std::size_t kVersionPlace = 12;
+constexpr std::uint32_t kLastWithoutLength = 7;
 
 /// Takes pieces off the front of the file.
 class CCutter {
@@ -56,6 +57,11 @@ std::uint32_t STraceParts::Version() const {
     return version;
 }
 
+WidthTable STraceParts::Widths() const {
+    const std::size_t head = Version() > kLastWithoutLength && !widths.empty() ? 1 : 0;
+    return WidthTable(widths.begin() + static_cast<std::ptrdiff_t>(head), widths.end());
+}
+
 void STraceParts::SetVersion(std::uint32_t version) {
     std::memcpy(start.data() + kVersionPlace, &version, sizeof version);
 }
@@ -64,13 +70,14 @@ bool Split(const std::uint8_t* data, std::size_t size, STraceParts& parts) {
     constexpr std::size_t kStart = 21;
     constexpr std::size_t kRecordHead = 6;
     constexpr std::size_t kFooter = 10;
-    constexpr std::size_t kImpliedWidths = 28;
     CCutter cutter(data, size);
     if (size < kStart + 1) return false;
     const std::uint32_t version = cutter.Peek(kVersionPlace);
     parts.start = cutter.Take(version > 10 ? kStart + 1 : kStart);
-    const std::size_t widths = version > 7 ? 1 + (cutter.Peek(0, 1) & 0x7FU) : kImpliedWidths;
-    parts.widths = cutter.Take(widths);
+    const auto told = static_cast<std::int8_t>(cutter.Peek(0, 1));
+    const bool isLong = parts.start[version > 10 ? 18 : 17] == 1;
+    const int widths = version > kLastWithoutLength ? 1 + std::max<int>(told, 0) : isLong ? 28 : 27;
+    parts.widths = cutter.Take(static_cast<std::size_t>(widths));
     if (version > 12) parts.edits = cutter.Take(EditsSize(cutter));
     const std::size_t footer = version > 11 ? kFooter : 0;
     while (cutter.Left() >= footer + kRecordHead) {
