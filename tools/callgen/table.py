@@ -44,12 +44,21 @@ Keywords of a parameter:
     joins=P     the strings of parameter P, joined
     =TABLE      translated by a table of names; uniform, attribute: by the current program's
                 locations; program, shader: the live name of the record
-    needs=E     how many bytes (data) or items (arrays) the host reads: a number, a parameter, a
-                product of both, or pname, buffer: what that enumerant says. A call whose record
-                holds fewer fails
-    image       the bytes follow from width, height, depth, format, type and the unpack state
+    out         what stands behind the pointer is what the entry point gives back
+    needs=E     how many bytes (data) or items (arrays) stand behind the pointer: a number, a
+                parameter, or a product of these. An enumerant counts as what it says, such as the
+                values of a pname or the bytes of a type; a pointer as what it points at once the
+                call is done. A call that is played plainly fails when its record holds fewer
+    room=P      the most that an output takes, where the pointer that its needs name is null
+    image       the bytes follow from width, height, depth, format, type and the unpack state; those
+                of an output from the pack state
+    by-hand     how far the pointer reaches follows from more than the call's own parameters
     unpack      an offset while a pixel unpack buffer is bound; so is every image
+    elements    an offset while an element buffer is bound
     null        a null pointer is a value that the entry point knows
+
+Data and arrays say how far they reach. Texts end with their NUL, attribute lists with EGL_NONE, an
+SPtr is one item, and nothing is read behind a TPointer.
 """
 
 import re
@@ -65,13 +74,17 @@ class Parameter:
     notread: bool = False
     arrays: bool = False
     image: bool = False
+    by_hand: bool = False
     unpack: bool = False
+    elements: bool = False
     null: bool = False
+    out: bool = False
     sets: list = field(default_factory=list)
     copies: str = ""
     joins: str = ""
     table: str = ""
     needs: str = ""
+    room: str = ""
 
 
 @dataclass
@@ -125,13 +138,27 @@ def parse_parameter(line, where):
             parameter.table = value
         elif equals and key == "sets":
             parameter.sets = value.split(",")
-        elif equals and key in ("copies", "joins", "needs"):
+        elif equals and key in ("copies", "joins", "needs", "room"):
             setattr(parameter, key, value)
-        elif not equals and isinstance(getattr(parameter, key, None), bool):
-            setattr(parameter, key, True)
+        elif not equals and isinstance(getattr(parameter, key.replace("-", "_"), None), bool):
+            setattr(parameter, key.replace("-", "_"), True)
         else:
             raise SystemExit(f"{where}: unknown keyword '{word}'")
     return parameter
+
+
+def check_reach(row, where):
+    """Refuses a pointer whose reach isn't said, or is said by what isn't there."""
+    names = {p.name for p in row.parameters}
+    for p in row.parameters:
+        told = [bool(p.needs), p.image, p.by_hand]
+        open_ended = p.cls.startswith(("SDataPtr", "SImage", "SArrayPtr"))
+        if open_ended and sum(told) != 1:
+            raise SystemExit(f"{where}: {row.entry}: how far does {p.name} reach?")
+        words = p.needs.split("*") + [p.room]
+        unknown = [w for w in words if w and not w.isdigit() and w not in names]
+        if unknown:
+            raise SystemExit(f"{where}: {row.entry}: no parameter {', '.join(unknown)}")
 
 
 def load(path):
@@ -157,4 +184,6 @@ def load(path):
                             [(verb, place) for verb, _, places in
                              (word.partition("=") for word in match.group(11).split())
                              for place in places.split(",")]))
+    for row in rows:
+        check_reach(row, path)
     return rows
