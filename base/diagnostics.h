@@ -1,4 +1,4 @@
-// Whom those tell who find something while a trace is read.
+// Whom those tell who find something while a trace is read or played.
 #pragma once
 
 #include <cstdarg>
@@ -7,6 +7,7 @@ namespace kestrail {
 
 enum class EDiagnostic {
     kMessage,
+    kWarning,
     kError,
     kText,         ///< with a line end of its own
     kErrorStream,  ///< a line that goes apart from the others
@@ -20,6 +21,13 @@ public:
         std::va_list arguments;
         va_start(arguments, format);
         OnTold(kind, format, arguments);
+        va_end(arguments);
+    }
+
+    void Message(const char* format, ...) __attribute__((format(printf, 2, 3))) {
+        std::va_list arguments;
+        va_start(arguments, format);
+        OnTold(EDiagnostic::kMessage, format, arguments);
         va_end(arguments);
     }
 

@@ -15,6 +15,7 @@ namespace kestrail::output {
 namespace {
 
 constexpr const char* kMessagePrefix = "KESTRAIL(M) ";
+constexpr const char* kWarningPrefix = "KESTRAIL(W) WARNING: ";
 constexpr const char* kErrorPrefix = "KESTRAIL(W) ERROR: ";
 constexpr std::size_t kFlushAt = std::size_t{64} * 1024;
 constexpr int kEndingSignals[] = {SIGSEGV, SIGBUS, SIGFPE,  SIGILL,  SIGABRT, SIGTERM,
@@ -77,6 +78,8 @@ class CPrinted : public Diagnostics {
         switch (kind) {
             case EDiagnostic::kMessage:
                 return PrefixedLine(kMessagePrefix, format, arguments);
+            case EDiagnostic::kWarning:
+                return PrefixedLine(kWarningPrefix, format, arguments);
             case EDiagnostic::kError:
                 return PrefixedLine(kErrorPrefix, format, arguments);
             case EDiagnostic::kText:
@@ -119,7 +122,7 @@ void Message(const char* format, ...) {
 void Warning(const char* format, ...) {
     std::va_list arguments;
     va_start(arguments, format);
-    PrefixedLine("KESTRAIL(W) WARNING: ", format, arguments);
+    PrefixedLine(kWarningPrefix, format, arguments);
     va_end(arguments);
 }
 

@@ -316,26 +316,34 @@ SRecords RecordsOf(const CFrameStore& store, std::uint32_t frame) {
     return records;
 }
 
+/// A host and the records of what is live on it.
+struct SLive {
+    SSession session;
+    CDriverAnswers answers{session};
+    SRecords records;
+};
+
 /// As the player restores a frame.
-void Restore(const CFrameStore& store, std::uint32_t frame, SRecords& current) {
+void Restore(const CFrameStore& store, std::uint32_t frame, SLive& live) {
     SRecords target = RecordsOf(store, frame);
-    TransitionEglState(target.egl, frame, current.egl);
-    TransitionEs1State(target.es1, &current.es1);
-    TransitionEs2State(target.es2, current.es2);
+    SRecords& current = live.records;
+    TransitionEglState(live.session, live.answers, target.egl, current.egl);
+    TransitionEs1State(live.session, live.answers, target.es1, &current.es1);
+    TransitionEs2State(live.session, live.answers, target.es2, current.es2);
     current = target;
 }
 
 void BM_RestoreFromNothing(benchmark::State& state) {
     const CSilence silence;
     CLoaded loaded;
+    std::unique_ptr<SLive> live;
     for ([[maybe_unused]] const auto turn : state) {
         state.PauseTiming();
-        loaded.StartAnew();
-        SRecords current;
+        live = std::make_unique<SLive>();
         state.ResumeTiming();
-        Restore(loaded.Store(), kSought, current);
+        Restore(loaded.Store(), kSought, *live);
     }
-    CEs2Names names;
+    CEs2Names& names = live->session.es2Names;
     if (names.GetProgramRecord(kPrograms) == nullptr || names.Textures().Get(kTextures) == 0 ||
         names.Buffers().Get(kBuffers) == CEs2Names::kUnknown) {
         state.SkipWithError("nothing restored");
@@ -347,14 +355,13 @@ BENCHMARK(BM_RestoreFromNothing)->Unit(benchmark::kMillisecond);
 void BM_RestoreFromNeighbour(benchmark::State& state) {
     const CSilence silence;
     CLoaded loaded;
-    loaded.StartAnew();
-    SRecords current;
+    SLive live;
     const auto other = static_cast<std::uint32_t>(kSought + state.range(0));
-    Restore(loaded.Store(), kSought, current);
+    Restore(loaded.Store(), kSought, live);
     bool there = false;
     for ([[maybe_unused]] const auto turn : state) {
         there = !there;
-        Restore(loaded.Store(), there ? other : kSought, current);
+        Restore(loaded.Store(), there ? other : kSought, live);
     }
 }
 BENCHMARK(BM_RestoreFromNeighbour)
@@ -369,12 +376,11 @@ BENCHMARK(BM_RestoreFromNeighbour)
 void BM_RestoreParts(benchmark::State& state) {
     const CSilence silence;
     CLoaded loaded(PartsTrace());
-    loaded.StartAnew();
-    SRecords current;
+    SLive live;
     bool there = false;
     for ([[maybe_unused]] const auto turn : state) {
         there = !there;
-        Restore(loaded.Store(), there ? kFramesOfParts / 2 : kFramesOfParts / 2 - 1, current);
+        Restore(loaded.Store(), there ? kFramesOfParts / 2 : kFramesOfParts / 2 - 1, live);
     }
 }
 BENCHMARK(BM_RestoreParts)->Unit(benchmark::kMillisecond);
@@ -417,10 +423,10 @@ void BM_CompareTextures(benchmark::State& state) {
     const auto count = static_cast<std::uint32_t>(state.range(0));
     const std::vector<std::uint8_t> contents((count + std::size_t{1}) * 16);
     const CEs2State current = Textured(count, contents, false);
-    const CEs2State origin = Textured(count, contents, state.range(1) != 0);
+    const CEs2State target = Textured(count, contents, state.range(1) != 0);
+    SLive live;
     for ([[maybe_unused]] const auto turn : state) {
-        CEs2State target = origin;
-        TransitionEs2State(target, current);
+        TransitionEs2State(live.session, live.answers, target, current);
     }
 }
 BENCHMARK(BM_CompareTextures)
@@ -436,11 +442,11 @@ void BM_CompareTexturesOfNeighbours(benchmark::State& state) {
     const auto count = static_cast<std::uint32_t>(state.range(0));
     const std::vector<std::uint8_t> contents((count + std::size_t{1}) * 16);
     const CEs2State current = Textured(count, contents, false);
-    CEs2State origin = current;
-    origin.WriteImage(count / 2, 0, 0).parameters[0] = 9729;
+    CEs2State target = current;
+    target.WriteImage(count / 2, 0, 0).parameters[0] = 9729;
+    SLive live;
     for ([[maybe_unused]] const auto turn : state) {
-        CEs2State target = origin;
-        TransitionEs2State(target, current);
+        TransitionEs2State(live.session, live.answers, target, current);
     }
 }
 BENCHMARK(BM_CompareTexturesOfNeighbours)

@@ -9,14 +9,16 @@ namespace kestrail {
 bool Es1ArraysReach(SPlayerState& player, CCallEntry& entry, SVertices vertices) {
     static CapturedArrays s_noArrays;
     static const CapturedIndices kNoIndices;
-    SEs1Play c{player, entry, entry.GetInfo(), entry.call->m_id, *GetEs1Host(), player.es1Names};
+    SEs1Play c{player,         entry, entry.GetInfo(), entry.call->m_id, player.hosts.Es1(),
+               player.es1Names};
     return CEs1ClientArrays(c, s_noArrays, kNoIndices, vertices, nullptr).Point();
 }
 
 bool Es2ArraysReach(SPlayerState& player, CCallEntry& entry, SVertices vertices) {
     static CapturedArrays s_noArrays;
     static const CapturedIndices kNoIndices;
-    SEs2Play c{player, entry, entry.GetInfo(), entry.call->m_id, *GetEs2Host(), player.names};
+    SEs2Play c{player,         entry, entry.GetInfo(), entry.call->m_id, player.hosts.Es2(),
+               player.es2Names};
     return TClientArrays<SEs2Play>(c, s_noArrays, kNoIndices, vertices).Measure();
 }
 

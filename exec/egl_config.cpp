@@ -5,8 +5,7 @@
 #include <iterator>
 #include <vector>
 
-#include "base/output.h"
-#include "host/egl_host.h"
+#include "host/hosts.h"
 
 namespace kestrail {
 namespace {
@@ -130,8 +129,9 @@ bool Found(const SChoice& choice, EGLint error) {
 }
 
 /// The last resorts: a list of the barest needs, then whatever the host has.
-EGLConfig ChooseBare(SEglHost& host, EGLDisplay display, const SRecordedConfig& recorded) {
-    output::Message("Could not determine equivalent EGLConfig: Using bare config\n");
+EGLConfig ChooseBare(SSession& session, EGLDisplay display, const SRecordedConfig& recorded) {
+    SEglHost& host = session.hosts.Egl();
+    session.diagnostics.Message("Could not determine equivalent EGLConfig: Using bare config\n");
     std::vector<EGLint> bare = {EGL_SURFACE_TYPE, recorded.windowAndPbuffer
                                                       ? EGL_WINDOW_BIT | EGL_PBUFFER_BIT
                                                       : EGL_WINDOW_BIT};
@@ -142,12 +142,12 @@ EGLConfig ChooseBare(SEglHost& host, EGLDisplay display, const SRecordedConfig& 
     SChoice choice = Choose(host, display, bare.data());
     if (Found(choice, host.eglGetError())) return choice.config;
 
-    output::Message("Bare config not valid, getting any available configs...\n");
+    session.diagnostics.Message("Bare config not valid, getting any available configs...\n");
     choice = SChoice{};
     choice.result = host.eglGetConfigs(display, &choice.config, 1, &choice.count);
     if (Found(choice, host.eglGetError())) return choice.config;
 
-    output::Message(
+    session.diagnostics.Message(
         "Could not find any valid EGLConfigs. Please try a different playback platform.\n");
     throw "Impossible to create a proper EGL Context";
 }
@@ -157,38 +157,40 @@ struct SDumpWord {
     const char* text;
 };
 
-void DumpNumber(const char* name, EGLint value) {
-    output::Message("%s=%d", name, value);
+void DumpNumber(Diagnostics& to, const char* name, EGLint value) {
+    to.Message("%s=%d", name, value);
 }
 
 // Kept: the word of the value is on a line of its own; readers match it.
-void DumpWord(const char* name, EGLint value, std::initializer_list<SDumpWord> words) {
-    output::Message("%s=", name);
+void DumpWord(Diagnostics& to, const char* name, EGLint value,
+              std::initializer_list<SDumpWord> words) {
+    to.Message("%s=", name);
     for (const SDumpWord& word : words) {
-        if (word.value == value) return output::Message("%s", word.text);
+        if (word.value == value) return to.Message("%s", word.text);
     }
-    output::Message("%d (Undefined)", value);
+    to.Message("%d (Undefined)", value);
 }
 
-void DumpBits(const char* name, EGLint value, std::initializer_list<SDumpWord> bits) {
-    output::Message("%s=", name);
+void DumpBits(Diagnostics& to, const char* name, EGLint value,
+              std::initializer_list<SDumpWord> bits) {
+    to.Message("%s=", name);
     for (const SDumpWord& bit : bits) {
-        if ((value & bit.value) != 0) output::Message("%s", bit.text);
+        if ((value & bit.value) != 0) to.Message("%s", bit.text);
     }
 }
 
-void DumpPlainValue(const char* name, EGLint value) {
-    output::Message("%s=", name);
-    output::Message("%d", value);
+void DumpPlainValue(Diagnostics& to, const char* name, EGLint value) {
+    to.Message("%s=", name);
+    to.Message("%d", value);
 }
 
-void DumpBoolean(const char* name, EGLint value) {
-    DumpWord(name, value,
+void DumpBoolean(Diagnostics& to, const char* name, EGLint value) {
+    DumpWord(to, name, value,
              {{EGL_DONT_CARE, "EGL_DONT_CARE"}, {EGL_TRUE, "EGL_TRUE"}, {EGL_FALSE, "EGL_FALSE"}});
 }
 
-void DumpApis(const char* name, EGLint value) {
-    DumpBits(name, value,
+void DumpApis(Diagnostics& to, const char* name, EGLint value) {
+    DumpBits(to, name, value,
              {{EGL_OPENGL_ES_BIT, "EGL_OPENGL_ES_BIT "},
               {EGL_OPENVG_BIT, "EGL_OPENVG_BIT "},
               {EGL_OPENGL_ES2_BIT, "EGL_OPENGL_ES2_BIT "},
@@ -196,7 +198,7 @@ void DumpApis(const char* name, EGLint value) {
 }
 
 /// False for a code that names no attribute of a configuration.
-bool DumpAttribute(EGLint code, EGLint value) {
+bool DumpAttribute(Diagnostics& to, EGLint code, EGLint value) {
     static constexpr const char* kNumbers[] = {
         "EGL_BUFFER_SIZE", "EGL_ALPHA_SIZE", "EGL_BLUE_SIZE",   "EGL_GREEN_SIZE",
         "EGL_RED_SIZE",    "EGL_DEPTH_SIZE", "EGL_STENCIL_SIZE"};
@@ -208,38 +210,38 @@ bool DumpAttribute(EGLint code, EGLint value) {
     static constexpr const char* kIntervals[] = {"EGL_MIN_SWAP_INTERVAL", "EGL_MAX_SWAP_INTERVAL",
                                                  "EGL_LUMINANCE_SIZE", "EGL_ALPHA_MASK_SIZE"};
     if (code >= EGL_BUFFER_SIZE && code <= EGL_STENCIL_SIZE) {
-        DumpNumber(kNumbers[code - EGL_BUFFER_SIZE], value);
+        DumpNumber(to, kNumbers[code - EGL_BUFFER_SIZE], value);
     } else if (code >= EGL_CONFIG_ID && code <= EGL_MAX_PBUFFER_WIDTH) {
-        DumpNumber(kLimits[code - EGL_CONFIG_ID], value);
+        DumpNumber(to, kLimits[code - EGL_CONFIG_ID], value);
     } else if (code >= EGL_TRANSPARENT_BLUE_VALUE && code <= EGL_TRANSPARENT_RED_VALUE) {
-        DumpPlainValue(kTransparent[code - EGL_TRANSPARENT_BLUE_VALUE], value);
+        DumpPlainValue(to, kTransparent[code - EGL_TRANSPARENT_BLUE_VALUE], value);
     } else if (code >= EGL_MIN_SWAP_INTERVAL && code <= EGL_ALPHA_MASK_SIZE) {
-        DumpNumber(kIntervals[code - EGL_MIN_SWAP_INTERVAL], value);
+        DumpNumber(to, kIntervals[code - EGL_MIN_SWAP_INTERVAL], value);
     } else {
         switch (code) {
             case EGL_CONFIG_CAVEAT:
-                DumpWord("EGL_CONFIG_CAVEAT", value,
+                DumpWord(to, "EGL_CONFIG_CAVEAT", value,
                          {{EGL_NONE, "EGL_NONE"},
                           {EGL_SLOW_CONFIG, "EGL_SLOW_CONFIG"},
                           {EGL_NON_CONFORMANT_CONFIG, "EGL_NON_CONFORMANT_CONFIG"}});
                 break;
             case EGL_NATIVE_RENDERABLE:
-                DumpBoolean("EGL_NATIVE_RENDERABLE", value);
+                DumpBoolean(to, "EGL_NATIVE_RENDERABLE", value);
                 break;
             case EGL_NATIVE_VISUAL_ID:
-                DumpNumber("EGL_NATIVE_VISUAL_ID", value);
+                DumpNumber(to, "EGL_NATIVE_VISUAL_ID", value);
                 break;
             case EGL_NATIVE_VISUAL_TYPE:
-                DumpPlainValue("EGL_NATIVE_VISUAL_TYPE", value);
+                DumpPlainValue(to, "EGL_NATIVE_VISUAL_TYPE", value);
                 break;
             case EGL_SAMPLES:
-                DumpNumber("EGL_SAMPLES", value);
+                DumpNumber(to, "EGL_SAMPLES", value);
                 break;
             case EGL_SAMPLE_BUFFERS:
-                DumpNumber("EGL_SAMPLE_BUFFERS", value);
+                DumpNumber(to, "EGL_SAMPLE_BUFFERS", value);
                 break;
             case EGL_SURFACE_TYPE:
-                DumpBits("EGL_SURFACE_TYPE", value,
+                DumpBits(to, "EGL_SURFACE_TYPE", value,
                          {{EGL_PBUFFER_BIT, "EGL_PBUFFER_BIT "},
                           {EGL_PIXMAP_BIT, "EGL_PIXMAP_BIT "},
                           {EGL_WINDOW_BIT, "EGL_WINDOW_BIT "},
@@ -249,25 +251,25 @@ bool DumpAttribute(EGLint code, EGLint value) {
                           {EGL_SWAP_BEHAVIOR_PRESERVED_BIT, "EGL_SWAP_BEHAVIOR_PRESERVED_BIT "}});
                 break;
             case EGL_TRANSPARENT_TYPE:
-                DumpWord("EGL_TRANSPARENT_TYPE", value,
+                DumpWord(to, "EGL_TRANSPARENT_TYPE", value,
                          {{EGL_NONE, "EGL_NONE"}, {EGL_TRANSPARENT_RGB, "EGL_TRANSPARENT_RGB"}});
                 break;
             case EGL_BIND_TO_TEXTURE_RGB:
-                DumpBoolean("EGL_BIND_TO_TEXTURE_RGB", value);
+                DumpBoolean(to, "EGL_BIND_TO_TEXTURE_RGB", value);
                 break;
             case EGL_BIND_TO_TEXTURE_RGBA:
-                DumpBoolean("EGL_BIND_TO_TEXTURE_RGBA", value);
+                DumpBoolean(to, "EGL_BIND_TO_TEXTURE_RGBA", value);
                 break;
             case EGL_COLOR_BUFFER_TYPE:
-                DumpWord("EGL_COLOR_BUFFER_TYPE", value,
+                DumpWord(to, "EGL_COLOR_BUFFER_TYPE", value,
                          {{EGL_RGB_BUFFER, "EGL_RGB_BUFFER"},
                           {EGL_LUMINANCE_BUFFER, "EGL_LUMINANCE_BUFFER"}});
                 break;
             case EGL_RENDERABLE_TYPE:
-                DumpApis("EGL_RENDERABLE_TYPE", value);
+                DumpApis(to, "EGL_RENDERABLE_TYPE", value);
                 break;
             case EGL_CONFORMANT:
-                DumpApis("EGL_CONFORMANT", value);
+                DumpApis(to, "EGL_CONFORMANT", value);
                 break;
             default:
                 return false;
@@ -278,24 +280,25 @@ bool DumpAttribute(EGLint code, EGLint value) {
 
 }  // namespace
 
-void DumpEglConfig(EGLConfig config, EGLDisplay display) {
-    SEglHost& host = *GetEglHost();
-    output::Message("\n Final Config: %d", LowWord(config));
+void DumpEglConfig(SSession& session, EGLConfig config, EGLDisplay display) {
+    SEglHost& host = session.hosts.Egl();
+    session.diagnostics.Message("\n Final Config: %d", LowWord(config));
     for (EGLint code = EGL_BUFFER_SIZE; code <= EGL_CONFORMANT; ++code) {
         EGLint value = 0;
         host.eglGetConfigAttrib(display, config, code, &value);
-        if (DumpAttribute(code, value)) output::Message("%s", "");
+        if (DumpAttribute(session.diagnostics, code, value)) session.diagnostics.Message("%s", "");
     }
-    output::Message("%s", "");
+    session.diagnostics.Message("%s", "");
 }
 
-EGLConfig FindEglConfig(CEglNames& names, EGLDisplay display, std::int64_t recordedConfig,
+EGLConfig FindEglConfig(SSession& session, EGLDisplay display, std::int64_t recordedConfig,
                         const EGLint* attributes) {
+    CEglNames& names = session.eglNames;
     const auto recorded = static_cast<CEglNames::Recorded>(recordedConfig);
     if (const EGLConfig* known = names.FindConfig(display, recorded)) return *known;
     if (attributes == nullptr || attributes[0] == EGL_NONE) return nullptr;
 
-    SEglHost& host = *GetEglHost();
+    SEglHost& host = session.hosts.Egl();
     SChoice choice = Choose(host, display, attributes);
     const EGLint firstError = host.eglGetError();
     // Kept: a second look, behind one that cleared the error; drivers that set one and answer pass.
@@ -304,7 +307,7 @@ EGLConfig FindEglConfig(CEglNames& names, EGLDisplay display, std::int64_t recor
         return choice.config;
     }
     // Kept: misspelt, and from the second on each value is one off; readers match it.
-    output::Message(
+    session.diagnostics.Message(
         "Original EGLConfig is not valid (%d), attempting to find a similar valid config. "
         "Error: 0x%x Return value=%d Comfigs found=%d",
         static_cast<int>(recorded), static_cast<unsigned>(recorded >> 32), firstError,
@@ -315,15 +318,16 @@ EGLConfig FindEglConfig(CEglNames& names, EGLDisplay display, std::int64_t recor
     for (std::size_t i = end; i >= config.base + 2; i -= 2) {
         choice = Choose(host, display, config.relaxed.data());
         if (Found(choice, host.eglGetError())) {
-            output::Message("\n Valid config found. Using config: %d", LowWord(choice.config));
-            DumpEglConfig(choice.config, display);
+            session.diagnostics.Message("\n Valid config found. Using config: %d",
+                                        LowWord(choice.config));
+            DumpEglConfig(session, choice.config, display);
             names.SetConfig(display, recorded, choice.config);
             return choice.config;
         }
         // Kept: what the last round gives up is never asked for; drivers choose the same configs.
         Relax(&config.relaxed[i - 2], config.renderable);
     }
-    const EGLConfig bare = ChooseBare(host, display, config);
+    const EGLConfig bare = ChooseBare(session, display, config);
     names.SetConfig(display, recorded, bare);
     return bare;
 }

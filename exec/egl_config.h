@@ -4,17 +4,17 @@
 
 #include <cstdint>
 
-#include "exec/egl_names.h"
+#include "exec/session.h"
 
 namespace kestrail {
 
 /// The live configuration; a null one for a null or empty list. The answer is kept for the display
 /// and the recorded configuration. `attributes` is a list ended by EGL_NONE. Throws the text
 /// "Impossible to create a proper EGL Context" when the host has no configuration.
-EGLConfig FindEglConfig(CEglNames& names, EGLDisplay display, std::int64_t recordedConfig,
+EGLConfig FindEglConfig(SSession& session, EGLDisplay display, std::int64_t recordedConfig,
                         const EGLint* attributes);
 
 /// Prints all attributes of a configuration.
-void DumpEglConfig(EGLConfig config, EGLDisplay display);
+void DumpEglConfig(SSession& session, EGLConfig config, EGLDisplay display);
 
 }  // namespace kestrail

@@ -27,7 +27,7 @@ EPlayed PlayEglCreateContext(SEglPlay& c, SEgl_eglCreateContext call) {
     if (!MakesContexts(c.names.BoundApi())) return EPlayed::kFailed;
     const EGLDisplay display = c.names.GetDisplay(call.dpy());
     const EGLConfig config =
-        FindEglConfig(c.names, display, call.config(), call.attrib_list_config().GetRawArray());
+        FindEglConfig(c.player, display, call.config(), call.attrib_list_config().GetRawArray());
     const EGLContext shared = c.names.GetContext(display, call.share_context());
     Initialize(c, display);
     const EGLint* const attributes = call.attrib_list_contex().GetRawArray();
@@ -90,7 +90,7 @@ EPlayed PlayEglTerminate(SEglPlay& c, SEgl_eglTerminate call) {
     c.names.RemoveDisplay(reinterpret_cast<std::uintptr_t>(display));
     c.names.SetContextValid(false);
     // Kept: of all displays, not of this one; tools compare host calls.
-    c.player.names.ResetNames();
+    c.player.es2Names.ResetNames();
     c.player.es1Names.ResetNames();
     return EPlayed::kPlayed;
 }

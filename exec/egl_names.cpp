@@ -62,123 +62,106 @@ const EGLint* CheckedAttributes(const EGLint* attributes, std::vector<EGLint>& r
     return room.data();
 }
 
-CEglNames::SState CEglNames::s_state;
-
-CEglNames::SState::SState() : context(&contextStates.GetOrCreate(0)) {}
+CEglNames::CEglNames() : m_context(&m_contextStates.GetOrCreate(0)) {}
 
 EGLDisplay CEglNames::GetDisplay(Recorded recorded) const {
     if (recorded == 0) return EGL_NO_DISPLAY;
-    const EGLDisplay* live = s_state.displays.Find(recorded);
+    const EGLDisplay* live = m_displays.Find(recorded);
     return live != nullptr ? *live : EGL_NO_DISPLAY;
 }
 
 void CEglNames::SetDisplay(Recorded recorded, EGLDisplay live, EGLNativeDisplayType native) {
-    s_state.displays.GetOrCreate(recorded) = live;
-    s_state.nativeDisplays.GetOrCreate(Key(live)) = native;
+    m_displays.GetOrCreate(recorded) = live;
+    m_nativeDisplays.GetOrCreate(Key(live)) = native;
 }
 
 EGLNativeDisplayType CEglNames::GetNativeDisplay(EGLDisplay live) const {
     if (live == EGL_NO_DISPLAY) return EGLNativeDisplayType{};
-    const EGLNativeDisplayType* native = s_state.nativeDisplays.Find(Key(live));
+    const EGLNativeDisplayType* native = m_nativeDisplays.Find(Key(live));
     return native != nullptr ? *native : EGLNativeDisplayType{};
 }
 
 EGLSurface CEglNames::GetSurface(EGLDisplay live, Recorded recorded) const {
     if (recorded == 0) return EGL_NO_SURFACE;
-    const EGLSurface* surface = FindNested(s_state.surfaces, live, recorded);
+    const EGLSurface* surface = FindNested(m_surfaces, live, recorded);
     return surface != nullptr ? *surface : EGL_NO_SURFACE;
 }
 
 void CEglNames::SetSurface(EGLDisplay live, Recorded recorded, EGLSurface surface) {
-    s_state.surfaces.GetOrCreate(Key(live)).GetOrCreate(recorded) = surface;
+    m_surfaces.GetOrCreate(Key(live)).GetOrCreate(recorded) = surface;
 }
 
 void CEglNames::RemoveSurface(EGLDisplay live, Recorded recorded) {
-    EraseNested(s_state.surfaces, live, recorded);
+    EraseNested(m_surfaces, live, recorded);
 }
 
 EGLContext CEglNames::GetContext(EGLDisplay live, Recorded recorded) {
     if (recorded == 0) return EGL_NO_CONTEXT;
     // Kept: makes an entry on a miss, unlike GetSurface; ClearDisplay counts the tables.
-    return s_state.contexts.GetOrCreate(Key(live)).GetOrCreate(recorded);
+    return m_contexts.GetOrCreate(Key(live)).GetOrCreate(recorded);
 }
 
 void CEglNames::SetContext(EGLDisplay live, Recorded recorded, EGLContext context,
                            std::int32_t version) {
-    s_state.contexts.GetOrCreate(Key(live)).GetOrCreate(recorded) = context;
+    m_contexts.GetOrCreate(Key(live)).GetOrCreate(recorded) = context;
     if (context == EGL_NO_CONTEXT) return;
     // A host may hand out the handle of a destroyed context again; the new one starts afresh.
-    SContextState& state = s_state.contextStates.GetOrCreate(Key(context));
+    SContextState& state = m_contextStates.GetOrCreate(Key(context));
     state = SContextState{};
     state.version = version;
 }
 
 void CEglNames::RemoveContext(EGLDisplay live, Recorded recorded) {
     // One that is current stays in use until another one is.
-    SContextState* state = s_state.contextStates.Find(Key(GetContext(live, recorded)));
-    if (state != nullptr && state != s_state.context) *state = SContextState{};
-    EraseNested(s_state.contexts, live, recorded);
+    SContextState* state = m_contextStates.Find(Key(GetContext(live, recorded)));
+    if (state != nullptr && state != m_context) *state = SContextState{};
+    EraseNested(m_contexts, live, recorded);
 }
 
 const EGLConfig* CEglNames::FindConfig(EGLDisplay live, Recorded recorded) const {
-    return FindNested(s_state.configs, live, recorded);
+    return FindNested(m_configs, live, recorded);
 }
 
 void CEglNames::SetConfig(EGLDisplay live, Recorded recorded, EGLConfig config) {
-    s_state.configs.GetOrCreate(Key(live)).GetOrCreate(recorded) = config;
-}
-
-void CEglNames::ResetNames() {
-    s_state.displays.Clear();
-    s_state.nativeDisplays.Clear();
-    s_state.surfaces.Clear();
-    s_state.contexts.Clear();
-    s_state.configs.Clear();
-    s_state.contextStates.Clear();
-    UseContext(EGL_NO_CONTEXT);
-    s_state.contextValid = false;
-    s_state.boundApi = EGL_OPENGL_ES_API;
-    s_state.liveWidth = s_state.liveHeight = 0;
-    s_state.recordedWidth = s_state.recordedHeight = 0;
-    s_state.surfaceDisplay = EGL_NO_DISPLAY;
+    m_configs.GetOrCreate(Key(live)).GetOrCreate(recorded) = config;
 }
 
 void CEglNames::ClearDisplay(EGLDisplay live) {
-    auto* surfaces = s_state.surfaces.Find(Key(live));
+    auto* surfaces = m_surfaces.Find(Key(live));
     if (surfaces != nullptr) surfaces->Clear();
-    auto* contexts = s_state.contexts.Find(Key(live));
+    auto* contexts = m_contexts.Find(Key(live));
     if (contexts != nullptr) contexts->Clear();
     // Kept: the last table goes, whosever it is; recordings of one display know no other.
-    if (s_state.contexts.Count() == 1) s_state.contexts.Clear();
+    if (m_contexts.Count() == 1) m_contexts.Clear();
 }
 
 void CEglNames::RemoveDisplay(Recorded recorded) {
-    const EGLDisplay* found = s_state.displays.Find(recorded);
+    const EGLDisplay* found = m_displays.Find(recorded);
     if (found == nullptr) return;
     const std::uint64_t live = Key(*found);
-    s_state.displays.Erase(recorded);
-    s_state.nativeDisplays.Erase(live);
-    s_state.surfaces.Erase(live);
-    s_state.contexts.Erase(live);
-    s_state.configs.Erase(live);
+    m_displays.Erase(recorded);
+    m_nativeDisplays.Erase(live);
+    m_surfaces.Erase(live);
+    m_contexts.Erase(live);
+    m_configs.Erase(live);
 }
 
 void CEglNames::SurfaceGeometry(std::int32_t& liveWidth, std::int32_t& liveHeight,
                                 std::int32_t& recordedWidth, std::int32_t& recordedHeight,
                                 EGLDisplay& display) {
-    StoreOrLoad(liveWidth, s_state.liveWidth);
-    StoreOrLoad(liveHeight, s_state.liveHeight);
-    StoreOrLoad(recordedWidth, s_state.recordedWidth);
-    StoreOrLoad(recordedHeight, s_state.recordedHeight);
+    StoreOrLoad(liveWidth, m_liveWidth);
+    StoreOrLoad(liveHeight, m_liveHeight);
+    StoreOrLoad(recordedWidth, m_recordedWidth);
+    StoreOrLoad(recordedHeight, m_recordedHeight);
     if (display == EGL_NO_DISPLAY) {
-        display = s_state.surfaceDisplay;
+        display = m_surfaceDisplay;
     } else {
-        s_state.surfaceDisplay = display;
+        m_surfaceDisplay = display;
     }
 }
 
 void CEglNames::UseContext(EGLContext context) {
-    s_state.context = &s_state.contextStates.GetOrCreate(Key(context));
+    m_context = &m_contextStates.GetOrCreate(Key(context));
 }
 
 }  // namespace kestrail

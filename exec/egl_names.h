@@ -1,6 +1,5 @@
 // EGL handles of the recording against those of the host, the size of the current surface, and what
-// the player has given to each context. Empty objects; the state behind them is one for the
-// process.
+// the player has given to each context.
 #pragma once
 
 #include <cstdint>
@@ -44,6 +43,10 @@ public:
     /// Recorded handles are 64-bit keys, whatever width the recording had.
     using Recorded = std::uint64_t;
 
+    CEglNames();
+    CEglNames(const CEglNames&) = delete;
+    CEglNames& operator=(const CEglNames&) = delete;
+
     /// EGL_NO_DISPLAY for 0 and for an unknown handle.
     EGLDisplay GetDisplay(Recorded recorded) const;
     void SetDisplay(Recorded recorded, EGLDisplay live, EGLNativeDisplayType native);
@@ -60,8 +63,6 @@ public:
     const EGLConfig* FindConfig(EGLDisplay live, Recorded recorded) const;
     void SetConfig(EGLDisplay live, Recorded recorded, EGLConfig config);
 
-    /// Forgets everything, as at the start of the process.
-    void ResetNames();
     /// Empties the display's tables of surfaces and contexts.
     void ClearDisplay(EGLDisplay live);
     /// Forgets the display and all that hangs from it.
@@ -74,48 +75,43 @@ public:
                          EGLDisplay& display);
 
     /// A context is usable: what GL executors test before they touch the host.
-    bool ContextValid() const { return s_state.contextValid; }
-    void SetContextValid(bool valid) { s_state.contextValid = valid; }
+    bool ContextValid() const { return m_contextValid; }
+    void SetContextValid(bool valid) { m_contextValid = valid; }
 
     /// What the host last took from eglBindAPI.
-    EGLenum BoundApi() const { return s_state.boundApi; }
-    void SetBoundApi(EGLenum api) { s_state.boundApi = api; }
+    EGLenum BoundApi() const { return m_boundApi; }
+    void SetBoundApi(EGLenum api) { m_boundApi = api; }
 
     /// Of the context in use.
-    SContextState& Context() { return *s_state.context; }
-    SPixelStore& PixelStore() { return s_state.context->pixelStore; }
+    SContextState& Context() { return *m_context; }
+    SPixelStore& PixelStore() { return m_context->pixelStore; }
     /// What calls set from now on they set for that context; EGL_NO_CONTEXT for none.
     void UseContext(EGLContext context);
 
     /// By their start, the pieces of buffers that glMapBufferRange gave, and how many bytes of each
     /// may be written.
     using MappedRanges = std::map<const void*, std::int64_t>;
-    MappedRanges& Mapped() { return s_state.mapped; }
+    MappedRanges& Mapped() { return m_mapped; }
 
 private:
     template <typename Live>
     using PerDisplay = TNameTable<std::uint64_t, TNameTable<std::uint64_t, Live>>;
 
-    struct SState {
-        SState();
-        TNameTable<std::uint64_t, EGLDisplay> displays;
-        TNameTable<std::uint64_t, EGLNativeDisplayType> nativeDisplays;
-        PerDisplay<EGLSurface> surfaces;
-        PerDisplay<EGLContext> contexts;
-        PerDisplay<EGLConfig> configs;
-        TNameTable<std::uint64_t, SContextState> contextStates;
-        SContextState* context;
-        MappedRanges mapped;
-        bool contextValid = false;
-        EGLenum boundApi = EGL_OPENGL_ES_API;
-        std::int32_t liveWidth = 0;
-        std::int32_t liveHeight = 0;
-        std::int32_t recordedWidth = 0;
-        std::int32_t recordedHeight = 0;
-        EGLDisplay surfaceDisplay = EGL_NO_DISPLAY;
-    };
-
-    static SState s_state;
+    TNameTable<std::uint64_t, EGLDisplay> m_displays;
+    TNameTable<std::uint64_t, EGLNativeDisplayType> m_nativeDisplays;
+    PerDisplay<EGLSurface> m_surfaces;
+    PerDisplay<EGLContext> m_contexts;
+    PerDisplay<EGLConfig> m_configs;
+    TNameTable<std::uint64_t, SContextState> m_contextStates;
+    SContextState* m_context;
+    MappedRanges m_mapped;
+    bool m_contextValid = false;
+    EGLenum m_boundApi = EGL_OPENGL_ES_API;
+    std::int32_t m_liveWidth = 0;
+    std::int32_t m_liveHeight = 0;
+    std::int32_t m_recordedWidth = 0;
+    std::int32_t m_recordedHeight = 0;
+    EGLDisplay m_surfaceDisplay = EGL_NO_DISPLAY;
 };
 
 }  // namespace kestrail

@@ -1,5 +1,4 @@
 // Windows, pbuffers, and presenting them.
-#include "base/output.h"
 #include "exec/egl_config.h"
 #include "exec/egl_executor.h"
 #include "exec/surface_size.h"
@@ -36,18 +35,19 @@ EPlayed PlayEglReleaseTexImage(SEglPlay& c, SEgl_eglReleaseTexImage call) {
     return EPlayed::kPlayed;
 }
 
-EPlayed PlayEglCopyBuffers(SEglPlay&, SEgl_eglCopyBuffers) {
-    output::Warning("Not Implemented. Call using pixmap, skipping");
+EPlayed PlayEglCopyBuffers(SEglPlay& c, SEgl_eglCopyBuffers) {
+    c.player.diagnostics.Tell(EDiagnostic::kWarning,
+                              "Not Implemented. Call using pixmap, skipping");
     return EPlayed::kLeftOut;
 }
 
-EPlayed PlayEglCreatePixmapSurface(SEglPlay&, SEgl_eglCreatePixmapSurface) {
-    output::Warning("Pixmaps not supported in playback");
+EPlayed PlayEglCreatePixmapSurface(SEglPlay& c, SEgl_eglCreatePixmapSurface) {
+    c.player.diagnostics.Tell(EDiagnostic::kWarning, "Pixmaps not supported in playback");
     return EPlayed::kLeftOut;
 }
 
-EPlayed PlayEglCreatePbufferFromClientBuffer(SEglPlay&, SEgl_eglCreatePbufferFromClientBuffer) {
-    output::Warning("Pbuffers not supported in playback (client)");
+EPlayed PlayEglCreatePbufferFromClientBuffer(SEglPlay& c, SEgl_eglCreatePbufferFromClientBuffer) {
+    c.player.diagnostics.Tell(EDiagnostic::kWarning, "Pbuffers not supported in playback (client)");
     return EPlayed::kLeftOut;
 }
 
@@ -55,7 +55,7 @@ EPlayed PlayEglCreatePbufferSurface(SEglPlay& c, SEgl_eglCreatePbufferSurface ca
     const EGLDisplay display = c.names.GetDisplay(call.dpy());
     // Kept: by a list that no recording holds: a config found before, or none.
     const EGLConfig config =
-        FindEglConfig(c.names, display, call.config(), call.SurfaceDesc().GetRawArray());
+        FindEglConfig(c.player, display, call.config(), call.SurfaceDesc().GetRawArray());
     const EGLSurface surface =
         c.host.eglCreatePbufferSurface(display, config, call.attrib_list().GetRawArray());
     c.names.SetSurface(display, call.result(), surface);
@@ -70,7 +70,7 @@ EPlayed PlayEglCreateWindowSurface(SEglPlay& c, SEgl_eglCreateWindowSurface call
     if (c.names.GetSurface(display, recorded) != EGL_NO_SURFACE) return EPlayed::kLeftOut;
 
     const EGLConfig config =
-        FindEglConfig(c.names, display, call.config(), call.attrib_list_config().GetRawArray());
+        FindEglConfig(c.player, display, call.config(), call.attrib_list_config().GetRawArray());
     const auto& window = call.win();
     const NativeWindow native = c.player.environment.GetWindow(
         window.handle.GetValue(), window.width, window.height, c.names.GetNativeDisplay(display));
@@ -80,8 +80,9 @@ EPlayed PlayEglCreateWindowSurface(SEglPlay& c, SEgl_eglCreateWindowSurface call
     c.player.lastError = static_cast<std::uint32_t>(c.host.eglGetError());
     // Kept: told, and played all the same; readers match it.
     if (c.player.lastError != EGL_SUCCESS) {
-        output::Error("eglCreateWindowSurface EGL Error Code: 0x%lx, CallID = %d\n",
-                      static_cast<unsigned long>(c.player.lastError), c.id);
+        c.player.diagnostics.Tell(EDiagnostic::kError,
+                                  "eglCreateWindowSurface EGL Error Code: 0x%lx, CallID = %d\n",
+                                  static_cast<unsigned long>(c.player.lastError), c.id);
     }
     LearnSurfaceSize(c, display, surface, false, window.width, window.height);
     c.names.SetSurface(display, recorded, surface);
@@ -103,7 +104,7 @@ EPlayed PlayEglQuerySurface(SEglPlay& c, SEgl_eglQuerySurface call) {
     if (display != c.names.GetDisplay(call.dpy()) || !unknownSize) return EPlayed::kPlayed;
 
     // Kept: said for any attribute that is asked; readers match it.
-    output::Message("Invalid Screen Size (Android bug). Fixing...");
+    c.player.diagnostics.Message("Invalid Screen Size (Android bug). Fixing...");
     const EGLint attribute = call.attribute();
     const auto& answer = call.value();
     if (answer.ItemCount() == 0) return EPlayed::kPlayed;

@@ -7,7 +7,6 @@
 #include <optional>
 
 #include "base/enumerants.h"
-#include "base/output.h"
 #include "calls/model/client_arrays.h"
 #include "exec/client_memory.h"
 #include "exec/draw_indices.h"
@@ -150,7 +149,8 @@ private:
             const GLenum stride = kArrayKinds[std::min<int>(kind, kFirstTexture)].stride;
             const SArrayReach reach{vertexBytes, Integer(m_c.host, stride), m_vertices.count};
             m_sound = m_sound && memory.Reaches(index, state.pointer, reach);
-            if (!m_byPosition && m_missing != nullptr) output::Message("%s", m_missing);
+            if (!m_byPosition && m_missing != nullptr)
+                m_c.player.diagnostics.Message("%s", m_missing);
             return;
         }
         const CClientMemory::STaken taken =

@@ -16,7 +16,7 @@ namespace {
 bool PointArrays(SEs1Play& c, CEs1ClientArrays& arrays, SVertices vertices) {
     const auto arrayBuffer = static_cast<GLuint>(Integer(c.host, GL_ARRAY_BUFFER_BINDING));
     c.host.glBindBuffer(GL_ARRAY_BUFFER, 0);
-    EnsureExtensionResolver(c.names);
+    EnsureEs1ExtensionResolver(c.player);
     const bool sound = arrays.Point();
     c.host.glBindBuffer(GL_ARRAY_BUFFER, arrayBuffer);
     CorrectViewport(c.player, c.names.ViewportDirty(), c.host);

@@ -7,7 +7,7 @@
 namespace kestrail {
 
 bool CheckEs1Error(SPlayerState& player) {
-    player.lastError = GetEs1Host()->glGetError();
+    player.lastError = player.hosts.Es1().glGetError();
     // Kept: without a message of its own, unlike ES2; readers match what follows.
     return player.lastError == GL_NO_ERROR;
 }
@@ -18,7 +18,7 @@ bool PlayEs1Call(SPlayerState& player, CCallEntry& entry) {
     if (call.HadFailed()) return true;
     if (LeavesOutEs1Call(call.m_id)) return true;
     // Kept: no test for a context, unlike ES2 and ES3; tools compare host calls.
-    SEs1Play c{player, entry, entry.GetInfo(), call.m_id, *GetEs1Host(), player.es1Names};
+    SEs1Play c{player, entry, entry.GetInfo(), call.m_id, player.hosts.Es1(), player.es1Names};
     const EPlayed played = PlayEs1Case(c);
     if (played != EPlayed::kPlayed) return played == EPlayed::kLeftOut;
     return player.checkErrors ? CheckEs1Error(player) : true;
@@ -45,7 +45,7 @@ EPlayed PlayGlTexImage2D(SEs1Play& c, SEs1_glTexImage2D call) {
 }
 
 EPlayed PlayGlPointSizePointerOES(SEs1Play& c, SEs1_glPointSizePointerOES call) {
-    EnsureExtensionResolver(c.names);
+    EnsureEs1ExtensionResolver(c.player);
     c.host.glPointSizePointerOES(call.type(), call.stride(), AsPointer(call.pointerPlayback()));
     return EPlayed::kPlayed;
 }

@@ -2,20 +2,18 @@
 
 namespace kestrail {
 
-CEs1Names::SState CEs1Names::s_state;
-
-CEs1Names::SState::SState() {
-    buffers.Set(0, 0);
-    renderbuffers.Set(0, 0);
-    framebuffers.Set(0, 0);
+CEs1Names::CEs1Names() {
+    m_buffers.Set(0, 0);
+    m_renderbuffers.Set(0, 0);
+    m_framebuffers.Set(0, 0);
 }
 
 void CEs1Names::ResetNames() {
-    s_state.vertexArrays.Clear();
-    s_state.buffers.Clear();
-    s_state.textures.Clear();
-    s_state.extensionsResolved = false;
-    s_state.buffers.Set(0, 0);
+    m_vertexArrays.Clear();
+    m_buffers.Clear();
+    m_textures.Clear();
+    m_extensionsResolved = false;
+    m_buffers.Set(0, 0);
 }
 
 }  // namespace kestrail

@@ -12,32 +12,29 @@ public:
     using Names = TNameMap<std::uint32_t>;
     static constexpr std::uint32_t kUnknown = 0xFFFFFFFFu;
 
-    Names& Buffers() { return s_state.buffers; }
-    Names& Textures() { return s_state.textures; }
-    Names& Framebuffers() { return s_state.framebuffers; }
-    Names& Renderbuffers() { return s_state.renderbuffers; }
-    Names& VertexArrays() { return s_state.vertexArrays; }
+    CEs1Names();
 
-    bool& ViewportDirty() { return s_state.viewportDirty; }
+    Names& Buffers() { return m_buffers; }
+    Names& Textures() { return m_textures; }
+    Names& Framebuffers() { return m_framebuffers; }
+    Names& Renderbuffers() { return m_renderbuffers; }
+    Names& VertexArrays() { return m_vertexArrays; }
+
+    bool& ViewportDirty() { return m_viewportDirty; }
     /// The extension entries of this API's host table are filled for the context.
-    bool& ExtensionsResolved() { return s_state.extensionsResolved; }
+    bool& ExtensionsResolved() { return m_extensionsResolved; }
 
     /// Forgets vertex arrays, buffers and textures; the buffer 0 stays 0.
     void ResetNames();
 
 private:
-    struct SState {
-        SState();
-        Names buffers{kUnknown};
-        Names textures{0};
-        Names framebuffers{kUnknown};
-        Names renderbuffers{kUnknown};
-        Names vertexArrays{0};
-        bool viewportDirty = false;
-        bool extensionsResolved = false;
-    };
-
-    static SState s_state;
+    Names m_buffers{kUnknown};
+    Names m_textures{0};
+    Names m_framebuffers{kUnknown};
+    Names m_renderbuffers{kUnknown};
+    Names m_vertexArrays{0};
+    bool m_viewportDirty = false;
+    bool m_extensionsResolved = false;
 };
 
 }  // namespace kestrail

@@ -9,7 +9,6 @@
 #include <optional>
 
 #include "base/enumerants.h"
-#include "base/output.h"
 #include "calls/model/client_arrays.h"
 #include "exec/client_memory.h"
 #include "exec/draw_indices.h"
@@ -148,7 +147,7 @@ private:
         if (array >= m_arrays.items.size()) MeasureAs(index, pointer, vertexBytes);
         if (array == ~std::size_t{0}) {
             // Kept: spelled like that; readers match it.
-            output::Message(
+            m_c.player.diagnostics.Message(
                 "%s: No enought Data. No Pointer replaced with real memory. %s would crash.", draw,
                 draw);
             return false;

@@ -2,7 +2,6 @@
 // a translation lives as long as the host's object: a name without a record fails.
 #include <algorithm>
 
-#include "base/output.h"
 #include "generated/exec/es2_cases.h"
 
 namespace kestrail {
@@ -114,9 +113,9 @@ EPlayed PlayGlLinkProgram(SEs2Play& c, SEs2_glLinkProgram call) {
     GLuint shaders[2] = {0, 0};
     GLsizei count = 0;
     c.host.glGetAttachedShaders(live, 2, &count, shaders);
-    output::Message("Playback Link Status: %d <Link Program: %d> Shaders(%d,%d)     \n Log: %s",
-                    status, static_cast<int>(live), static_cast<int>(shaders[0]),
-                    static_cast<int>(shaders[1]), log);
+    c.player.diagnostics.Message(
+        "Playback Link Status: %d <Link Program: %d> Shaders(%d,%d)     \n Log: %s", status,
+        static_cast<int>(live), static_cast<int>(shaders[0]), static_cast<int>(shaders[1]), log);
     return EPlayed::kPlayed;
 }
 

@@ -2,11 +2,10 @@
 
 #include <algorithm>
 
-#include "base/output.h"
 #include "exec/es2_executor.h"
 #include "exec/indexed_draws.h"
 #include "generated/exec/es3_cases.h"
-#include "host/es2_host.h"
+#include "host/hosts.h"
 
 namespace kestrail {
 namespace {
@@ -25,22 +24,22 @@ bool PlayEs3Call(SPlayerState& player, CCallEntry& entry) {
     const CApiCall& call = *entry.call;
     // Kept: fails, where other families leave it out; readers expect both lines.
     if (call.HadFailed()) {
-        output::Message("Es3 Call:Error. (Recorded GL_ERROR) %s", call.GetName());
+        player.diagnostics.Message("Es3 Call:Error. (Recorded GL_ERROR) %s", call.GetName());
         return false;
     }
     if (!player.eglNames.ContextValid()) {
-        output::Message("Es3 Call:Error. Invalid context");
+        player.diagnostics.Message("Es3 Call:Error. Invalid context");
         return false;
     }
     if (!player.defaultFramebufferKnown) {
         player.defaultFramebufferKnown = true;
         GLint framebuffer = 0;
-        GetEs2Host()->glGetIntegerv(GL_FRAMEBUFFER_BINDING, &framebuffer);
+        player.hosts.Es2().glGetIntegerv(GL_FRAMEBUFFER_BINDING, &framebuffer);
         player.defaultFramebuffer = static_cast<std::uint32_t>(framebuffer);
     }
     if (player.checkErrors) player.currentCallName = call.GetName();
 
-    SEs3Play c{player, entry, entry.GetInfo(), call.m_id, *GetEs3Host(), player.names};
+    SEs3Play c{player, entry, entry.GetInfo(), call.m_id, player.hosts.Es3(), player.es2Names};
     const EPlayed played = PlayEs3Case(c);
     if (played != EPlayed::kPlayed) return played == EPlayed::kLeftOut;
     // Kept: told as one of ES2; readers match it.

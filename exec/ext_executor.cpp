@@ -4,11 +4,10 @@
 #include <cstring>
 
 #include "base/enumerants.h"
-#include "base/output.h"
 #include "exec/extension_resolver.h"
 #include "generated/calls/identifiers.h"
 #include "generated/exec/ext_cases.h"
-#include "host/egl_host.h"
+#include "host/hosts.h"
 
 namespace kestrail {
 namespace {
@@ -19,41 +18,41 @@ constexpr std::uint32_t kApiEs2 = 2;
 // Kept: not a word, and EGL's success is taken for an error; readers match what follows.
 bool CheckExtError(SPlayerState& player, std::uint32_t api) {
     if (api == kApiEs1) {
-        player.lastError = GetEs1Host()->glGetError();
+        player.lastError = player.hosts.Es1().glGetError();
     } else if (api == kApiEs2) {
-        player.lastError = GetEs2Host()->glGetError();
+        player.lastError = player.hosts.Es2().glGetError();
     } else {
-        player.lastError = static_cast<std::uint32_t>(GetEglHost()->eglGetError());
+        player.lastError = static_cast<std::uint32_t>(player.hosts.Egl().eglGetError());
     }
     return player.lastError == 0;
 }
 
 /// What the host can do in place of the samples that the application asked for.
-GLsizei SupportedSamples(GLsizei requested, const char* caller) {
+GLsizei SupportedSamples(SSession& session, GLsizei requested, const char* caller) {
     GLint most = 0;
     // Kept: asked of ES2 whatever the API; tools compare host calls.
-    GetEs2Host()->glGetIntegerv(GL_MAX_SAMPLES_IMG, &most);
+    session.hosts.Es2().glGetIntegerv(GL_MAX_SAMPLES_IMG, &most);
     if (requested <= most) return requested;
-    output::Message("%s:  Requested samples is not supported (%d), set to %d\n", caller, requested,
-                    most);
+    session.diagnostics.Message("%s:  Requested samples is not supported (%d), set to %d\n", caller,
+                                requested, most);
     return most;
 }
 
-GLsizei StorageSamples(SExt_glRenderbufferStorageMultisampleQVA call) {
+GLsizei StorageSamples(SSession& session, SExt_glRenderbufferStorageMultisampleQVA call) {
     // Kept: with the prefix that its relative hasn't; readers match it.
-    return SupportedSamples(call.samples(), "ID_EXT_glRenderbufferStorageMultisampleQVA");
+    return SupportedSamples(session, call.samples(), "ID_EXT_glRenderbufferStorageMultisampleQVA");
 }
 
-GLsizei TextureSamples(SExt_glFramebufferTexture2DMultisampleQVA call) {
-    return SupportedSamples(call.samples(), "glFramebufferTexture2DMultisampleQVA");
+GLsizei TextureSamples(SSession& session, SExt_glFramebufferTexture2DMultisampleQVA call) {
+    return SupportedSamples(session, call.samples(), "glFramebufferTexture2DMultisampleQVA");
 }
 
-EPlayed PlayElsewhere(const CGenCallInfo& info, std::uint16_t id) {
+EPlayed PlayElsewhere(SSession& session, const CGenCallInfo& info, std::uint16_t id) {
     if (id == ext_id::glRenderbufferStorageMultisampleQVA) {
-        StorageSamples(SExt_glRenderbufferStorageMultisampleQVA(info));
+        StorageSamples(session, SExt_glRenderbufferStorageMultisampleQVA(info));
     }
     if (id == ext_id::glFramebufferTexture2DMultisampleQVA) {
-        TextureSamples(SExt_glFramebufferTexture2DMultisampleQVA(info));
+        TextureSamples(session, SExt_glFramebufferTexture2DMultisampleQVA(info));
     }
     return PlayExtElsewhere(id);
 }
@@ -63,15 +62,15 @@ EPlayed Play(SPlayerState& player, CCallEntry& entry, std::uint32_t api) {
     const std::uint16_t id = entry.call->m_id;
     EPlayed played = EPlayed::kElsewhere;
     if (api == kApiEs1) {
-        EnsureExtensionResolver(player.es1Names);
-        SEs1Play c{player, entry, info, id, *GetEs1Host(), player.es1Names};
+        EnsureEs1ExtensionResolver(player);
+        SEs1Play c{player, entry, info, id, player.hosts.Es1(), player.es1Names};
         played = PlayExtEs1Case(c);
     } else if (api == kApiEs2) {
-        EnsureExtensionResolver(player.names);
-        SEs2Play c{player, entry, info, id, *GetEs2Host(), player.names};
+        EnsureEs2ExtensionResolver(player);
+        SEs2Play c{player, entry, info, id, player.hosts.Es2(), player.es2Names};
         played = PlayExtEs2Case(c);
     }
-    return played == EPlayed::kElsewhere ? PlayElsewhere(info, id) : played;
+    return played == EPlayed::kElsewhere ? PlayElsewhere(player, info, id) : played;
 }
 
 }  // namespace
@@ -79,16 +78,17 @@ EPlayed Play(SPlayerState& player, CCallEntry& entry, std::uint32_t api) {
 EPlayed PlayGlBindRenderbufferOES(SEs1Play& c, SExt_glBindRenderbufferOES call) {
     if (c.host.glBindRenderbufferOES == nullptr) return EPlayed::kMissing;
     // Kept: an unknown name is made through ES2; tools compare host calls.
-    const GLuint live = LiveOrGenerated(
-        c.names.Renderbuffers(), call.renderbuffer(),
-        [](GLsizei count, GLuint* names) { GetEs2Host()->glGenRenderbuffers(count, names); });
+    const GLuint live = LiveOrGenerated(c.names.Renderbuffers(), call.renderbuffer(),
+                                        [&c](GLsizei count, GLuint* names) {
+                                            c.player.hosts.Es2().glGenRenderbuffers(count, names);
+                                        });
     c.host.glBindRenderbufferOES(call.target(), live);
     return EPlayed::kPlayed;
 }
 
 EPlayed PlayGlRenderbufferStorageMultisampleQVA(SEs2Play& c,
                                                 SExt_glRenderbufferStorageMultisampleQVA call) {
-    const GLsizei samples = StorageSamples(call);
+    const GLsizei samples = StorageSamples(c.player, call);
     if (c.host.glRenderbufferStorageMultisampleQVA == nullptr) return EPlayed::kMissing;
     c.host.glRenderbufferStorageMultisampleQVA(call.target(), samples, call.internalformat(),
                                                call.width(), call.height());
@@ -97,7 +97,7 @@ EPlayed PlayGlRenderbufferStorageMultisampleQVA(SEs2Play& c,
 
 EPlayed PlayGlFramebufferTexture2DMultisampleQVA(SEs2Play& c,
                                                  SExt_glFramebufferTexture2DMultisampleQVA call) {
-    const GLsizei samples = TextureSamples(call);
+    const GLsizei samples = TextureSamples(c.player, call);
     if (c.host.glFramebufferTexture2DMultisampleQVA == nullptr) return EPlayed::kMissing;
     c.host.glFramebufferTexture2DMultisampleQVA(call.target(), call.attachment(), call.textarget(),
                                                 c.names.Textures().Get(call.texture()),
@@ -164,8 +164,9 @@ bool PlayExtCall(SPlayerState& player, CCallEntry& entry) {
     // What this executor has no case for is not the call that a later error is told of.
     if (played == EPlayed::kFailed) player.currentCallName = before;
     if (played == EPlayed::kMissing) {
-        output::Warning("The extension function '%s' is not available on this platform\n",
-                        player.currentCallName);
+        player.diagnostics.Tell(EDiagnostic::kWarning,
+                                "The extension function '%s' is not available on this platform\n",
+                                player.currentCallName);
         return true;
     }
     if (played != EPlayed::kPlayed) return played == EPlayed::kLeftOut;

@@ -2,10 +2,7 @@
 // first call needs one, by the context's list of extensions.
 #pragma once
 
-#include <cstdint>
-
-#include "exec/es1_names.h"
-#include "exec/es2_names.h"
+#include "exec/session.h"
 
 namespace kestrail {
 
@@ -15,7 +12,7 @@ bool HasExtension(const char* list, const char* name);
 
 /// Fills the API's slots of extension entries, unless that is done. Without an answer from the
 /// host, the next call tries again.
-void EnsureExtensionResolver(CEs1Names& names);
-void EnsureExtensionResolver(CEs2Names& names);
+void EnsureEs1ExtensionResolver(SSession& session);
+void EnsureEs2ExtensionResolver(SSession& session);
 
 }  // namespace kestrail

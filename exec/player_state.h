@@ -1,23 +1,16 @@
-// What a player shares with the executors: the names, the surface's default framebuffer, the flags
-// and the last error. Players derive from it, so that executors need not know players.
+// What a player shares with the executors: its session, the surface's default framebuffer, the
+// flags and the last error. Players derive from it, so that executors need not know players.
 #pragma once
 
 #include <cstdint>
 
-#include "exec/egl_names.h"
-#include "exec/es1_names.h"
-#include "exec/es2_names.h"
-#include "host/os_environment.h"
+#include "exec/session.h"
 #include "tracefile/document/frame_store.h"
 
 namespace kestrail {
 
-struct SPlayerState {
+struct SPlayerState : SSession {
     CFrameStore* store = nullptr;  ///< the trace, not owned
-    COsEnvironment environment;
-    CEglNames eglNames;
-    CEs1Names es1Names;
-    CEs2Names names;
     /// What was bound to GL_FRAMEBUFFER when the first ES2 call played, once it is known.
     std::uint32_t defaultFramebuffer = 0;
     bool defaultFramebufferKnown = false;

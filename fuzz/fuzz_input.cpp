@@ -7,10 +7,6 @@
 #include <cstdlib>
 
 #include "base/output.h"
-#include "exec/egl_names.h"
-#include "exec/es1_names.h"
-#include "exec/es2_names.h"
-#include "host/os_environment.h"
 #include "tracefile/document/trace_document.h"
 
 namespace kestrail {
@@ -33,14 +29,6 @@ void Silence() {
     const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
     dup2(nowhere, STDOUT_FILENO);
     close(nowhere);
-}
-
-void ForgetHost() {
-    output::Flush();
-    COsEnvironment().DestroyAll();
-    CEglNames().ResetNames();
-    CEs1Names().ResetNames();
-    CEs2Names().ResetNames();
 }
 
 void SetReadBlock(std::uint32_t bytes) {

@@ -1,5 +1,5 @@
-// What the fuzz targets share: an input as a file that the player can open, and the process between
-// two inputs.
+// What the fuzz targets share: an input as a file that the player can open, and the process around
+// it.
 #pragma once
 
 #include <cstddef>
@@ -25,10 +25,6 @@ private:
 
 /// Sends standard output to nowhere for good.
 void Silence();
-
-/// Brings what lives as long as the process back to how a player finds it at its start, so that an
-/// input does the same whatever was run before it.
-void ForgetHost();
 
 /// The block that files are read through, which the next file opened gets.
 void SetReadBlock(std::uint32_t bytes);

@@ -1,4 +1,5 @@
 // Loads an input as a trace, whole and streamed, and builds all texts of its calls.
+#include "base/output.h"
 #include "calls/model/api_call.h"
 #include "fuzz/fuzz_input.h"
 #include "tracefile/bytes/memory_manager.h"
@@ -80,6 +81,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     kestrail::LoadWhole(path, kestrail::MemoryManager::kBlockSize);
     const std::uint32_t count = kestrail::LoadWhole(path, kestrail::kSmallBlock);
     kestrail::LoadStreamed(path, kestrail::kSmallBlock, 2 * count + 16);
-    kestrail::ForgetHost();
+    kestrail::output::Flush();
     return 0;
 }

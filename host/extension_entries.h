@@ -6,7 +6,7 @@
 #include <span>
 
 #include "base/enumerants.h"
-#include "host/host_lib.h"
+#include "host/entry_table.h"
 
 namespace kestrail {
 

@@ -1,12 +1,11 @@
 // A library of the platform, opened at run time, and the finding of its entry points. The program
-// links to no graphics library: every played call goes through a table of one of the classes that
-// derive from SHostLib.
+// links to no graphics library: every played call goes through a table that was filled here.
 #pragma once
 
-#include <cstddef>
 #include <span>
 
 #include "base/kstl_string.h"
+#include "host/entry_table.h"
 
 namespace kestrail {
 
@@ -19,17 +18,6 @@ public:
 
     int reason;
 };
-
-/// Where the pointer of an entry point stands in its table.
-struct SEntryPlace {
-    const char* name;
-    std::size_t offset;
-};
-
-using EntryAddress = void (*)();
-
-/// Stores `address` at the place in the record `entries`, whatever the pointer's type there.
-void SetEntry(void* entries, const SEntryPlace& place, EntryAddress address);
 
 class SHostLib {
 public:

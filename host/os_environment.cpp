@@ -8,15 +8,12 @@
 
 #include <cstring>
 
-#include "base/name_table.h"
 #include "base/output.h"
 
 namespace kestrail {
 namespace {
 
-// Shared by all environments; windows and the context are left to the end of the process.
-TNameTable<std::uint64_t, NativeDisplay> nativeDisplays;
-TNameTable<std::uint64_t, NativeWindow> nativeWindows;
+// Shared by all environments, and left to the end of the process.
 screen_context_t screenContext = nullptr;
 
 NativeDisplay CreateScreenContext() {
@@ -86,63 +83,63 @@ COsEnvironment::COsEnvironment()
       processEvents(&ProcessScreenEvents) {}
 
 NativeDisplay COsEnvironment::GetDisplay(std::uint64_t recordedDisplay) {
-    if (const NativeDisplay* known = nativeDisplays.Find(recordedDisplay)) return *known;
+    if (const NativeDisplay* known = m_displays.Find(recordedDisplay)) return *known;
     const NativeDisplay display = createDisplay();
-    nativeDisplays.GetOrCreate(recordedDisplay) = display;
+    m_displays.GetOrCreate(recordedDisplay) = display;
     return display;
 }
 
 NativeWindow COsEnvironment::GetWindow(std::uint64_t recordedWindow, std::int32_t width,
                                        std::int32_t height, NativeDisplay display) {
-    if (const NativeWindow* known = nativeWindows.Find(recordedWindow)) return *known;
+    if (const NativeWindow* known = m_windows.Find(recordedWindow)) return *known;
     // Far more than any application has, and few enough for a display to bear.
     constexpr std::int32_t kMostWindows = 256;
-    const bool room = nativeWindows.Count() < kMostWindows;
+    const bool room = m_windows.Count() < kMostWindows;
     const NativeWindow window =
         room ? createWindow(width, height, "KestrailPlayback", display) : NativeWindow{};
-    nativeWindows.GetOrCreate(recordedWindow) = window;
+    m_windows.GetOrCreate(recordedWindow) = window;
     return window;
 }
 
 NativeWindow COsEnvironment::FindWindow(std::uint64_t recordedWindow) {
-    if (nativeWindows.Count() == 0) return NativeWindow{};
-    if (recordedWindow == ~std::uint64_t{0}) return *nativeWindows.ValueAt(0);
-    return nativeWindows.GetOrCreate(recordedWindow);
+    if (m_windows.Count() == 0) return NativeWindow{};
+    if (recordedWindow == ~std::uint64_t{0}) return *m_windows.ValueAt(0);
+    return m_windows.GetOrCreate(recordedWindow);
 }
 
 bool COsEnvironment::PumpEvents() {
     // Kept: never turns false, whatever is answered; no platform here asks to quit.
     bool result = true;
-    for (std::int32_t i = 0; i < nativeWindows.Count(); ++i) {
-        result |= processEvents(*nativeWindows.ValueAt(i), NativeDisplay{});
+    for (std::int32_t i = 0; i < m_windows.Count(); ++i) {
+        result |= processEvents(*m_windows.ValueAt(i), NativeDisplay{});
     }
     result |= processEvents(NativeWindow{}, NativeDisplay{});
     return result;
 }
 
 void COsEnvironment::DestroyAll() {
-    for (std::int32_t i = 0; i < nativeWindows.Count(); ++i) {
-        destroy(*nativeWindows.ValueAt(i), NativeDisplay{});
+    for (std::int32_t i = 0; i < m_windows.Count(); ++i) {
+        destroy(*m_windows.ValueAt(i), NativeDisplay{});
     }
-    nativeWindows.Clear();
-    for (std::int32_t i = 0; i < nativeDisplays.Count(); ++i) {
-        destroy(NativeWindow{}, *nativeDisplays.ValueAt(i));
+    m_windows.Clear();
+    for (std::int32_t i = 0; i < m_displays.Count(); ++i) {
+        destroy(NativeWindow{}, *m_displays.ValueAt(i));
     }
-    nativeDisplays.Clear();
+    m_displays.Clear();
 }
 
 void COsEnvironment::DestroyDisplay(std::uint64_t recordedDisplay) {
-    const NativeDisplay* display = nativeDisplays.Find(recordedDisplay);
+    const NativeDisplay* display = m_displays.Find(recordedDisplay);
     if (display == nullptr) return;
     destroy(NativeWindow{}, *display);
-    nativeDisplays.Erase(recordedDisplay);
+    m_displays.Erase(recordedDisplay);
 }
 
 void COsEnvironment::DestroyWindow(std::uint64_t recordedWindow) {
-    const NativeWindow* window = nativeWindows.Find(recordedWindow);
+    const NativeWindow* window = m_windows.Find(recordedWindow);
     if (window == nullptr) return;
     destroy(*window, NativeDisplay{});
-    nativeWindows.Erase(recordedWindow);
+    m_windows.Erase(recordedWindow);
 }
 
 }  // namespace kestrail

@@ -1,17 +1,21 @@
 // The native display and the native windows that EGL draws on. A trace names them by the values
-// that the recorded application had; each such value stands for one live object for the life of the
-// process. What the window system does stands behind four callbacks.
+// that the recorded application had; each such value stands for one live object. What the window
+// system does stands behind four callbacks.
 #pragma once
 
 #include <EGL/egl.h>
 
 #include <cstdint>
 
+#include "base/name_table.h"
+
 namespace kestrail {
 
 using NativeDisplay = EGLNativeDisplayType;
 using NativeWindow = EGLNativeWindowType;
 
+/// Windows that aren't destroyed by name are left to the end of the process: drivers may draw on
+/// them until then.
 class COsEnvironment {
 public:
     /// With the callbacks of this platform's window system.
@@ -39,6 +43,10 @@ public:
                                  NativeDisplay display);
     void (*destroy)(NativeWindow window, NativeDisplay display);
     bool (*processEvents)(NativeWindow window, NativeDisplay display);
+
+private:
+    TNameTable<std::uint64_t, NativeDisplay> m_displays;
+    TNameTable<std::uint64_t, NativeWindow> m_windows;
 };
 
 }  // namespace kestrail

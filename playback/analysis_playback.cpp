@@ -5,7 +5,6 @@
 
 #include "base/output.h"
 #include "generated/calls/identifiers.h"
-#include "host/es2_host.h"
 #include "host/host_lib.h"
 #include "transitions/egl_transition.h"
 #include "transitions/es1_transition.h"
@@ -14,8 +13,7 @@
 namespace kestrail {
 namespace {
 
-void ClearSurface() {
-    SEs2Host& host = *GetEs2Host();
+void ClearSurface(SEs2Host& host) {
     host.glClearColor(0.0F, 0.0F, 0.0F, 0.0F);
     host.glClear(GL_COLOR_BUFFER_BIT);
 }
@@ -24,7 +22,7 @@ void ClearSurface() {
 
 CAnalysisPlayback::CAnalysisPlayback() {
     es1Names.ResetNames();
-    names.ResetNames();
+    es2Names.ResetNames();
     // Kept: whatever the command line says; no sought frame waits for the display.
     sync = true;
 }
@@ -58,7 +56,7 @@ bool CAnalysisPlayback::PlayCalls(const CFrameRecord& frame) {
         try {
             if (id == egl_id::eglSwapBuffers) {
                 // The last frame is not shown again.
-                if (!drawn) ClearSurface();
+                if (!drawn) ClearSurface(hosts.Es2());
                 return PlaySwap();
             }
             // Kept: no draw of ES3 or of an extension has it; tools compare pictures of sought
@@ -100,25 +98,29 @@ bool CAnalysisPlayback::RestoreFrame(std::uint32_t frame) {
 }
 
 void CAnalysisPlayback::Restore(std::uint32_t frame) {
+    CDriverAnswers answers(*this);
     CEglState targetEgl;
     if (store->GetEglStateOfFrame(frame, targetEgl)) {
-        TransitionEglState(targetEgl, frame, *m_current.egl);
+        targetEgl.currentDisplay = TransitionEglState(*this, answers, targetEgl, *m_current.egl);
         m_current.egl.Write() = targetEgl;
     }
     // Without one no context exists at that point of the trace.
     const bool hasDisplay = targetEgl.currentDisplay != 0;
     if (!hasDisplay) {
-        names.ResetNames();
+        es2Names.ResetNames();
         es1Names.ResetNames();
     }
     CEs1State targetEs1;
     if (store->GetEs1StateOfFrame(frame, targetEs1)) {
-        if (hasDisplay) TransitionEs1State(targetEs1, &*m_current.es1);
+        if (hasDisplay) TransitionEs1State(*this, answers, targetEs1, &*m_current.es1);
         m_current.es1.Write() = std::move(targetEs1);
     }
     CEs2State targetEs2;
     if (store->GetEs2StateOfFrame(frame, targetEs2)) {
-        if (hasDisplay) TransitionEs2State(targetEs2, *m_current.es2);
+        if (hasDisplay) {
+            targetEs2.boundFramebuffer =
+                TransitionEs2State(*this, answers, targetEs2, *m_current.es2);
+        }
         m_current.es2.Write() = std::move(targetEs2);
     }
 }

@@ -52,7 +52,7 @@ bool CSequentialPlayer::Skips(std::uint32_t frame, std::uint32_t frameCount) {
 }
 
 void CSequentialPlayer::PlayAllFrames() {
-    names.ResetNames();
+    es2Names.ResetNames();
     es1Names.ResetNames();
     const std::uint32_t count = store->FrameCount();
     for (std::uint32_t frame = 1; frame <= count; ++frame) {
@@ -65,7 +65,7 @@ void CSequentialPlayer::PlayAllFrames() {
 }
 
 void CSequentialPlayer::PlayStream() {
-    names.ResetNames();
+    es2Names.ResetNames();
     es1Names.ResetNames();
     // Kept: skips no frames, though main announces it; a stream's log is of the whole trace.
     if (!PlayFrame(1)) output::Message("Aborting Playback....");

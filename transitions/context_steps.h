@@ -46,10 +46,10 @@ void SetMasksAndDepth(Host& host, const State& state) {
 }
 
 template <typename Host, typename State>
-void SetAlignments(Host& host, const State& state) {
-    const auto set = [&host](GLenum name, GLint value) {
+void SetAlignments(Host& host, CEglNames& names, const State& state) {
+    const auto set = [&](GLenum name, GLint value) {
         host.glPixelStorei(name, value);
-        CEglNames{}.PixelStore().Set(name, value);
+        names.PixelStore().Set(name, value);
     };
     set(GL_PACK_ALIGNMENT, state.packAlignment);
     set(GL_UNPACK_ALIGNMENT, state.unpackAlignment);

@@ -1,10 +1,5 @@
 #include "transitions/egl_transition.h"
 
-#include "exec/egl_config.h"
-#include "exec/egl_names.h"
-#include "host/egl_host.h"
-#include "host/os_environment.h"
-
 namespace kestrail {
 namespace {
 
@@ -12,16 +7,17 @@ using FoundFlags = std::vector<bool>;
 
 /// One transition: the two records, and what its passes work with.
 struct SEglTransition {
-    CEglState& target;
+    SSession& session;
+    CHostAnswers& answers;
+    const CEglState& target;
     const CEglState& current;
-    SEglHost& host = *GetEglHost();
-    CEglNames names{};
-    COsEnvironment environment{};
+    SEglHost& host = session.hosts.Egl();
+    CEglNames& names = session.eglNames;
 
     /// An error of one pass must not show up in a check of the next.
     void ClearErrors() const {
-        host.eglGetError();
-        host.eglGetError();
+        answers.EglError();
+        answers.EglError();
     }
 };
 
@@ -71,7 +67,7 @@ FoundFlags MakeDisplays(SEglTransition& t) {
             continue;
         }
         if (live == EGL_NO_DISPLAY) {
-            const NativeDisplay native = t.environment.GetDisplay(display.nativeDisplay);
+            const NativeDisplay native = t.session.environment.GetDisplay(display.nativeDisplay);
             live = t.host.eglGetDisplay(native);
             t.names.SetDisplay(display.handle, live, native);
         }
@@ -90,17 +86,15 @@ void MakeSurface(SEglTransition& t, const SEglSurfaceRecord& surface) {
     EGLDisplay live = t.names.GetDisplay(surface.display);
     if (live == EGL_NO_DISPLAY) return;
     const EGLConfig config =
-        FindEglConfig(t.names, live, surface.config, HostList(*surface.configAttributes));
+        t.answers.ConfigFor(live, surface.config, HostList(*surface.configAttributes));
     const NativeWindow window =
-        t.environment.GetWindow(surface.window.handle.GetValue(), surface.window.width,
-                                surface.window.height, t.names.GetNativeDisplay(live));
+        t.session.environment.GetWindow(surface.window.handle.GetValue(), surface.window.width,
+                                        surface.window.height, t.names.GetNativeDisplay(live));
     // Kept: without the recorded attributes; drivers differ in those that they take.
     const EGLSurface made = t.host.eglCreateWindowSurface(live, config, window, nullptr);
     t.ClearErrors();
-    EGLint width = 0;
-    EGLint height = 0;
-    t.host.eglQuerySurface(live, made, EGL_WIDTH, &width);
-    t.host.eglQuerySurface(live, made, EGL_HEIGHT, &height);
+    EGLint width = t.answers.SurfaceSize(live, made, EGL_WIDTH);
+    EGLint height = t.answers.SurfaceSize(live, made, EGL_HEIGHT);
     if (width == kUnknown || height == kUnknown) {
         width = 640;
         height = 480;
@@ -137,13 +131,13 @@ void MakeContext(SEglTransition& t, const SEglContextRecord& context) {
     if (live == EGL_NO_DISPLAY || !MakesContexts(context.api)) return;
     // Kept: the context's list chooses the config, not the config's own; tools compare seeks.
     const EGLint* attributes = HostList(*context.attributes);
-    const EGLConfig config = FindEglConfig(t.names, live, context.config, attributes);
+    const EGLConfig config = t.answers.ConfigFor(live, context.config, attributes);
     // Kept: the context to share with goes as it was recorded; drivers refuse it or don't look.
     const auto shared = reinterpret_cast<EGLContext>(std::uintptr_t{context.shareContext});
     std::vector<EGLint> room;
     const EGLContext made =
         t.host.eglCreateContext(live, config, shared, CheckedAttributes(attributes, room));
-    t.host.eglGetError();
+    t.answers.EglError();
     t.names.SetContext(live, context.handle, made, ContextVersion(attributes));
 }
 
@@ -168,7 +162,7 @@ void MakeContexts(SEglTransition& t) {
             t.names.UseContext(EGL_NO_CONTEXT);
         }
         t.host.eglDestroyContext(live, gone);
-        t.host.eglGetError();
+        t.answers.EglError();
         t.names.RemoveContext(live, context.handle);
     }
 }
@@ -182,36 +176,36 @@ void MakeCurrent(SEglTransition& t) {
     const EGLContext context = t.names.GetContext(live, t.target.currentContext);
     const EGLSurface draw = t.names.GetSurface(live, t.target.currentDrawSurface);
     if (t.host.eglMakeCurrent(live, draw, draw, context) != EGL_FALSE) t.names.UseContext(context);
-    t.host.eglGetError();
-    EGLint width = 0;
-    EGLint height = 0;
-    t.host.eglQuerySurface(live, draw, EGL_WIDTH, &width);
-    t.host.eglQuerySurface(live, draw, EGL_HEIGHT, &height);
+    t.answers.EglError();
+    EGLint width = t.answers.SurfaceSize(live, draw, EGL_WIDTH);
+    EGLint height = t.answers.SurfaceSize(live, draw, EGL_HEIGHT);
     std::int32_t recordedWidth = -1;
     std::int32_t recordedHeight = -1;
     // Kept: no 640 by 480 in the place of 1 here; tools compare seeks.
     t.names.SurfaceGeometry(width, height, recordedWidth, recordedHeight, live);
 }
 
-void EndDisplays(SEglTransition& t, const FoundFlags& found) {
+/// Gives back which display is current then, 0 for none.
+std::uint32_t EndDisplays(SEglTransition& t, const FoundFlags& found) {
+    std::uint32_t currentDisplay = t.target.currentDisplay;
     for (std::uint32_t i = 0; i < t.current.displays.Count(); ++i) {
         const std::uint32_t recorded = t.current.displays.At(i).handle;
         const EGLDisplay live = t.names.GetDisplay(recorded);
         if (found[i] || live == EGL_NO_DISPLAY) continue;
         // Kept: a live handle against a recorded one; tools compare seeks.
-        if (reinterpret_cast<std::uintptr_t>(live) == t.target.currentDisplay) {
-            t.target.currentDisplay = 0;
-        }
+        if (reinterpret_cast<std::uintptr_t>(live) == currentDisplay) currentDisplay = 0;
         t.host.eglTerminate(live);
         t.names.RemoveDisplay(recorded);
         t.ClearErrors();
     }
+    return currentDisplay;
 }
 
 }  // namespace
 
-void TransitionEglState(CEglState& target, std::uint32_t /*frame*/, const CEglState& current) {
-    SEglTransition transition{target, current};
+std::uint32_t TransitionEglState(SSession& session, CHostAnswers& answers, const CEglState& target,
+                                 const CEglState& current) {
+    SEglTransition transition{session, answers, target, current};
     transition.ClearErrors();
     const FoundFlags displays = MakeDisplays(transition);
     transition.ClearErrors();
@@ -222,9 +216,10 @@ void TransitionEglState(CEglState& target, std::uint32_t /*frame*/, const CEglSt
     MakeContexts(transition);
     transition.ClearErrors();
     MakeCurrent(transition);
-    EndDisplays(transition, displays);
+    const std::uint32_t currentDisplay = EndDisplays(transition, displays);
     SwitchApi(transition, target.boundApi != 0 ? target.boundApi : EGL_OPENGL_ES_API);
     transition.ClearErrors();
+    return currentDisplay;
 }
 
 }  // namespace kestrail

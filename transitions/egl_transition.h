@@ -5,12 +5,14 @@
 #include <cstdint>
 
 #include "state/egl/egl_state.h"
+#include "transitions/host_answers.h"
 
 namespace kestrail {
 
 /// Makes what only `target` has, destroys what only `current` has, and makes the target's context
-/// current on a display that was not. Errors of the host are dropped. Clears the target's current
-/// display when that display goes. May throw what FindEglConfig throws.
-void TransitionEglState(CEglState& target, std::uint32_t frame, const CEglState& current);
+/// current on a display that was not. Errors of the host are dropped. Gives back the target's
+/// current display, 0 where that went. May throw what the choice of a configuration throws.
+std::uint32_t TransitionEglState(SSession& session, CHostAnswers& answers, const CEglState& target,
+                                 const CEglState& current);
 
 }  // namespace kestrail

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "exec/extension_resolver.h"
 #include "transitions/context_steps.h"
 #include "transitions/es1_transition_steps.h"
 
@@ -21,8 +20,7 @@ void SetLight(SEs1Transition& t) {
     t.host.glLightModelf(GL_LIGHT_MODEL_TWO_SIDE, t.target.lightModelTwoSide != 0 ? 1.0F : 0.0F);
     t.host.glLightModelfv(GL_LIGHT_MODEL_AMBIENT, t.target.lightModelAmbient.data());
     const SLights& lights = *t.target.lights;
-    GLint count = 0;
-    t.host.glGetIntegerv(GL_MAX_LIGHTS, &count);
+    const GLint count = t.answers.Es1Limit(GL_MAX_LIGHTS);
     for (std::uint32_t light = 0; light < lights.values.size(); ++light) {
         if (static_cast<GLint>(light) >= count) break;
         for (std::size_t i = 0; i < kLightParameters.size(); ++i) {
@@ -33,8 +31,7 @@ void SetLight(SEs1Transition& t) {
 }
 
 void SetClipPlanes(SEs1Transition& t) {
-    GLint count = 0;
-    t.host.glGetIntegerv(GL_MAX_CLIP_PLANES, &count);
+    const GLint count = t.answers.Es1Limit(GL_MAX_CLIP_PLANES);
     for (std::uint32_t plane = 0; plane < t.target.clipPlanes.size(); ++plane) {
         if (static_cast<GLint>(plane) >= count) break;
         t.host.glClipPlanef(GL_CLIP_PLANE0 + plane, t.target.clipPlanes[plane].data());
@@ -44,7 +41,7 @@ void SetClipPlanes(SEs1Transition& t) {
 void SetPointsAndPixels(SEs1Transition& t) {
     const auto& normal = t.target.currentNormal;
     t.host.glNormal3f(normal[0], normal[1], normal[2]);
-    SetAlignments(t.host, t.target);
+    SetAlignments(t.host, t.session.eglNames, t.target);
     for (std::size_t i = 0; i < kPointParameters.size(); ++i) {
         t.host.glPointParameterfv(kPointParameters[i], t.target.pointParameters[i].data());
     }
@@ -131,12 +128,13 @@ void TransitionMatrices1(SEs1Transition& t) {
     t.host.glActiveTexture(t.target.activeTexture);
 }
 
-void TransitionEs1State(CEs1State& target, const CEs1State* current) {
-    SEs1Transition t{target, current, *GetEs1Host()};
+void TransitionEs1State(SSession& session, CHostAnswers& answers, const CEs1State& target,
+                        const CEs1State* current) {
+    SEs1Transition t{session, answers, target, current};
     t.names.Buffers().Set(0, 0);
     t.names.Renderbuffers().Set(0, 0);
     t.names.Framebuffers().Set(0, 0);
-    EnsureExtensionResolver(t.names);
+    answers.FindEs1Extensions();
 
     TransitionTextures1(t);
     TransitionUnits1(t);

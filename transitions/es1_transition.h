@@ -3,11 +3,13 @@
 #pragma once
 
 #include "state/es1/es1_state.h"
+#include "transitions/host_answers.h"
 
 namespace kestrail {
 
-/// Needs a current context. A null `current` stands for a context without any objects. Writes the
-/// live names of vertex arrays into the target. Reads no errors of the host.
-void TransitionEs1State(CEs1State& target, const CEs1State* current);
+/// Needs a current context. A null `current` stands for a context without any objects. Reads no
+/// errors of the host.
+void TransitionEs1State(SSession& session, CHostAnswers& answers, const CEs1State& target,
+                        const CEs1State* current);
 
 }  // namespace kestrail

@@ -34,8 +34,8 @@ void UploadImage(SEs1Transition& t, std::uint32_t name, const STextureImage1Stat
         const auto bytes = [&image](const SPixelStore& store) {
             return ImageBytes(image.format, image.type, image.width, image.height, store);
         };
-        const void* pixels =
-            contents.Pixels(image.data, bytes(TightlyPacked()), bytes(CEglNames{}.PixelStore()));
+        const void* pixels = contents.Pixels(image.data, bytes(TightlyPacked()),
+                                             bytes(t.session.eglNames.PixelStore()));
         t.host.glTexImage2D(GL_TEXTURE_2D, image.level, image.internalFormat, image.width,
                             image.height, image.border, image.format, image.type, pixels);
     }
@@ -153,7 +153,6 @@ void TransitionClientArrays1(SEs1Transition& t) {
             GLuint live = 0;
             // Kept: a new one at every seek, and none is deleted; tools compare seeks.
             t.host.glGenVertexArraysOES(1, &live);
-            t.target.vertexArrays.Write().ValueAt(i)->Write().name = live;
             t.names.VertexArrays().Set(name, live);
             t.host.glBindVertexArrayOES(live);
         }

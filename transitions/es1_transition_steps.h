@@ -1,18 +1,19 @@
 // The parts of an ES1 transition, in their order.
 #pragma once
 
-#include "exec/es1_names.h"
-#include "host/es1_host.h"
 #include "state/es1/es1_state.h"
+#include "transitions/host_answers.h"
 
 namespace kestrail {
 
 /// The two records and what the parts of a transition work with.
 struct SEs1Transition {
-    CEs1State& target;
-    const CEs1State* current = nullptr;
-    SEs1Host& host;
-    CEs1Names names{};
+    SSession& session;
+    CHostAnswers& answers;
+    const CEs1State& target;
+    const CEs1State* current;
+    SEs1Host& host = session.hosts.Es1();
+    CEs1Names& names = session.es1Names;
 
     // Kept: binds the recorded names; tools compare seeks.
     void BindRecordedBuffers() const;

@@ -1,14 +1,8 @@
 #include "transitions/es2_transition.h"
 
 #include "base/enumerants.h"
-#include "base/output.h"
-#include "exec/egl_names.h"
-#include "exec/es2_names.h"
-#include "exec/extension_resolver.h"
 #include "exec/host_data.h"
 #include "exec/name_calls.h"
-#include "host/es2_host.h"
-#include "host/es3_host.h"
 #include "transitions/context_steps.h"
 #include "transitions/es2_transition_steps.h"
 #include "transitions/table_sweep.h"
@@ -19,7 +13,8 @@ namespace {
 /// Vertex array objects are a part of ES3 and an extension of ES2, which a host may lack.
 class CVertexArrayCalls {
 public:
-    explicit CVertexArrayCalls(bool es3) : m_es3(es3 ? GetEs3Host() : nullptr) {}
+    explicit CVertexArrayCalls(SEs2Transition& t)
+        : m_es2(t.host), m_es3(t.target.apiVersion == 3 ? &t.session.hosts.Es3() : nullptr) {}
 
     bool CanGenerate() const { return m_es3 != nullptr || m_es2.glGenVertexArraysOES != nullptr; }
     void Generate(GLsizei count, GLuint* names) {
@@ -32,15 +27,16 @@ public:
     }
 
 private:
-    SEs2Host& m_es2 = *GetEs2Host();
+    SEs2Host& m_es2;
     SEs3Host* m_es3;
 };
 
-void SetAttributes(SEs2Host& host, CEs2Names& names, const SVertexArrayState& array) {
+void SetAttributes(SEs2Transition& t, const SVertexArrayState& array) {
+    SEs2Host& host = t.host;
     for (GLuint i = 0; i < array.attributes.size(); ++i) {
         const SAttribPointerState& attribute = array.attributes[i];
         // Kept: the recorded index, where a draw's is translated; tools compare seeks.
-        host.glBindBuffer(GL_ARRAY_BUFFER, names.Buffers().Get(attribute.buffer));
+        host.glBindBuffer(GL_ARRAY_BUFFER, t.names.Buffers().Get(attribute.buffer));
         if (attribute.size != 0 || attribute.type != 0) {
             host.glVertexAttribPointer(i, attribute.size, attribute.type, attribute.normalized,
                                        attribute.stride, AsPointer(attribute.pointer));
@@ -63,37 +59,36 @@ void SetStencil(SEs2Host& host, const CEs2State& state) {
 
 }  // namespace
 
-void CheckTransitionError(const CEs2State& /*state*/) {
-    SEs2Host& host = *GetEs2Host();
+void CheckTransitionError(SEs2Transition& t) {
     for (int read = 0; read < 2; ++read) {
-        const GLenum error = host.glGetError();
+        const GLenum error = t.answers.Es2Error();
         if (error == GL_NO_ERROR) return;
         // Kept: two blanks, and at most two errors; readers match the line.
-        output::Message("OGLES2 Error Code  0x%lx, Setting ContextState\n",
-                        static_cast<unsigned long>(error));
+        t.session.diagnostics.Message("OGLES2 Error Code  0x%lx, Setting ContextState\n",
+                                      static_cast<unsigned long>(error));
     }
 }
 
-void TransitionBuffers(const CEs2State& target, const CEs2State& current) {
-    if (target.buffers.SameAs(current.buffers)) return;
-    SEs2Host& host = *GetEs2Host();
-    CEs2Names names;
-    TKeyIndex<SBufferState> known(*current.buffers);
+void TransitionBuffers(SEs2Transition& t) {
+    const CEs2State& target = t.target;
+    if (target.buffers.SameAs(t.current.buffers)) return;
+    SEs2Host& host = t.host;
+    TKeyIndex<SBufferState> known(*t.current.buffers);
     // Kept: none is deleted that the frame lacks; tools compare seeks.
     for (std::int32_t i = 0; i < target.buffers->Count(); ++i) {
         const std::uint32_t name = target.buffers->KeyAt(i);
         const SBufferState& buffer = ValueAt(*target.buffers, i);
         const SBufferState* old = known.FindValue(name, i);
         if (old != nullptr && old->data.Identity() == buffer.data.Identity()) continue;
-        UploadBuffer(host, names.Buffers(), name, buffer);
+        UploadBuffer(host, t.names.Buffers(), name, buffer);
     }
 }
 
-void TransitionVertexArrays(const CEs2State& target) {
-    const auto& arrays = *target.vertexArrays;
-    SEs2Host& host = *GetEs2Host();
-    CEs2Names names;
-    CVertexArrayCalls calls(target.apiVersion == 3);
+void TransitionVertexArrays(SEs2Transition& t) {
+    const auto& arrays = *t.target.vertexArrays;
+    SEs2Host& host = t.host;
+    CEs2Names& names = t.names;
+    CVertexArrayCalls calls(t);
     for (std::int32_t i = 0; i < arrays.Count(); ++i) {
         const SVertexArrayState& array = *ValueAt(arrays, i);
         if (calls.CanGenerate()) {
@@ -101,15 +96,16 @@ void TransitionVertexArrays(const CEs2State& target) {
                             [&](GLsizei count, GLuint* made) { calls.Generate(count, made); });
         }
         calls.Bind(names.VertexArrays().Get(arrays.KeyAt(i)));
-        SetAttributes(host, names, array);
+        SetAttributes(t, array);
         host.glBindBuffer(GL_ARRAY_BUFFER, names.Buffers().Get(array.arrayBuffer));
         host.glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, names.Buffers().Get(array.elementBuffer));
     }
-    calls.Bind(names.VertexArrays().Get(target.currentVertexArray));
+    calls.Bind(names.VertexArrays().Get(t.target.currentVertexArray));
 }
 
-void TransitionScalars(const CEs2State& target) {
-    SEs2Host& host = *GetEs2Host();
+void TransitionScalars(SEs2Transition& t) {
+    const CEs2State& target = t.target;
+    SEs2Host& host = t.host;
     host.glBlendEquationSeparate(target.blendEquationRgb, target.blendEquationAlpha);
     for (std::size_t i = 0; i < kEs2Capabilities.size(); ++i) {
         Switch(host, kEs2Capabilities[i], target.capabilities[i] != 0);
@@ -120,11 +116,11 @@ void TransitionScalars(const CEs2State& target) {
     host.glBlendColor(blend[0], blend[1], blend[2], blend[3]);
     SetClearValues(host, target);
     SetMasksAndDepth(host, target);
-    CheckTransitionError(target);
+    CheckTransitionError(t);
 
     host.glFrontFace(target.frontFace);
     host.glHint(GL_GENERATE_MIPMAP_HINT, target.generateMipmapHint);
-    SetAlignments(host, target);
+    SetAlignments(host, t.session.eglNames, target);
     SetOffsetAndCoverage(host, target);
     const auto& box = target.scissorBox;
     // Kept: a box of zeros stays behind; tools compare pictures of sought frames.
@@ -134,30 +130,24 @@ void TransitionScalars(const CEs2State& target) {
     SetStencil(host, target);
     // Kept: never that of the surface, which need not have the size of the recording's.
     const auto& viewport = target.viewport;
-    if ((viewport[2] != 0 || viewport[3] != 0) && target.boundFramebuffer != 0) {
+    if ((viewport[2] != 0 || viewport[3] != 0) && t.boundFramebuffer != 0) {
         host.glViewport(viewport[0], viewport[1], viewport[2], viewport[3]);
-        CEs2Names{}.ViewportDirty() = true;
+        t.names.ViewportDirty() = true;
     }
-    CheckTransitionError(target);
+    CheckTransitionError(t);
 }
 
-void TransitionEs2State(CEs2State& target, const CEs2State& current) {
-    CEs2Names names;
-    EnsureExtensionResolver(names);
-    CheckTransitionError(target);
-    TransitionShaders(target, current);
-    CheckTransitionError(target);
-    TransitionPrograms(target, current);
-    CheckTransitionError(target);
-    TransitionTextures(target, current);
-    CheckTransitionError(target);
-    TransitionBuffers(target, current);
-    CheckTransitionError(target);
-    TransitionFramebuffers(target, current);
-    CheckTransitionError(target);
-    TransitionVertexArrays(target);
-    CheckTransitionError(target);
-    TransitionScalars(target);
+std::uint32_t TransitionEs2State(SSession& session, CHostAnswers& answers, const CEs2State& target,
+                                 const CEs2State& current) {
+    SEs2Transition t{session, answers, target, current};
+    answers.FindEs2Extensions();
+    for (const auto step :
+         {&TransitionShaders, &TransitionPrograms, &TransitionTextures, &TransitionBuffers,
+          &TransitionFramebuffers, &TransitionVertexArrays, &TransitionScalars}) {
+        CheckTransitionError(t);
+        step(t);
+    }
+    return t.boundFramebuffer;
 }
 
 }  // namespace kestrail

@@ -3,15 +3,16 @@
 // same form keep their contents, which is what makes a seek affordable.
 #pragma once
 
+#include <cstdint>
+
 #include "state/es2/es2_state.h"
+#include "transitions/host_answers.h"
 
 namespace kestrail {
 
-/// Needs a current context. Errors of the host are printed and do not stop it. Clears the target's
-/// bound framebuffer when that framebuffer goes.
-void TransitionEs2State(CEs2State& target, const CEs2State& current);
-
-/// Reads and prints the host's error, and one more behind it.
-void CheckTransitionError(const CEs2State& state);
+/// Needs a current context. Errors of the host are printed and do not stop it. Gives back the
+/// target's bound framebuffer, 0 where that went.
+std::uint32_t TransitionEs2State(SSession& session, CHostAnswers& answers, const CEs2State& target,
+                                 const CEs2State& current);
 
 }  // namespace kestrail

@@ -5,10 +5,6 @@
 #include <utility>
 
 #include "base/enumerants.h"
-#include "base/output.h"
-#include "exec/es2_names.h"
-#include "host/es2_host.h"
-#include "transitions/es2_transition.h"
 #include "transitions/es2_transition_steps.h"
 #include "transitions/table_sweep.h"
 
@@ -21,62 +17,47 @@ void Compile(SEs2Host& host, GLuint live, const SShaderState& shader) {
     host.glCompileShader(live);
 }
 
-GLuint CreateShader(SEs2Host& host, CEs2Names& names, std::uint32_t name,
-                    const SShaderState& shader) {
-    const GLuint live = host.glCreateShader(shader.type);
-    names.SetShader(name, live, shader.type);
-    names.GetShaderRecord(name)->deletePending = shader.deletePending != 0;
+GLuint CreateShader(SEs2Transition& t, std::uint32_t name, const SShaderState& shader) {
+    const GLuint live = t.host.glCreateShader(shader.type);
+    t.names.SetShader(name, live, shader.type);
+    t.names.GetShaderRecord(name)->deletePending = shader.deletePending != 0;
     return live;
 }
 
-void RecompileIfLost(SEs2Host& host, GLuint live, const SShaderState& shader) {
+void RecompileIfLost(SEs2Transition& t, GLuint live, const SShaderState& shader) {
     // A host that does not answer has nothing to say against the shader.
-    GLint status = GL_TRUE;
-    host.glGetShaderiv(live, GL_COMPILE_STATUS, &status);
-    if (shader.compiled != 0 && status == GL_FALSE) Compile(host, live, shader);
+    const GLint status = t.answers.ShaderValue(live, GL_COMPILE_STATUS, GL_TRUE);
+    if (shader.compiled != 0 && status == GL_FALSE) Compile(t.host, live, shader);
 }
 
 /// One shader of the target, whose record of before is `old`, if there is one.
-void TransitionShader(SEs2Host& host, CEs2Names& names, std::uint32_t name,
-                      const SShaderState& shader, const SShaderState* old) {
+void TransitionShader(SEs2Transition& t, std::uint32_t name, const SShaderState& shader,
+                      const SShaderState* old) {
     const bool sameSource = old != nullptr && old->sourceId == shader.sourceId;
     if (sameSource && old->deletePending != 0 && shader.deletePending == 0) {
-        const GLuint live = CreateShader(host, names, name, *old);
-        names.GetShaderRecord(name)->deletePending = false;
-        if (!old->source->empty()) Compile(host, live, *old);
+        const GLuint live = CreateShader(t, name, *old);
+        t.names.GetShaderRecord(name)->deletePending = false;
+        if (!old->source->empty()) Compile(t.host, live, *old);
         return;
     }
     // A shader that the player has lost is as good as new.
-    const SShaderRecord* record = old != nullptr ? names.GetShaderRecord(name) : nullptr;
+    const SShaderRecord* record = old != nullptr ? t.names.GetShaderRecord(name) : nullptr;
     if (record != nullptr && sameSource) {
-        if (shader.deletePending == 0) RecompileIfLost(host, record->liveName, shader);
+        if (shader.deletePending == 0) RecompileIfLost(t, record->liveName, shader);
         return;
     }
-    const GLuint live =
-        record != nullptr ? record->liveName : CreateShader(host, names, name, shader);
-    if (!shader.source->empty()) Compile(host, live, shader);
+    const GLuint live = record != nullptr ? record->liveName : CreateShader(t, name, shader);
+    if (!shader.source->empty()) Compile(t.host, live, shader);
 }
 
-/// The shaders that the host has attached to a program, each with the place of the program's record
-/// that it belongs to.
-struct SAttachedShaders {
-    std::array<GLuint, 2> live{};
-    std::array<std::uint32_t, 2> recorded{};
-    GLsizei count = 0;
-};
-
-SAttachedShaders ReadAttached(SEs2Host& host, GLuint live, const SProgramState& program) {
-    SAttachedShaders attached;
-    host.glGetAttachedShaders(live, 2, &attached.count, attached.live.data());
-    if (attached.count < 0 || attached.count > 2) attached.count = 0;
-    if (attached.count == 0) return attached;
-    GLint type = 0;
-    host.glGetShaderiv(attached.live[0], GL_SHADER_TYPE, &type);
-    attached.recorded = {program.vertexShader, program.fragmentShader};
-    if (static_cast<GLenum>(type) == GL_FRAGMENT_SHADER) {
-        std::swap(attached.recorded[0], attached.recorded[1]);
-    }
-    return attached;
+/// The places of the program's record that the attached shaders belong to.
+std::array<std::uint32_t, 2> RecordedOf(SEs2Transition& t, const SAttachedShaders& attached,
+                                        const SProgramState& program) {
+    const bool fragmentFirst =
+        attached.count > 0 &&
+        t.answers.ShaderValue(attached.live[0], GL_SHADER_TYPE, 0) == GL_FRAGMENT_SHADER;
+    if (fragmentFirst) return {program.fragmentShader, program.vertexShader};
+    return {program.vertexShader, program.fragmentShader};
 }
 
 bool ShowsAttached(const SShaderState* shader) {
@@ -183,11 +164,13 @@ void SetConstantAttributes(SEs2Host& host, const TStateTable<SAttributeState>* a
 
 class CProgramTransition {
 public:
-    CProgramTransition(const CEs2State& target, const CEs2State& current)
-        : m_target(target),
-          m_current(current),
-          m_host(*GetEs2Host()),
-          m_unchanged(static_cast<std::size_t>(target.programs->Count())) {}
+    explicit CProgramTransition(SEs2Transition& t)
+        : m_t(t),
+          m_target(t.target),
+          m_current(t.current),
+          m_host(t.host),
+          m_names(t.names),
+          m_unchanged(static_cast<std::size_t>(t.target.programs->Count())) {}
 
     void Run() {
         if (!DropChanged()) return;
@@ -241,7 +224,7 @@ private:
     }
 
     void Delete(std::uint32_t name, GLuint live) {
-        if (m_host.glIsProgram(live) == GL_TRUE) m_host.glDeleteProgram(live);
+        if (m_t.answers.IsProgram(live)) m_host.glDeleteProgram(live);
         m_names.DeleteProgram(name);
     }
 
@@ -268,11 +251,11 @@ private:
         if (!last) {
             BindAttributes(m_host, live, constants);
             // Kept: an empty line for each program; readers match it.
-            output::Message("\n");
+            m_t.session.diagnostics.Message("\n");
             // Kept: also what is unchanged; drivers clear uniforms by it, and all are set.
             if (program.linked != 0) {
                 m_host.glLinkProgram(live);
-                if (m_host.glGetError() != GL_NO_ERROR) CheckTransitionError(m_target);
+                if (m_t.answers.Es2Error() != GL_NO_ERROR) CheckTransitionError(m_t);
             }
         }
         // Kept: behind the link that they are for; tools compare seeks.
@@ -280,7 +263,7 @@ private:
         BindAttributes(m_host, live, bindings != nullptr ? &**bindings : nullptr);
         if (program.linked != 0) {
             m_host.glValidateProgram(live);
-            CheckTransitionError(m_target);
+            CheckTransitionError(m_t);
             m_host.glUseProgram(live);
             m_names.UseProgram(live, last);
             SetUniforms(name, live);
@@ -290,9 +273,10 @@ private:
     }
 
     void AttachShaders(std::uint32_t name, GLuint live, const SProgramState& program) {
-        const SAttachedShaders attached = ReadAttached(m_host, live, program);
+        const SAttachedShaders attached = m_t.answers.AttachedShaders(live);
+        const std::array<std::uint32_t, 2> recorded = RecordedOf(m_t, attached, program);
         for (std::size_t i = 0; std::cmp_less(i, attached.count); ++i) {
-            const std::uint32_t shader = attached.recorded[i];
+            const std::uint32_t shader = recorded[i];
             if (ShowsAttached(m_target.shaders->Find(shader))) continue;
             m_host.glDetachShader(live, attached.live[i]);
             m_names.DetachShader(name, shader);
@@ -314,10 +298,10 @@ private:
         const TStateTable<SUniformLocation>& locations = *(*entry)->locations;
         for (std::int32_t i = 0; i < locations.Count(); ++i) {
             const SUniformLocation& uniform = ValueAt(locations, i);
-            const GLint at = m_host.glGetUniformLocation(live, uniform.name->c_str());
+            const GLint at = m_t.answers.UniformLocation(live, uniform.name->c_str());
             if (at == -1) {
                 // Kept: an answer that nobody takes; tools compare seeks.
-                m_host.glIsProgram(live);
+                m_t.answers.IsProgram(live);
                 continue;
             }
             m_names.SetUniformLocation(live, uniform.location, at);
@@ -341,42 +325,41 @@ private:
         }
     }
 
+    SEs2Transition& m_t;
     const CEs2State& m_target;
     const CEs2State& m_current;
     SEs2Host& m_host;
-    CEs2Names m_names;
+    CEs2Names& m_names;
     std::vector<bool> m_unchanged;  ///< programs of the target
     std::vector<bool> m_kept;       ///< programs of the current record
 };
 
 }  // namespace
 
-void TransitionShaders(const CEs2State& target, const CEs2State& current) {
-    SEs2Host& host = *GetEs2Host();
-    CEs2Names names;
-    const auto& shaders = *target.shaders;
-    const auto& before = *current.shaders;
+void TransitionShaders(SEs2Transition& t) {
+    const auto& shaders = *t.target.shaders;
+    const auto& before = *t.current.shaders;
     TKeyIndex<SShaderState> known(before);
     std::vector<bool> kept(static_cast<std::size_t>(before.Count()));
     for (std::int32_t i = 0; i < shaders.Count(); ++i) {
         const std::uint32_t name = shaders.KeyAt(i);
         const std::int32_t place = known.Find(name, i);
         if (place >= 0) kept[static_cast<std::size_t>(place)] = true;
-        TransitionShader(host, names, name, ValueAt(shaders, i),
+        TransitionShader(t, name, ValueAt(shaders, i),
                          place >= 0 ? &ValueAt(before, place) : nullptr);
     }
     for (std::int32_t i = 0; i < before.Count(); ++i) {
         if (kept[static_cast<std::size_t>(i)]) continue;
         const std::uint32_t name = before.KeyAt(i);
-        const SShaderRecord* record = names.GetShaderRecord(name);
+        const SShaderRecord* record = t.names.GetShaderRecord(name);
         if (record == nullptr) continue;
-        host.glDeleteShader(record->liveName);
-        names.DeleteShaderRecord(name);
+        t.host.glDeleteShader(record->liveName);
+        t.names.DeleteShaderRecord(name);
     }
 }
 
-void TransitionPrograms(const CEs2State& target, const CEs2State& current) {
-    CProgramTransition(target, current).Run();
+void TransitionPrograms(SEs2Transition& t) {
+    CProgramTransition(t).Run();
 }
 
 }  // namespace kestrail

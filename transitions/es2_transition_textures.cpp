@@ -2,13 +2,8 @@
 #include <vector>
 
 #include "base/enumerants.h"
-#include "exec/egl_names.h"
-#include "exec/es2_names.h"
 #include "exec/host_data.h"
 #include "exec/name_calls.h"
-#include "host/es2_host.h"
-#include "host/es3_host.h"
-#include "transitions/es2_transition.h"
 #include "transitions/es2_transition_steps.h"
 #include "transitions/host_bytes.h"
 #include "transitions/table_sweep.h"
@@ -49,8 +44,8 @@ bool IsDeep(GLenum target) {
 
 class CTextureTransition {
 public:
-    CTextureTransition(const CEs2State& target, const CEs2State& current)
-        : m_target(target), m_current(current), m_host(*GetEs2Host()) {}
+    explicit CTextureTransition(SEs2Transition& t)
+        : m_t(t), m_target(t.target), m_current(t.current), m_host(t.host), m_names(t.names) {}
 
     void Run() {
         const auto& textures = *m_target.textures;
@@ -98,7 +93,7 @@ private:
         } else {
             UploadPixels(image);
         }
-        CheckTransitionError(m_target);
+        CheckTransitionError(m_t);
     }
 
     void UploadPixels(const STextureImageState& image) {
@@ -116,9 +111,9 @@ private:
                                 image.width, image.height, image.border, image.format, image.type,
                                 pixels);
         } else if (deep) {
-            GetEs3Host()->glTexImage3D(image.target, image.level, image.internalFormat, image.width,
-                                       image.height, image.depth, image.border, image.format,
-                                       image.type, pixels);
+            m_t.session.hosts.Es3().glTexImage3D(image.target, image.level, image.internalFormat,
+                                                 image.width, image.height, image.depth,
+                                                 image.border, image.format, image.type, pixels);
         }
     }
 
@@ -171,20 +166,20 @@ private:
         m_host.glActiveTexture(m_target.activeTexture);
     }
 
-    SPixelStore& Pixels() { return m_eglNames.PixelStore(); }
+    SPixelStore& Pixels() { return m_t.session.eglNames.PixelStore(); }
 
+    SEs2Transition& m_t;
     const CEs2State& m_target;
     const CEs2State& m_current;
     SEs2Host& m_host;
-    CEs2Names m_names;
-    CEglNames m_eglNames;
+    CEs2Names& m_names;
     std::vector<bool> m_kept;  ///< textures of the current record
 };
 
 }  // namespace
 
-void TransitionTextures(const CEs2State& target, const CEs2State& current) {
-    CTextureTransition(target, current).Run();
+void TransitionTextures(SEs2Transition& t) {
+    CTextureTransition(t).Run();
 }
 
 }  // namespace kestrail

@@ -19,7 +19,6 @@ protected:
             names.AttachShader(program, 2);
         }
     }
-    ~Es2Names() override { names.ResetNames(); }
 
     CEs2Names names;
 };

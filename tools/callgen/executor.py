@@ -172,13 +172,11 @@ def elsewhere(cases):
 
 
 def declarations(family, layouts):
-    hosts = ("es1", "es2") if family == "ext" else (family,)
     out = [f"// Made from {family}.calls.", "#pragma once", "",
            '#include "calls/model/client_arrays.h"', '#include "calls/model/egl_values.h"',
            '#include "exec/host_data.h"', '#include "exec/name_calls.h"',
-           '#include "exec/play_context.h"', '#include "exec/played.h"']
-    out += [f'#include "host/{host}_host.h"' for host in hosts]
-    out += ["", "namespace kestrail {", ""]
+           '#include "exec/play_context.h"', '#include "exec/played.h"',
+           "", "namespace kestrail {", ""]
     for rows in layouts:
         if rows[-1].play not in UNPLAYED:
             out += values(rows)

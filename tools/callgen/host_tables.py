@@ -33,7 +33,7 @@ def header(name, include, families, entries):
     sources = " and ".join(f"calls/{family}/{family}.calls" for family in families)
     lines = [f"// Made by tools/callgen/host_tables.py from {sources}.", "#pragma once", "",
              f"#include <{include}>", "", "#include <cstddef>", "",
-             '#include "host/host_lib.h"', "", "namespace kestrail {", "", f"struct {struct} {{"]
+             '#include "host/entry_table.h"', "", "namespace kestrail {", "", f"struct {struct} {{"]
     lines += [f"    decltype(&::{entry}) {entry};" for entry in entries]
     lines += ["};", "", f"inline constexpr SEntryPlace k{name.capitalize()}Entries[] = {{"]
     lines += [f'    {{"{entry}", offsetof({struct}, {entry})}},' for entry in entries]
