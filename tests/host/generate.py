@@ -2,6 +2,7 @@
 """Writes stand-in host libraries, or the prototypes as a table, from the published headers.
 
 Recording stand-ins log every call with its arguments; idle ones only answer, as fast as can be.
+Noting ones are no library: idle ones that a test's own program holds, and is told of each call.
 """
 
 import argparse
@@ -134,9 +135,8 @@ def usual_result(entry, prefix):
     return own(RESULTS, entry, prefix, usual)
 
 
-def write_entry(out, entry, idle, prefix, linkage):
+def write_entry(out, entry, body, linkage):
     params = ", ".join(f"{p.type} {p.name}" for p in entry.params)
-    body = idle_body(entry) if idle else recording_body(entry, prefix)
     lines = "".join(f"    {line}\n" for line in body if line)
     out.write(f"{linkage} {entry.result} {entry.name}({params}) {{\n{lines}}}\n\n")
 
@@ -149,17 +149,21 @@ def write_look_up(out, function, kind, rows, missing):
     out.write(f"    return found == values.end() ? {missing} : found->second;\n}}\n")
 
 
-def write_library(out, folder, library, idle, omitted):
-    header, prefix = LIBRARIES[library]
+def write_head(out, header, state):
     out.write("// Generated from the published headers; changes belong into the generator.\n")
     out.write(f"#define EGL_NO_X11 1\n#include <{header}>\n#include <GLES2/gl2.h>\n")
     out.write("#include <cstdint>\n#include <cstdio>\n#include <map>\n#include <sstream>\n\n")
-    out.write(f'#include "{"idle" if idle else "host"}_state.h"\n\n')
-    out.write("using namespace kestrail::host;\n\n")
+    out.write(f'#include "{state}"\n\nusing namespace kestrail::host;\n\n')
+
+
+def write_library(out, folder, library, idle, omitted):
+    header, prefix = LIBRARIES[library]
+    write_head(out, header, f"{'idle' if idle else 'host'}_state.h")
     if library == "egl":
         extensions = extension_entries(folder)
         for entry in extensions.values():
-            write_entry(out, entry, idle, "", "static")
+            write_entry(out, entry, idle_body(entry) if idle else recording_body(entry, ""),
+                        "static")
         # A strict driver hands out nothing else.
         kind = "__eglMustCastToProperFunctionPointerType"
         rows = {name: f"({kind}){name}" for name in extensions}
@@ -167,7 +171,26 @@ def write_library(out, folder, library, idle, omitted):
     kept = khronos.entries(folder, "GLES2/gl2.h") if "es3" in omitted else None
     for name, entry in khronos.entries(folder, header).items():
         if name not in omitted and (kept is None or name in kept):
-            write_entry(out, entry, idle, prefix, 'extern "C"')
+            write_entry(out, entry, idle_body(entry) if idle else recording_body(entry, prefix),
+                        'extern "C"')
+
+
+def write_noting(out, folder, library):
+    """Entries in a namespace of their own, where they hide the headers' functions."""
+    header, prefix = LIBRARIES[library]
+    space = f"noting_{library}"
+    write_head(out, header, "noting_entries.h")
+    out.write(f"namespace {space} {{\n\n")
+    known = khronos.entries(folder, header)
+    if library == "egl":
+        known |= extension_entries(folder)
+    find = f"Find{library.capitalize()}Entry"
+    out.write("static Entry FindExtension(const char* name) { return FindEglEntry(name); }\n\n")
+    for entry in known.values():
+        write_entry(out, entry, [f'Note("{prefix}{entry.name}");', *idle_body(entry)], "static")
+    out.write("}\n\n")
+    rows = {name: f"(Entry){space}::{name}" for name in known}
+    write_look_up(out, f"kestrail::host::{find}", "Entry", rows, "nullptr")
 
 
 def write_enumerants(out, folder):
@@ -219,6 +242,7 @@ def main():
     parser.add_argument("output")
     parser.add_argument("include")
     parser.add_argument("--idle", action="store_true")
+    parser.add_argument("--noting", action="store_true")
     parser.add_argument("--omit", action="append", default=[],
                         help="an entry point to leave out, or es3 for all that ES 3.0 added")
     options = parser.parse_args()
@@ -227,6 +251,8 @@ def main():
             write_enumerants(out, options.include)
         elif options.what == "prototypes":
             write_prototypes(out, options.include)
+        elif options.noting:
+            write_noting(out, options.include, options.what)
         else:
             write_library(out, options.include, options.what, options.idle, options.omit)
 
