@@ -179,8 +179,8 @@ def write_noting(out, folder, library):
     """Entries in a namespace of their own, where they hide the headers' functions."""
     header, prefix = LIBRARIES[library]
     space = f"noting_{library}"
-    write_head(out, header, "noting_entries.h")
-    out.write(f"namespace {space} {{\n\n")
+    write_head(out, header, "idle_state.h")
+    out.write(f'#include "noting_entries.h"\n\nnamespace {space} {{\n\n')
     known = khronos.entries(folder, header)
     if library == "egl":
         known |= extension_entries(folder)

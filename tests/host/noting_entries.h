@@ -4,8 +4,6 @@
 
 #include <string>
 
-#include "idle_state.h"
-
 namespace kestrail::host {
 
 using Entry = void (*)();
