@@ -103,22 +103,23 @@ void CFrameStore::Track(CApiCall& call) {
 bool SFrameState::Apply(CApiCall& call, SUpdates& updates, EApplied what) {
     constexpr std::uint32_t kEs3 = 3;
     const bool recorded = what == EApplied::kRecorded;
-    const bool ofGl = call.m_group == kGroupEs1 || call.m_group == kGroupEs2;
+    const bool sets = call.m_updatesState;
     // Kept: failed calls of EGL and extensions count, in a sought frame all; tools compare seeks.
-    if (recorded && ofGl && call.HadFailed()) return false;
-    // Kept: calls of extensions change no record of a sought frame; tools compare seeks.
-    const bool sets = call.m_updatesState && (recorded || call.m_group != kGroupExtEs1);
+    const auto counts = [&] { return !recorded || !call.HadFailed(); };
     switch (call.m_group) {
         case kGroupEgl:
             if (sets) static_cast<CEglCall&>(call).UpdateState(egl.Write(), updates);
             break;
         case kGroupEs1:
+            if (!counts()) return false;
             if (sets) static_cast<CEs1Call&>(call).UpdateState(es1.Write(), updates);
             break;
         case kGroupExtEs1:
-            if (sets) static_cast<CExtCall&>(call).UpdateState(es1.Write(), updates);
+            // Kept: calls of extensions change no record of a sought frame; tools compare seeks.
+            if (sets && recorded) static_cast<CExtCall&>(call).UpdateState(es1.Write(), updates);
             break;
         case kGroupEs2:
+            if (!counts()) return false;
             if (sets) ApplyEs2Call(call, es2.Write(), updates);
             if (egl->contextClientVersion == kEs3 && es2->apiVersion != kEs3) {
                 es2.Write().apiVersion = kEs3;

@@ -122,7 +122,7 @@ EOpenResult CTraceDocument::Load(const CKSTLString& name) {
     return m_store->CallCount() > 0 ? kOpened : kOpenEmpty;
 }
 
-bool CTraceDocument::ChooseStart(SRecordLoop& loop) const {
+inline bool CTraceDocument::BeginStream(SRecordLoop& loop) const {
     const std::uint64_t position = loop.offset;
     if (position >= loop.size) return false;
     // Kept: with a section of state a stream begins again and again; whoever plays it stops it.
@@ -136,7 +136,7 @@ bool CTraceDocument::ChooseStart(SRecordLoop& loop) const {
     return true;
 }
 
-inline bool CTraceDocument::AtEnd(SRecordLoop& loop) const {
+inline bool CTraceDocument::WholeEnds(SRecordLoop& loop) const {
     if (!loop.stateFirst) return loop.offset >= loop.end;
     // Kept: met exactly or run past; recordings whose section doesn't fit are told as errors.
     if (loop.offset + kFooterSize == loop.size) {
@@ -144,6 +144,15 @@ inline bool CTraceDocument::AtEnd(SRecordLoop& loop) const {
         loop.stateFirst = false;
     }
     return false;
+}
+
+bool CTraceDocument::BeginWhole(SRecordLoop& loop) const {
+    loop.stateFirst = HasStateSection();
+    loop.offset = HasStateSection() ? StateStart() : m_firstRecordOffset;
+    loop.end = loop.size;
+    if (m_stateOffset == 0) loop.end = std::max(loop.size, kFooterSize) - kFooterSize;
+    if (HasStateSection()) loop.end = m_stateOffset;
+    return !WholeEnds(loop);
 }
 
 std::unique_ptr<CApiCall> CTraceDocument::CreateCall(std::uint16_t id, CTrace& reader) {
@@ -186,39 +195,23 @@ inline CTraceDocument::ERecord CTraceDocument::TakeRecord(SRecordLoop& loop) {
     return ERecord::kMark;
 }
 
+inline bool CTraceDocument::StreamEnds(SRecordLoop& loop, ERecord taken) const {
+    // Kept: with a call or without, which ends a stream; newer recordings play so far.
+    if (taken == ERecord::kCall) return true;
+    // A section may end with such a record: the stream goes on as it would behind a call.
+    const bool atFooter = m_stateOffset != kNoFooter && loop.offset + kFooterSize == loop.size;
+    return atFooter && !BeginStream(loop);
+}
+
 EOpenResult CTraceDocument::LoadRecords() {
     progressMax = m_stream.GetSize();
     SRecordLoop loop{m_stream.GetSize(), m_stream.Tell()};
-    return m_noMemory ? LoadNext(loop) : LoadAll(loop);
-}
-
-EOpenResult CTraceDocument::LoadAll(SRecordLoop& loop) {
-    loop.stateFirst = HasStateSection();
-    loop.offset = HasStateSection() ? StateStart() : m_firstRecordOffset;
-    loop.end = loop.size;
-    if (m_stateOffset == 0) loop.end = std::max(loop.size, kFooterSize) - kFooterSize;
-    if (HasStateSection()) loop.end = m_stateOffset;
-    while (!AtEnd(loop)) {
-        if (TakeRecord(loop) == ERecord::kOverrun) return Overrun();
-    }
-    return kOpened;
-}
-
-EOpenResult CTraceDocument::LoadNext(SRecordLoop& loop) {
-    if (!ChooseStart(loop)) return kOpened;
+    if (!(m_noMemory ? BeginStream(loop) : BeginWhole(loop))) return kOpened;
     for (;;) {
         const ERecord taken = TakeRecord(loop);
-        if (taken == ERecord::kOverrun) return Overrun();
-        // Kept: with a call or without, which ends a stream; newer recordings play so far.
-        if (taken == ERecord::kCall) return kOpened;
-        // A section may end with such a record: the stream goes on as it would behind a call.
-        const bool atFooter = m_stateOffset != kNoFooter && loop.offset + kFooterSize == loop.size;
-        if (atFooter && !ChooseStart(loop)) return kOpened;
+        if (taken == ERecord::kOverrun) return m_store->CallCount() > 0 ? kOpenCut : kOpenRefused;
+        if (m_noMemory ? StreamEnds(loop, taken) : WholeEnds(loop)) return kOpened;
     }
-}
-
-EOpenResult CTraceDocument::Overrun() const {
-    return m_store->CallCount() > 0 ? kOpenCut : kOpenRefused;
 }
 
 void CTraceDocument::TakeThread(SRecordLoop& loop) {

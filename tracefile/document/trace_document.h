@@ -88,15 +88,14 @@ private:
     /// The section begins at the low half of the footer's offset, though it ends the calls at the
     /// whole of it.
     std::uint32_t StateStart() const { return static_cast<std::uint32_t>(m_stateOffset); }
-    EOpenResult LoadAll(SRecordLoop& loop);
-    EOpenResult LoadNext(SRecordLoop& loop);
-    /// False when the stream has ended.
-    bool ChooseStart(SRecordLoop& loop) const;
-    /// True when the whole-file loop has come to its end.
-    bool AtEnd(SRecordLoop& loop) const;
+    /// False when there is nothing more to read.
+    bool BeginWhole(SRecordLoop& loop) const;
+    bool BeginStream(SRecordLoop& loop) const;
+    /// True when `LoadRecords` has read what it was asked for.
+    bool WholeEnds(SRecordLoop& loop) const;
+    bool StreamEnds(SRecordLoop& loop, ERecord taken) const;
     /// Reads the record at the loop's offset, which goes on to the next.
     ERecord TakeRecord(SRecordLoop& loop);
-    EOpenResult Overrun() const;
     void TakeThread(SRecordLoop& loop);
     /// Reads the record at hand as a call. False for one that overruns the file.
     bool TakeCall(SRecordLoop& loop, std::uint16_t id, std::uint32_t size, std::uint64_t offset);
