@@ -60,7 +60,7 @@ void SEs1Transition::BindRecordedBuffers() const {
     host.glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, arrays != nullptr ? (*arrays)->elementBuffer : 0);
 }
 
-void TransitionScalars1(SEs1Transition& t) {
+void TransitionEs1Scalars(SEs1Transition& t) {
     const CEs1State& target = t.target;
     t.host.glBlendFunc(target.blendSrc, target.blendDst);
     SetClearValues(t.host, target);
@@ -94,7 +94,7 @@ void TransitionScalars1(SEs1Transition& t) {
     }
 }
 
-void TransitionMatrices1(SEs1Transition& t) {
+void TransitionEs1Matrices(SEs1Transition& t) {
     // Kept: not the last stack; tools compare seeks.
     constexpr std::int32_t kRestored = kMatrixStacks - 1;
     constexpr auto kDeepest = static_cast<std::int32_t>(CMatrixStack::kLevels) - 1;
@@ -136,19 +136,19 @@ void TransitionEs1State(SSession& session, CHostAnswers& answers, const CEs1Stat
     t.names.Framebuffers().Set(0, 0);
     answers.FindEs1Extensions();
 
-    TransitionTextures1(t);
-    TransitionUnits1(t);
+    TransitionEs1Textures(t);
+    TransitionEs1Units(t);
     for (std::size_t i = 0; i < kEs1Capabilities.size(); ++i) {
         Switch(t.host, kEs1Capabilities[i], target.capabilities[i] != 0);
     }
     t.host.glAlphaFunc(target.alphaFunc, target.alphaRef);
-    TransitionBuffers1(t);
+    TransitionEs1Buffers(t);
     t.BindRecordedBuffers();
     // Kept: lights and clip planes ahead of the matrices that place them; tools compare seeks.
-    TransitionScalars1(t);
-    TransitionMatrices1(t);
-    TransitionClientArrays1(t);
-    TransitionFramebuffers1(t);
+    TransitionEs1Scalars(t);
+    TransitionEs1Matrices(t);
+    TransitionEs1ClientArrays(t);
+    TransitionEs1Framebuffers(t);
 }
 
 }  // namespace kestrail

@@ -109,7 +109,7 @@ void Attach(SEs1Transition& t, GLenum place, const SAttachmentState& attachment)
 
 }  // namespace
 
-void TransitionTextures1(SEs1Transition& t) {
+void TransitionEs1Textures(SEs1Transition& t) {
     const auto& textures = *t.target.textures;
     for (std::int32_t i = 0; i < textures.Count(); ++i) {
         if (SameTexture(t, i)) continue;
@@ -120,7 +120,7 @@ void TransitionTextures1(SEs1Transition& t) {
     }
 }
 
-void TransitionUnits1(SEs1Transition& t) {
+void TransitionEs1Units(SEs1Transition& t) {
     for (std::uint32_t unit = 0; unit < t.target.Units(); ++unit) {
         t.host.glActiveTexture(GL_TEXTURE0 + unit);
         // Kept: the recorded name; tools compare pictures of sought frames.
@@ -132,7 +132,7 @@ void TransitionUnits1(SEs1Transition& t) {
     t.host.glActiveTexture(t.target.activeTexture);
 }
 
-void TransitionBuffers1(SEs1Transition& t) {
+void TransitionEs1Buffers(SEs1Transition& t) {
     const auto& buffers = *t.target.buffers;
     for (std::int32_t i = 0; i < buffers.Count(); ++i) {
         const SBufferState& buffer = ValueAt(buffers, i);
@@ -144,7 +144,7 @@ void TransitionBuffers1(SEs1Transition& t) {
     }
 }
 
-void TransitionClientArrays1(SEs1Transition& t) {
+void TransitionEs1ClientArrays(SEs1Transition& t) {
     const bool objects =
         t.host.glGenVertexArraysOES != nullptr && t.host.glBindVertexArrayOES != nullptr;
     for (std::int32_t i = 0; i < t.target.vertexArrays->Count(); ++i) {
@@ -165,7 +165,7 @@ void TransitionClientArrays1(SEs1Transition& t) {
     t.host.glClientActiveTexture(t.target.clientActiveTexture);
 }
 
-void TransitionFramebuffers1(SEs1Transition& t) {
+void TransitionEs1Framebuffers(SEs1Transition& t) {
     if (!HasFramebuffers(t.host)) return;
     const auto& renderbuffers = *t.target.renderbuffers;
     for (std::int32_t i = 0; i < renderbuffers.Count(); ++i) {

@@ -23,13 +23,13 @@ struct SEs1Transition {
     }
 };
 
-void TransitionTextures1(SEs1Transition& t);
-void TransitionUnits1(SEs1Transition& t);
-void TransitionBuffers1(SEs1Transition& t);
+void TransitionEs1Textures(SEs1Transition& t);
+void TransitionEs1Units(SEs1Transition& t);
+void TransitionEs1Buffers(SEs1Transition& t);
 /// Blending to the viewport.
-void TransitionScalars1(SEs1Transition& t);
-void TransitionMatrices1(SEs1Transition& t);
-void TransitionClientArrays1(SEs1Transition& t);
-void TransitionFramebuffers1(SEs1Transition& t);
+void TransitionEs1Scalars(SEs1Transition& t);
+void TransitionEs1Matrices(SEs1Transition& t);
+void TransitionEs1ClientArrays(SEs1Transition& t);
+void TransitionEs1Framebuffers(SEs1Transition& t);
 
 }  // namespace kestrail
