@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 
 #include "base/enumerants.h"
 #include "calls/model/api_type.h"

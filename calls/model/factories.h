@@ -9,14 +9,6 @@
 
 namespace kestrail {
 
-/// A call read from its record. It must not outlive the memory of the trace.
-template <typename Call>
-std::unique_ptr<CApiCall> ReadCall(CTrace& trace) {
-    std::unique_ptr<Call> call(new (trace) Call);
-    call->Read(trace);
-    return call;
-}
-
 std::unique_ptr<CApiCall> CreateEglCall(std::uint16_t id, CTrace& trace);
 std::unique_ptr<CApiCall> CreateEs1Call(std::uint16_t id, CTrace& trace);
 std::unique_ptr<CApiCall> CreateEs2Call(std::uint16_t id, CTrace& trace);

@@ -25,6 +25,7 @@ def declaration(row, base):
     mixed = any(p.copies for p in row.parameters)
     bases = f"public {base}, public XXXYYYPointer" if mixed else f"public {base}"
     lines = [f"class {row.class_name} final : {bases} {{", "public:",
+             "    static std::unique_ptr<CApiCall> FromRecord(CTrace& trace);",
              "    void Read(CTrace& trace);",
              "    void Write(CRecordWriter& out) const override;",
              "    const SClassLayout& Layout() const override;"]
@@ -69,7 +70,11 @@ def reading(row, base):
         body.append(f"ReadClientArrays(trace, start, {indexed(row)}, {arrays[0].name}, "
                     f"{arrays[1].name});")
     text = "".join(f"\n    {line}" for line in body)
-    return f"void {row.class_name}::Read(CTrace& trace) {{{text}\n}}\n"
+    # Inline into the one that makes the call: values then are not set twice, to nothing and as read.
+    return (f"inline void {row.class_name}::Read(CTrace& trace) {{{text}\n}}\n\n"
+            f"std::unique_ptr<CApiCall> {row.class_name}::FromRecord(CTrace& trace) {{\n"
+            f"    std::unique_ptr<{row.class_name}> call(new (trace) {row.class_name});\n"
+            "    call->Read(trace);\n    return call;\n}\n")
 
 
 def indexed(row):
@@ -126,7 +131,7 @@ def factory(rows, family):
         out.append(f"        case {identifier}:")
         for row in [r for r in rows if r.id == identifier]:
             test = selection(row)
-            make = f"return ReadCall<{row.class_name}>(trace);"
+            make = f"return {row.class_name}::FromRecord(trace);"
             out.append(f"            if ({test}) {make}" if test else f"            {make}")
         if test:
             out.append("            return nullptr;")
