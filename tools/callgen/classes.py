@@ -53,11 +53,15 @@ def stored(row):
 
 def reading(row, base):
     arrays = [p for p in row.parameters if p.arrays]
-    body = [f"{base}::Read(trace);"]
+    # The family's field is read with what follows, but for extensions, which have two, and where
+    # captured arrays are counted from behind it.
+    alone = arrays or row.family == "ext"
+    body = [f"{base}::Read(trace);"] if alone else []
+    values = stored(row) if alone else [("TGLError", ERRORS.get(row.family, "m_error"))] + stored(row)
     if arrays:
         body.append("const std::uint32_t start = trace.Stream().Tell();")
     # Single values, whose classes begin with a T, are read in runs.
-    for single, group in groupby(stored(row), lambda value: value[0].startswith("T")):
+    for single, group in groupby(values, lambda value: value[0].startswith("T")):
         names = [name for _, name in group]
         body.append(f"ReadRun(trace, {', '.join(names)});" if single
                     else f"trace >> {' >> '.join(names)};")
