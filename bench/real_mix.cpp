@@ -10,6 +10,7 @@
 
 #include "bench/bench_traces.h"
 #include "bench/written_trace.h"
+#include "tests/support/recordings.h"
 
 namespace kestrail {
 namespace {
@@ -23,9 +24,7 @@ struct SRecord {
 using SFrame = std::vector<SRecord>;
 
 std::string Recording() {
-    const char* const folder = std::getenv("KESTRAIL_TRACES");
-    return std::string(folder != nullptr ? folder : KESTRAIL_TRACES_FOLDER) +
-           "/glmark-desktop.kstl";
+    return RecordingsFolder() + "/glmark-desktop.kstl";
 }
 
 /// The frames of a trace of version 14 without edits and state. The last is what follows the last

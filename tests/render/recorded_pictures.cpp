@@ -1,81 +1,24 @@
 #include "tests/render/recorded_pictures.h"
 
 #include <algorithm>
-#include <array>
 #include <cctype>
-#include <cstdlib>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <stdexcept>
+
+#include "tests/support/recordings.h"
+#include "tests/support/trace_parts.h"
 
 namespace kestrail {
 
-namespace {
-
-constexpr std::uint16_t swapId = 1022;
-constexpr std::size_t footerSize = 10;
-
-class CFile {
-public:
-    explicit CFile(const std::string& path) {
-        std::ifstream file(path, std::ios::binary);
-        m_bytes.assign(std::istreambuf_iterator<char>(file), {});
-    }
-
-    std::size_t Size() const { return m_bytes.size(); }
-    const std::uint8_t* At(std::size_t offset, std::size_t size) const {
-        if (size > Size() || offset > Size() - size) throw std::runtime_error("trace is cut short");
-        return reinterpret_cast<const std::uint8_t*>(m_bytes.data()) + offset;
-    }
-    template <typename Value>
-    std::size_t Get(std::size_t offset) const {
-        Value value = 0;
-        std::memcpy(&value, At(offset, sizeof value), sizeof value);
-        return value;
-    }
-    std::size_t U32(std::size_t offset) const { return Get<std::uint32_t>(offset); }
-
-private:
-    std::vector<char> m_bytes;
-};
-
-std::size_t FirstRecord(const CFile& file) {
-    constexpr std::size_t tableLength = 22;
-    if (std::memcmp(file.At(0, 8), "Kestrail", 8) != 0 || file.U32(12) != 14) {
-        throw std::runtime_error("not a trace of version 14");
-    }
-    const std::size_t count = *file.At(tableLength, 1);
-    const std::uint8_t* const table = file.At(tableLength + 1, count);
-    // The types in a swap's record: pointer, EGLint, EGLBoolean, display, surface, GLuint.
-    for (std::size_t typeTag : {0U, 1U, 2U, 6U, 7U, 21U}) {
-        if (typeTag >= count || std::abs(static_cast<std::int8_t>(table[typeTag])) != 4) {
-            throw std::runtime_error("values aren't 4 bytes wide");
-        }
-    }
-    const std::size_t lists = tableLength + 1 + count;
-    if (file.U32(lists) != 0 || file.U32(lists + 4) != 0) {
-        throw std::runtime_error("an edited trace");
-    }
-    return lists + 8;
-}
-
-}  // namespace
-
-std::string TraceFolder() {
-    const char* const folder = std::getenv("KESTRAIL_TRACES");
-    return folder != nullptr ? folder : KESTRAIL_TRACES_FOLDER;
+std::string TracePath(const std::string& name) {
+    return RecordingsFolder() + "/" + name + ".kstl";
 }
 
 std::vector<std::string> TraceNames() {
     std::vector<std::string> names;
-    std::error_code none;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(TraceFolder(), none)) {
-        if (entry.path().extension() != ".kstl") continue;
-        names.push_back(entry.path().lexically_relative(TraceFolder()).replace_extension());
+    for (const auto& path : FilesIn(RecordingsFolder(), ".kstl")) {
+        names.push_back(path.lexically_relative(RecordingsFolder()).replace_extension());
     }
-    std::sort(names.begin(), names.end());
     return names;
 }
 
@@ -87,24 +30,38 @@ std::string TraceTestName(const testing::TestParamInfo<std::string>& tested) {
 }
 
 Pictures RecordedPictures(const std::string& trace) {
-    const CFile file(trace);
+    constexpr std::uint16_t kSwap = 1022;
+    constexpr std::size_t kNoEdits = 8;
+    const Bytes bytes = ContentOf(trace);
+    STraceParts parts;
+    if (!Split(bytes.data(), bytes.size(), parts) || parts.Version() != 14) {
+        throw std::runtime_error("not a trace of version 14");
+    }
+    if (parts.edits.size() != kNoEdits) throw std::runtime_error("an edited trace");
+    // The types in a swap's record: pointer, EGLint, EGLBoolean, display, surface, GLuint.
+    for (const std::size_t typeTag : {0U, 1U, 2U, 6U, 7U, 21U}) {
+        if (std::abs(parts.Widths().at(typeTag)) != 4) {
+            throw std::runtime_error("values aren't 4 bytes wide");
+        }
+    }
     Pictures pictures;
     unsigned number = 0;
-    std::size_t record = FirstRecord(file);
-    while (record + footerSize < file.Size()) {
-        const std::size_t payload = record + 6;
-        if (file.Get<std::uint16_t>(record + 4) == swapId) {
-            ++number;
-            // error, result, display, surface, frame, width, height, pointer, size, bytes
-            const std::size_t size = file.U32(payload + 32);
-            const std::uint8_t* const pixels = file.At(payload + 36, size);
-            if (size != 0) {
-                pictures[number] = {static_cast<std::uint32_t>(file.U32(payload + 20)),
-                                    static_cast<std::uint32_t>(file.U32(payload + 24)),
-                                    {pixels, pixels + size}};
-            }
+    for (const SRecordPart& record : parts.records) {
+        if (record.id != kSwap) continue;
+        ++number;
+        // error, result, display, surface, frame, width, height, pointer, size, bytes
+        std::uint32_t words[9] = {};
+        const Bytes& payload = record.payload;
+        if (payload.size() < sizeof words) throw std::runtime_error("trace is cut short");
+        std::memcpy(words, payload.data(), sizeof words);
+        if (words[8] > payload.size() - sizeof words)
+            throw std::runtime_error("trace is cut short");
+        if (words[8] != 0) {
+            pictures[number] = {
+                words[5],
+                words[6],
+                {payload.begin() + sizeof words, payload.begin() + sizeof words + words[8]}};
         }
-        record = payload + file.U32(record);
     }
     return pictures;
 }

@@ -6,11 +6,9 @@
 
 namespace kestrail {
 
-/// Where the recordings are; they don't belong to this repository.
-std::string TraceFolder();
-
 /// The recordings that are there, by name without extension, sorted.
 std::vector<std::string> TraceNames();
+std::string TracePath(const std::string& name);
 
 /// A recording's name as the name of a test.
 std::string TraceTestName(const testing::TestParamInfo<std::string>& tested);

@@ -62,7 +62,7 @@ class CSeekTraceTest : public testing::TestWithParam<std::string> {};
 GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(CSeekTraceTest);
 
 TEST_P(CSeekTraceTest, RendersSingleFramesAsRecorded) {
-    const std::string trace = TraceFolder() + "/" + GetParam() + ".kstl";
+    const std::string trace = TracePath(GetParam());
     const Pictures recorded = RecordedPictures(trace);
     ASSERT_FALSE(recorded.empty());
     for (const auto& [number, picture] : recorded) {

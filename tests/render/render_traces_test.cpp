@@ -52,7 +52,7 @@ class CTraceTest : public testing::TestWithParam<std::string> {};
 GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(CTraceTest);
 
 TEST_P(CTraceTest, PlaysToTheRecordedPictures) {
-    const std::string trace = TraceFolder() + "/" + GetParam() + ".kstl";
+    const std::string trace = TracePath(GetParam());
     const Pictures recorded = RecordedPictures(trace);
     ASSERT_FALSE(recorded.empty());
 
@@ -81,7 +81,7 @@ TEST_P(CTraceTest, PlaysToTheRecordedPictures) {
 INSTANTIATE_TEST_SUITE_P(Recorded, CTraceTest, testing::ValuesIn(TraceNames()), TraceTestName);
 
 TEST(CTraceFolder, IsThere) {
-    if (TraceNames().empty()) GTEST_SKIP() << "no recordings in " << TraceFolder();
+    if (TraceNames().empty()) GTEST_SKIP() << "no recordings";
 }
 
 }  // namespace

@@ -2,12 +2,12 @@
 // reading doesn't need.
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <memory>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "tests/support/recordings.h"
 #include "tracefile/document/trace_document.h"
 
 namespace kestrail {
@@ -84,16 +84,10 @@ private:
 };
 
 TEST(Documents, SideBySideReadAsAlone) {
-    std::vector<std::string> paths;
-    for (const char* folder : {KESTRAIL_SAMPLES, KESTRAIL_TRACES_FOLDER}) {
-        if (!std::filesystem::exists(folder)) continue;
-        for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
-            if (entry.path().extension() == ".kstl") paths.push_back(entry.path());
-        }
-    }
+    const std::vector<std::filesystem::path> paths = AllTraces();
     ASSERT_GE(paths.size(), 2U);
     std::vector<std::string> alone, together(paths.size());
-    for (const std::string& path : paths) {
+    for (const auto& path : paths) {
         CReading reading(path);
         while (reading.Step()) {
         }

@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "base/diagnostics.h"
 #include "base/output.h"
 #include "calls/model/api_type.h"
 #include "tests/support/call_notation.h"
@@ -122,6 +123,11 @@ inline std::string LinesText(const SApiTypeBase& value) {
     value.GetDetailText(text);
     return std::string(text.view());
 }
+
+/// Nobody is told anything.
+struct SQuiet : Diagnostics {
+    void OnTold(EDiagnostic, const char*, std::va_list) override {}
+};
 
 /// What `action` prints on standard output.
 template <typename Action>
