@@ -1,6 +1,7 @@
 #include "tests/support/call_notation.h"
 
 #include <algorithm>
+#include <bit>
 #include <cctype>
 #include <map>
 #include <regex>
@@ -173,8 +174,10 @@ std::vector<std::string> Listed(const std::string& word) {
     return listed;
 }
 
-bool IsReal(unsigned typeTag) {
-    return typeTag == tag::Float || typeTag == tag::Clampf;
+/// A number, or the bits of a real one.
+std::int64_t ScalarOf(unsigned typeTag, const std::string& word) {
+    const bool real = typeTag == tag::Float || typeTag == tag::Clampf;
+    return real ? std::bit_cast<std::uint32_t>(std::stof(word)) : NumberOf(word);
 }
 
 void AddArray(CRecordBuilder& record, const std::string& slot, const std::string& word) {
@@ -185,23 +188,11 @@ void AddArray(CRecordBuilder& record, const std::string& slot, const std::string
             ? 1
             : static_cast<std::size_t>(NumberOf(slot.substr(star + 1, slot.size() - star - 2)));
     const unsigned typeTag = Tags().at(scalar);
-    std::vector<float> reals;
-    std::vector<std::int64_t> integers;
-    for (const std::string& value : Listed(word)) {
-        if (IsReal(typeTag)) {
-            reals.push_back(std::stof(value));
-        } else {
-            integers.push_back(NumberOf(value));
-        }
-    }
+    std::vector<std::int64_t> values;
+    for (const std::string& value : Listed(word)) values.push_back(ScalarOf(typeTag, value));
     const std::uint64_t pointer = PointerOf(word, word.find('{'));
-    if (slot[0] == '(') {
-        IsReal(typeTag) ? record.RealItem(typeTag, pointer, reals)
-                        : record.Item(typeTag, pointer, integers);
-    } else {
-        IsReal(typeTag) ? record.Reals(typeTag, pointer, reals, perItem)
-                        : record.Array(typeTag, pointer, integers, perItem);
-    }
+    slot[0] == '(' ? record.Item(typeTag, pointer, values)
+                   : record.Array(typeTag, pointer, values, perItem);
 }
 
 void AddWindow(CRecordBuilder& record, const std::string& word) {
@@ -217,11 +208,7 @@ void AddWindow(CRecordBuilder& record, const std::string& word) {
 void AddValue(CRecordBuilder& record, const std::string& slot, const std::string& word) {
     const auto scalar = Tags().find(slot);
     if (scalar != Tags().end()) {
-        if (IsReal(scalar->second)) {
-            record.Real(scalar->second, std::stof(word));
-        } else {
-            record.Value(scalar->second, static_cast<std::uint64_t>(NumberOf(word)));
-        }
+        record.Value(scalar->second, static_cast<std::uint64_t>(ScalarOf(scalar->second, word)));
     } else if (slot == "data") {
         record.Data(PointerOf(word, word.find('[')), BytesOf(word));
     } else if (slot == "raw") {

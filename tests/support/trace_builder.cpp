@@ -53,13 +53,8 @@ CRecordBuilder& CRecordBuilder::Value(unsigned typeTag, std::uint64_t value) {
     return *this;
 }
 
-CRecordBuilder& CRecordBuilder::U32(std::uint32_t value) {
-    AppendLittle(m_bytes, value, 4);
-    return *this;
-}
-
-CRecordBuilder& CRecordBuilder::U64(std::uint64_t value) {
-    AppendLittle(m_bytes, value, 8);
+CRecordBuilder& CRecordBuilder::Little(std::uint64_t value, std::size_t width) {
+    AppendLittle(m_bytes, value, width);
     return *this;
 }
 
@@ -77,23 +72,6 @@ CRecordBuilder& CRecordBuilder::String(std::uint64_t pointer, std::string_view t
     return pointer == 0 ? *this : Raw(text.data(), text.size());
 }
 
-CRecordBuilder& CRecordBuilder::Array(unsigned typeTag, std::uint64_t pointer,
-                                      const std::vector<std::int64_t>& scalars,
-                                      std::size_t perItem) {
-    ArrayHead(pointer, Low32(scalars.size() / perItem));
-    if (pointer == 0) return *this;
-    for (std::int64_t scalar : scalars) Signed(typeTag, scalar);
-    return *this;
-}
-
-CRecordBuilder& CRecordBuilder::Reals(unsigned typeTag, std::uint64_t pointer,
-                                      const std::vector<float>& scalars, std::size_t perItem) {
-    ArrayHead(pointer, Low32(scalars.size() / perItem));
-    if (pointer == 0) return *this;
-    for (float scalar : scalars) Real(typeTag, scalar);
-    return *this;
-}
-
 CRecordBuilder& CRecordBuilder::Strings(std::uint64_t pointer,
                                         const std::vector<std::string>& texts) {
     ArrayHead(pointer, Low32(texts.size()));
@@ -103,22 +81,6 @@ CRecordBuilder& CRecordBuilder::Strings(std::uint64_t pointer,
         String(address, text);
         address += text.size() + 1;
     }
-    return *this;
-}
-
-CRecordBuilder& CRecordBuilder::Item(unsigned typeTag, std::uint64_t pointer,
-                                     const std::vector<std::int64_t>& scalars) {
-    Pointer(pointer);
-    if (pointer == 0) return *this;
-    for (std::int64_t scalar : scalars) Signed(typeTag, scalar);
-    return *this;
-}
-
-CRecordBuilder& CRecordBuilder::RealItem(unsigned typeTag, std::uint64_t pointer,
-                                         const std::vector<float>& scalars) {
-    Pointer(pointer);
-    if (pointer == 0) return *this;
-    for (float scalar : scalars) Real(typeTag, scalar);
     return *this;
 }
 
@@ -137,16 +99,6 @@ CTraceBuilder::CTraceBuilder(std::uint32_t version) : m_version(version) {
     }
 }
 
-CTraceBuilder& CTraceBuilder::Disable(std::uint32_t callNumber) {
-    m_disabled.push_back(callNumber);
-    return *this;
-}
-
-CTraceBuilder& CTraceBuilder::OverrideText(std::uint32_t callNumber, std::string_view text) {
-    m_overrides.emplace_back(callNumber, text);
-    return *this;
-}
-
 CTraceBuilder& CTraceBuilder::Add(std::uint16_t id, const CRecordBuilder& record) {
     return AddSized(Low32(record.Content().size()), id, record.Content());
 }
@@ -162,16 +114,6 @@ CTraceBuilder& CTraceBuilder::AddSized(std::uint32_t size, std::uint16_t id, con
 
 CTraceBuilder& CTraceBuilder::AddRaw(const Bytes& bytes) {
     AppendRaw(Section(), bytes.data(), bytes.size());
-    return *this;
-}
-
-CTraceBuilder& CTraceBuilder::BeginState() {
-    m_inState = true;
-    return *this;
-}
-
-CTraceBuilder& CTraceBuilder::EndState() {
-    m_inState = false;
     return *this;
 }
 
@@ -228,16 +170,6 @@ CTraceBuilder& CTraceBuilder::StartUp(int clientVersion, std::uint32_t width,
     CreateContext(clientVersion);
     CreateWindowSurface(width, height);
     return MakeCurrent();
-}
-
-CTraceBuilder& CTraceBuilder::Patch(std::size_t offset, std::uint32_t value) {
-    m_patches.emplace_back(offset, value);
-    return *this;
-}
-
-CTraceBuilder& CTraceBuilder::CutAt(std::size_t size) {
-    m_cutAt = size;
-    return *this;
 }
 
 Bytes CTraceBuilder::BuildHeader() const {

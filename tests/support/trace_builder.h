@@ -85,8 +85,8 @@ public:
     CRecordBuilder& Surface(std::uint64_t value) { return Value(tag::EglSurface, value); }
 
     /// Fixed-width fields, whatever the table says.
-    CRecordBuilder& U32(std::uint32_t value);
-    CRecordBuilder& U64(std::uint64_t value);
+    CRecordBuilder& U32(std::uint32_t value) { return Little(value, 4); }
+    CRecordBuilder& U64(std::uint64_t value) { return Little(value, 8); }
     CRecordBuilder& Raw(const void* data, std::size_t size);
     CRecordBuilder& Raw(const Bytes& bytes) { return Raw(bytes.data(), bytes.size()); }
 
@@ -105,15 +105,24 @@ public:
     /// A counted array. `perItem` is the number of scalars in one item; the count on file is in
     /// items. A null pointer writes no elements.
     CRecordBuilder& Array(unsigned typeTag, std::uint64_t pointer,
-                          const std::vector<std::int64_t>& scalars, std::size_t perItem = 1);
+                          const std::vector<std::int64_t>& scalars, std::size_t perItem = 1) {
+        ArrayHead(pointer, static_cast<std::uint32_t>(scalars.size() / perItem));
+        return Scalars(typeTag, pointer, scalars);
+    }
     CRecordBuilder& Reals(unsigned typeTag, std::uint64_t pointer,
-                          const std::vector<float>& scalars, std::size_t perItem = 1);
+                          const std::vector<float>& scalars, std::size_t perItem = 1) {
+        return Array(typeTag, pointer, BitsOf(scalars), perItem);
+    }
     CRecordBuilder& Strings(std::uint64_t pointer, const std::vector<std::string>& texts);
     /// One item behind a pointer, without a count; a null pointer writes no elements.
     CRecordBuilder& Item(unsigned typeTag, std::uint64_t pointer,
-                         const std::vector<std::int64_t>& scalars);
+                         const std::vector<std::int64_t>& scalars) {
+        return Pointer(pointer).Scalars(typeTag, pointer, scalars);
+    }
     CRecordBuilder& RealItem(unsigned typeTag, std::uint64_t pointer,
-                             const std::vector<float>& scalars);
+                             const std::vector<float>& scalars) {
+        return Item(typeTag, pointer, BitsOf(scalars));
+    }
     /// An EGL attribute list, its EGL_NONE included in `list`; an empty list is a null pointer.
     CRecordBuilder& Attributes(const std::vector<std::int64_t>& list,
                                std::uint64_t pointer = 0x10000) {
@@ -130,6 +139,19 @@ public:
     const Bytes& Content() const { return m_bytes; }
 
 private:
+    CRecordBuilder& Little(std::uint64_t value, std::size_t width);
+    CRecordBuilder& Scalars(unsigned typeTag, std::uint64_t pointer,
+                            const std::vector<std::int64_t>& scalars) {
+        for (std::size_t i = 0; pointer != 0 && i < scalars.size(); ++i) {
+            Signed(typeTag, scalars[i]);
+        }
+        return *this;
+    }
+    static std::vector<std::int64_t> BitsOf(const std::vector<float>& reals) {
+        std::vector<std::int64_t> bits;
+        for (const float real : reals) bits.push_back(std::bit_cast<std::uint32_t>(real));
+        return bits;
+    }
     CRecordBuilder& Signed(unsigned typeTag, std::int64_t value) {
         return Value(typeTag, static_cast<std::uint64_t>(value));
     }
@@ -167,8 +189,14 @@ public:
 
     STraceSettings settings;
 
-    CTraceBuilder& Disable(std::uint32_t callNumber);
-    CTraceBuilder& OverrideText(std::uint32_t callNumber, std::string_view text);
+    CTraceBuilder& Disable(std::uint32_t callNumber) {
+        m_disabled.push_back(callNumber);
+        return *this;
+    }
+    CTraceBuilder& OverrideText(std::uint32_t callNumber, std::string_view text) {
+        m_overrides.emplace_back(callNumber, text);
+        return *this;
+    }
 
     /// A payload that begins with the family's own fields.
     CRecordBuilder Egl(std::int32_t error = 0x3000) const { return Plain().EglInt(error); }
@@ -187,8 +215,14 @@ public:
     /// A section marker, 2 to 5.
     CTraceBuilder& Marker(std::uint16_t id) { return Add(id, Plain()); }
     /// What follows goes to the state section behind the call records, until EndState.
-    CTraceBuilder& BeginState();
-    CTraceBuilder& EndState();
+    CTraceBuilder& BeginState() {
+        m_inState = true;
+        return *this;
+    }
+    CTraceBuilder& EndState() {
+        m_inState = false;
+        return *this;
+    }
 
     // EGL start-up on the handles below, and the frame's end.
     static constexpr std::uint32_t display = 0x100;
@@ -210,8 +244,14 @@ public:
     /// Display, context, window surface and eglMakeCurrent in one.
     CTraceBuilder& StartUp(int clientVersion, std::uint32_t width, std::uint32_t height);
     /// The file is changed at that offset, or ends there.
-    CTraceBuilder& Patch(std::size_t offset, std::uint32_t value);
-    CTraceBuilder& CutAt(std::size_t size);
+    CTraceBuilder& Patch(std::size_t offset, std::uint32_t value) {
+        m_patches.emplace_back(offset, value);
+        return *this;
+    }
+    CTraceBuilder& CutAt(std::size_t size) {
+        m_cutAt = size;
+        return *this;
+    }
 
     std::uint32_t Version() const { return m_version; }
     /// Number of calls added so far to the section in hand, markers and thread records left out.

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "tests/support/recordings.h"
+#include "tests/unit/unit_support.h"
 #include "tracefile/document/trace_document.h"
 
 namespace kestrail {
@@ -60,24 +61,12 @@ private:
     void AddText(std::string_view text) {
         m_hash = m_hash * 1000003 + std::hash<std::string_view>()(text);
     }
-    void Add(CCallEntry& entry) {
-        const CGenCallInfo info = entry.GetInfo();
-        const CGenCallInfo::Parameters* const parameters = info.GetParameters();
-        m_line.Clear();
-        m_line.Append(info.GetCallName());
-        for (std::uint32_t i = 0; parameters != nullptr && i < parameters->size(); ++i) {
-            (*parameters)[i]->AppendText(m_line);
-        }
-        if (info.GetReturnValue() != nullptr) info.GetReturnValue()->AppendDetailText(m_line);
-        info.GetErrorValue()->AppendText(m_line);
-        AddText(m_line.View());
-    }
+    void Add(CCallEntry& entry) { AddText(LineOf(entry.GetInfo())); }
 
     STold m_told;
     CTraceDocument m_whole{m_told}, m_stream{m_told};
     CFrameStore* m_store = nullptr;
     SFrameState m_state;
-    TextWriter m_line;
     std::size_t m_hash = 0;
     std::uint32_t m_number = 0;
     std::uint32_t m_frame = 0;

@@ -13,7 +13,7 @@
 
 #include "base/diagnostics.h"
 #include "base/output.h"
-#include "calls/model/api_type.h"
+#include "calls/model/call_info.h"
 #include "tests/support/call_notation.h"
 #include "tracefile/bytes/trace.h"
 
@@ -122,6 +122,22 @@ inline std::string LinesText(const SApiTypeBase& value) {
     CKSTLString text;
     value.GetDetailText(text);
     return std::string(text.view());
+}
+
+/// A call with its values, its result and its error.
+inline std::string LineOf(const CGenCallInfo& info) {
+    TextWriter line;
+    line.Append(info.GetCallName());
+    const CGenCallInfo::Parameters* const parameters = info.GetParameters();
+    for (std::uint32_t i = 0; parameters != nullptr && i < parameters->size(); ++i) {
+        line.Append(i == 0 ? "(" : ", ");
+        (*parameters)[i]->AppendText(line);
+    }
+    line.Append(") => ");
+    if (info.GetReturnValue() != nullptr) info.GetReturnValue()->AppendDetailText(line);
+    line.Append(" :: ");
+    info.GetErrorValue()->AppendText(line);
+    return std::string(line.View());
 }
 
 /// Nobody is told anything.

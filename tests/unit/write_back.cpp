@@ -21,23 +21,6 @@ struct SWritten {
     Bytes before, after;
 };
 
-std::string LineOf(CApiCall& call) {
-    CGenCallInfo info;
-    call.FillCallInfo(info, true);
-    TextWriter line;
-    line.Append(info.GetCallName());
-    const CGenCallInfo::Parameters* const parameters = info.GetParameters();
-    for (std::uint32_t i = 0; parameters != nullptr && i < parameters->size(); ++i) {
-        line.Append(i == 0 ? "(" : ", ");
-        (*parameters)[i]->AppendText(line);
-    }
-    line.Append(") => ");
-    if (info.GetReturnValue() != nullptr) info.GetReturnValue()->AppendText(line);
-    line.Append(" :: ");
-    info.GetErrorValue()->AppendText(line);
-    return std::string(line.View());
-}
-
 /// Reads the calls of a file one after the other, and writes each. `parts` are the file's.
 std::vector<SWritten> WriteCalls(const CKSTLString& path, const STraceParts& parts) {
     WidthTable widths = parts.Widths();
@@ -68,8 +51,10 @@ std::vector<SWritten> WriteCalls(const CKSTLString& path, const STraceParts& par
         writer.Start();
         call->Write(writer);
         const auto after = writer.Finish();
+        CGenCallInfo info;
+        call->FillCallInfo(info, true);
         written.push_back(
-            {record.id, LineOf(*call), record.payload, Bytes(after.begin(), after.end())});
+            {record.id, LineOf(info), record.payload, Bytes(after.begin(), after.end())});
     }
     return written;
 }

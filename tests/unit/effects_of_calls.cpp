@@ -2,7 +2,6 @@
 // in their lists of parameters, with a reading of OpenGL ES of its own and none of the records.
 #include <fnmatch.h>
 
-#include <array>
 #include <cstring>
 #include <map>
 #include <set>
@@ -108,8 +107,12 @@ struct SCall {
 class CContext {
 public:
     bool es1 = false;
-    std::int64_t drawSurface = 0, readSurface = 0;
     Lines lines;
+
+    void SetSurfaces(std::int64_t draw, std::int64_t read) {
+        m_drawSurface = draw;
+        m_readSurface = read;
+    }
 
     void Play(SCall call) {
         static const std::vector<Words> s_settings = RowsOf(kSettings), s_deeds = RowsOf(kDeeds);
@@ -218,11 +221,11 @@ private:
         }
         if (where != "attachments") return;
         for (const std::int64_t point : call.values.at(where)) {
-            const unsigned aspects = point == 6145 || point == 36096   ? 2
-                                     : point == 6146 || point == 36128 ? 4
-                                     : point == 33306                  ? 6
-                                                                       : 1;
-            Framebuffer(access, target == 36008, aspects, point == 6144 ? 36064 : point);
+            static const std::map<std::int64_t, unsigned> s_aspects = {
+                {6145, 2}, {36096, 2}, {6146, 4}, {36128, 4}, {33306, 6}};
+            const auto found = s_aspects.find(point);
+            Framebuffer(access, target == 36008, found == s_aspects.end() ? 1 : found->second,
+                        point == 6144 ? 36064 : point);
         }
     }
     void Framebuffer(const std::string& access, bool read, unsigned aspects,
@@ -232,7 +235,8 @@ private:
         const Numbers drawn = set != m_set.end() ? set->second : Numbers{bound == 0 ? 1029 : 36064};
         if (bound == 0) {
             const bool color = read || only == 36064 || (only < 0 && drawn.front() != 0);
-            Say(access, "surface", read ? readSurface : drawSurface, color ? aspects : aspects & 6);
+            Say(access, "surface", read ? m_readSurface : m_drawSurface,
+                color ? aspects : aspects & 6);
         }
         for (const auto& [point, attached] : Under("attachment", bound)) {
             const unsigned aspect = point == 36096 ? 2 : point == 36128 ? 4 : 1;
@@ -303,7 +307,7 @@ private:
                                             {"stencils", {0xFF}},
                                             {"unit", {33984}},
                                             {"clientUnit", {33984}}};
-    std::int64_t m_lastUnit = 33984;
+    std::int64_t m_lastUnit = 33984, m_drawSurface = 0, m_readSurface = 0;
 };
 
 Lines Found(const std::vector<SEffect>& effects, Lines& expected) {
@@ -314,12 +318,11 @@ Lines Found(const std::vector<SEffect>& effects, Lines& expected) {
         if (!effect.unknown) AddLines(found, what, effect.name, effect.aspects);
     }
     for (const SEffect& effect : effects) {
-        if (!effect.unknown) continue;
         const std::string kind = std::string(" ") + kKinds[static_cast<int>(effect.kind)] + " ";
         const std::string what = kAccesses[static_cast<int>(effect.access)] + kind;
         // Before what can't be told is written, what is gone of it is left out.
         std::erase_if(expected, [&](const std::string& line) {
-            return !found.contains(line) &&
+            return effect.unknown && !found.contains(line) &&
                    (line.starts_with(what) || line.starts_with("wipe" + kind));
         });
     }
@@ -340,51 +343,174 @@ SCall CallOf(const CGenCallInfo& info) {
     return call;
 }
 
-/// Compares a whole recording; how many effects its calls have.
-std::size_t Compare(const std::string& path) {
+/// Shows each call of a trace and its effects, as long as nothing fails.
+template <typename Look>
+void ForEachCall(const std::string& path, Look look) {
     SQuiet told;
     CTraceDocument document(told);
-    EXPECT_EQ(document.OpenTrace(path.c_str(), true), 0U);
-    CFrameStore& store = *document.GetFrameStore();
+    ASSERT_EQ(document.OpenTrace(path.c_str(), true), 0U);
     SFrameState state;
     SUpdates updates(told);
-    std::array<CContext, 2> contexts;
-    std::vector<SEffect> effects;
-    std::size_t count = 0;
+    CFrameStore& store = *document.GetFrameStore();
     for (std::uint32_t number = 1; CCallEntry* const entry = store.CallAt(number); ++number) {
-        const CGenCallInfo info = entry->GetInfo();
-        const SCall call = CallOf(info);
-        const bool es1 = std::string_view(info.GetApiName()) == "ES1";
-        CContext& context = contexts[es1 ? 1 : 0];
-        context.es1 = es1;
-        context.lines.clear();
-        const std::string error = ShortText(*info.GetErrorValue());
-        if (error == "GL_NO_ERROR" || error == "EGL_SUCCESS") {
-            context.Play(call);
-            for (CContext& each : contexts) {
-                if (call.name != "eglMakeCurrent") break;
-                each.drawSurface = call["draw"];
-                each.readSurface = call["read"];
-            }
-        }
-        effects.clear();
+        SCOPED_TRACE(number);
+        std::vector<SEffect> effects;
         ListEffects(*entry->call, *state.egl, *state.es1, *state.es2, effects);
-        const Lines found = Found(effects, context.lines);
-        EXPECT_EQ(found, context.lines) << number << ' ' << call.name;
-        if (testing::Test::HasFailure()) break;
-        count += effects.size();
+        look(entry->GetInfo(), effects);
+        if (testing::Test::HasFailure()) return;
         state.Apply(*entry->call, updates, EApplied::kRecorded);
     }
-    return count;
 }
 
 TEST(Effects, OfEveryCallAreWhatAnotherLookFinds) {
     std::size_t count = 0;
     for (const auto& path : AllTraces()) {
         SCOPED_TRACE(path);
-        count += Compare(path);
+        CContext contexts[2];
+        contexts[1].es1 = true;
+        ForEachCall(path, [&](const CGenCallInfo& info, const std::vector<SEffect>& effects) {
+            const SCall call = CallOf(info);
+            CContext& context = contexts[std::string_view(info.GetApiName()) == "ES1" ? 1 : 0];
+            context.lines.clear();
+            const std::string error = ShortText(*info.GetErrorValue());
+            if (error == "GL_NO_ERROR" || error == "EGL_SUCCESS") {
+                context.Play(call);
+                for (CContext& each : contexts) {
+                    if (call.name == "eglMakeCurrent") each.SetSurfaces(call["draw"], call["read"]);
+                }
+            }
+            const Lines found = Found(effects, context.lines);
+            EXPECT_EQ(found, context.lines) << call.name;
+            count += effects.size();
+        });
     }
     EXPECT_GT(count, 0U);
+}
+
+/// Calls behind the version of the context, and behind an arrow the effects of the last of them. A
+/// ? stands behind the kind of what can't be told; only what differs from a whole object is shown.
+constexpr const char* kRows =
+    R"(2 eglSurfaceAttrib DPY SRF 12435 12436 = 1; eglSwapBuffers DPY SRF 1 0 0 null = 1
+-> read surface 1024 c; wipe surface 1024 ds
+2 eglSurfaceAttrib DPY SRF 12435 12436 = 1; eglSurfaceAttrib DPY SRF 12435 12437 = 1;
+  eglSwapBuffers DPY SRF 1 0 0 null = 1
+-> read surface 1024 c; wipe surface 1024
+2 eglQuerySurface DPY SRF 12605 {2} = 1
+-> read surface? 1024
+2 glBindTexture GL_TEXTURE_2D 7; eglBindTexImage DPY 0x500 12420 = 1
+-> read surface 1280 c; wipe texture 7; write texture 7
+2 glColorMask 1 1 1 0; glStencilMask 0x0F; glDepthMask 0; glClear 0x4500
+-> write surface 1024 cs
+2 glColorMask 0 0 0 0; glClear 0x4000
+->
+2 glEnable GL_SCISSOR_TEST; glScissor 1 2 3 4; glClear 0x4100
+-> write surface 1024 cd at 1,2 3x4
+1 glEnable GL_SCISSOR_TEST; glScissor 1 2 3 4; glClear 0x4000
+-> write surface 1024 c at 1,2 3x4
+3 glDrawBuffers 1 {GL_NONE}; glClear 0x4100
+-> wipe surface 1024 d; write surface 1024 d
+2 glClear 0x4000 !GL_INVALID_VALUE
+->
+3 glBindFramebuffer GL_FRAMEBUFFER 5; glFramebufferRenderbuffer GL_FRAMEBUFFER
+  GL_DEPTH_STENCIL_ATTACHMENT GL_RENDERBUFFER 6; glFramebufferTexture2D GL_FRAMEBUFFER
+  GL_COLOR_ATTACHMENT1 GL_TEXTURE_CUBE_MAP_NEGATIVE_X 7 2;
+  glDrawBuffers 2 {GL_NONE GL_COLOR_ATTACHMENT1}; glClear 0x4500
+-> wipe texture 7 c level 2 layer 1; wipe renderbuffer 6 ds; write texture 7 c level 2 layer 1;
+  write renderbuffer 6 ds
+3 glBindFramebuffer GL_FRAMEBUFFER 5; glFramebufferTextureLayer GL_FRAMEBUFFER
+  GL_COLOR_ATTACHMENT0 7 0 3; glClear 0x4000
+-> write texture? 0; write renderbuffer? 0
+3 glBindFramebuffer GL_DRAW_FRAMEBUFFER 5; glBindFramebuffer GL_READ_FRAMEBUFFER 6;
+  glFramebufferTexture2D GL_FRAMEBUFFER GL_COLOR_ATTACHMENT0 GL_TEXTURE_2D 7 0;
+  glBlitFramebuffer 0 0 8 8 9 8 1 0 0x4000 GL_NEAREST
+-> read texture? 0; read renderbuffer? 0; write texture? 0; write renderbuffer? 0
+3 glBindFramebuffer GL_READ_FRAMEBUFFER 6; glFramebufferTexture2D GL_READ_FRAMEBUFFER
+  GL_COLOR_ATTACHMENT0 GL_TEXTURE_2D 7 0; glBlitFramebuffer 0 0 8 8 9 8 1 0 0x4000 GL_NEAREST
+-> read texture 7 c level 0 layer 0 at 0,0 8x8; write surface 1024 c at 1,0 8x8
+3 glBindFramebuffer GL_FRAMEBUFFER 6; glDeleteFramebuffers 1 {6}; glClear 0x100
+-> wipe surface 1024 d; write surface 1024 d
+2 glBindTexture GL_TEXTURE_CUBE_MAP 7;
+  glCopyTexImage2D GL_TEXTURE_CUBE_MAP_NEGATIVE_X 1 GL_RGBA 3 4 8 8 0
+-> read surface 1024 c at 3,4 8x8; wipe texture 7 level 1 layer 1 at 0,0 8x8;
+  write texture 7 level 1 layer 1 at 0,0 8x8
+3 glBindTexture GL_TEXTURE_2D_ARRAY 7; glTexSubImage3D GL_TEXTURE_2D_ARRAY 0 1 2 3 4 5 2 GL_RGBA
+  GL_UNSIGNED_BYTE [00*160]
+-> send texture 7 level 0 layer 3-4 at 1,2 4x5
+3 glBindTexture GL_TEXTURE_2D_ARRAY 7; glCopyTexSubImage3D GL_TEXTURE_2D_ARRAY 1 2 3 4 5 6 7 8
+-> read surface 1024 c at 5,6 7x8; write texture 7 level 1 layer 4 at 2,3 7x8
+3 glBindTexture GL_TEXTURE_2D 7; glBindBuffer GL_PIXEL_UNPACK_BUFFER 8; glTexSubImage2D
+  GL_TEXTURE_2D 0 0 0 1 1 GL_RGBA GL_UNSIGNED_BYTE null
+-> read buffer 8; write texture 7 level 0 at 0,0 1x1
+3 glBindTexture GL_TEXTURE_2D 7; glTexParameteri GL_TEXTURE_2D GL_TEXTURE_BASE_LEVEL 2;
+  glGenerateMipmap GL_TEXTURE_2D
+-> read texture 7 level 2; wipe texture 7 level 3-65535; write texture 7 level 3-65535
+1 glBindTexture GL_TEXTURE_2D 7; glTexParameterx GL_TEXTURE_2D 33169 1;
+  glCopyTexSubImage2D GL_TEXTURE_2D 0 1 2 3 4 5 6
+-> read surface 1024 c at 3,4 5x6; write texture 7 level 0 at 1,2 5x6; write texture 7 level 1-65535
+2 glBindTexture 36197 7; glTexImage2D 36197 0 GL_RGBA 1 1 0 GL_RGBA GL_UNSIGNED_BYTE [00*4] 4
+-> send texture? 0
+3 glBindBuffer GL_PIXEL_PACK_BUFFER 8; glReadPixels 0 0 1 1 GL_RGBA GL_UNSIGNED_BYTE null
+-> read surface 1024 c at 0,0 1x1; write buffer 8
+3 glBindBuffer GL_PIXEL_PACK_BUFFER 8; glDeleteBuffers 1 {8};
+  glReadPixels 0 0 1 1 GL_RGBA GL_UNSIGNED_BYTE null
+-> read surface 1024 c at 0,0 1x1
+3 glBindVertexArray 2; glBindBuffer GL_ARRAY_BUFFER 8; glBindVertexArray 3;
+  glBufferData GL_ARRAY_BUFFER 2 [00*2] GL_STATIC_DRAW
+-> wipe buffer 8; send buffer 8
+3 glBindBufferBase GL_UNIFORM_BUFFER 1 8; glBeginTransformFeedback GL_POINTS;
+  glDrawArraysInstanced GL_POINTS 0 1 1
+-> read buffer? 0; read texture 0; write surface 1024 c; write buffer? 0
+3 glBeginTransformFeedback GL_POINTS; glEndTransformFeedback [00];
+  glDrawArraysInstanced GL_POINTS 0 1 1
+-> read texture 0; write surface 1024 c
+)";
+
+std::string Text(const SEffect& effect) {
+    std::ostringstream text;
+    text << kAccesses[static_cast<int>(effect.access)] << ' '
+         << kKinds[static_cast<int>(effect.kind)] << (effect.unknown ? "?" : "") << ' '
+         << effect.name << (effect.aspects != kAllAspects ? " " : "");
+    for (int i = 0; i < 3 && effect.aspects != kAllAspects; ++i) {
+        if ((effect.aspects >> i & 1) != 0) text << "cds"[i];
+    }
+    for (const auto& [what, span] :
+         {std::pair(" level ", effect.levels), {" layer ", effect.layers}}) {
+        if (span == SSpan()) continue;
+        text << what << span.first;
+        if (span.last != span.first) text << '-' << span.last;
+    }
+    const SArea& area = effect.area;
+    if (area.width != 0) {
+        text << " at " << area.x << ',' << area.y << ' ' << area.width << 'x' << area.height;
+    }
+    return text.str();
+}
+
+TEST(Effects, OfCallsByTheStateInFrontOfThem) {
+    std::istringstream stream(kRows);
+    std::string row[2], found;
+    int part = 0;
+    for (std::string line; std::getline(stream, line);) {
+        if (line[0] == '-') part = 1;
+        row[part] += line.substr(line[0] == '-' ? 2 : line[0] == ' ' ? 1 : 0);
+        if (part == 0 || stream.peek() == ' ') continue;
+        const int version = row[0][0] - '0';
+        CTraceBuilder trace;
+        trace.StartUp(version, 64, 48);
+        std::istringstream calls(row[0].substr(2));
+        for (std::string call; std::getline(calls >> std::ws, call, ';');) {
+            AddCall(trace, call, version == 1);
+        }
+        const CTempFile file(trace.Build());
+        ForEachCall(file.Name().c_str(), [&](const CGenCallInfo&, const auto& effects) {
+            found.clear();
+            for (const SEffect& effect : effects)
+                found += (found.empty() ? " " : "; ") + Text(effect);
+        });
+        EXPECT_EQ(found, row[1]) << row[0];
+        for (std::string& each : row) each.clear();
+        part = 0;
+    }
 }
 
 }  // namespace
