@@ -30,14 +30,8 @@ public:
 
     /// The value to change. References that were read before it may be those of another owner now.
     T& Write() {
-        if (m_node == nullptr) {
-            // Not a copy of the default: what that shares is counted, by whatever thread.
-            m_node = new SNode{T{}};
-        } else if (m_node->owners > 1) {
-            SNode* copy = new SNode{m_node->value};
-            --m_node->owners;
-            m_node = copy;
-        }
+        if (m_node == nullptr || m_node->owners > 1) [[unlikely]]
+            Own();
         return m_node->value;
     }
 
@@ -51,6 +45,18 @@ private:
         T value;
         std::uint32_t owners = 1;
     };
+
+    /// Apart from where it is asked, which is often, and in vain.
+    [[gnu::noinline]] void Own() {
+        if (m_node == nullptr) {
+            // Not a copy of the default: what that shares is counted, by whatever thread.
+            m_node = new SNode{T{}};
+            return;
+        }
+        SNode* const copy = new SNode{m_node->value};
+        --m_node->owners;
+        m_node = copy;
+    }
 
     /// What a value that was never written reads as.
     static const T& Default() {

@@ -58,7 +58,7 @@ TEST(StateSharing, Es2CallsThatChangeNothingCopyNothing) {
     CEs2State a;
     const CEs2State b =
         AppliedTwice(a, kEs2Calls, 4, [](CApiCall& call, CEs2State& state, SUpdates& updates) {
-            ApplyEs2Call(call, state, updates);
+            static_cast<CEs2Call&>(call).UpdateState(state, updates);
         });
     using S = CEs2State;
     EXPECT_THAT(Shared(a, b, &S::buffers, &S::framebuffers, &S::programs, &S::renderbuffers,

@@ -104,14 +104,14 @@ bool SFrameState::Apply(CApiCall& call, SUpdates& updates, EApplied what) {
     constexpr std::uint32_t kEs3 = 3;
     const bool recorded = what == EApplied::kRecorded;
     const bool sets = call.m_updatesState;
-    // Kept: failed calls of EGL and extensions count, in a sought frame all; tools compare seeks.
-    const auto counts = [&] { return !recorded || !call.HadFailed(); };
+    // Kept: failed calls of EGL and extensions count, whose errors stand elsewhere, and in a sought
+    // frame all; tools compare seeks.
+    if (recorded && call.m_error.GetValue() != GL_NO_ERROR) return false;
     switch (call.m_group) {
         case kGroupEgl:
             if (sets) static_cast<CEglCall&>(call).UpdateState(egl.Write(), updates);
             break;
         case kGroupEs1:
-            if (!counts()) return false;
             if (sets) static_cast<CEs1Call&>(call).UpdateState(es1.Write(), updates);
             break;
         case kGroupExtEs1:
@@ -119,8 +119,7 @@ bool SFrameState::Apply(CApiCall& call, SUpdates& updates, EApplied what) {
             if (sets && recorded) static_cast<CExtCall&>(call).UpdateState(es1.Write(), updates);
             break;
         case kGroupEs2:
-            if (!counts()) return false;
-            if (sets) ApplyEs2Call(call, es2.Write(), updates);
+            if (sets) static_cast<CEs2Call&>(call).UpdateState(es2.Write(), updates);
             if (egl->contextClientVersion == kEs3 && es2->apiVersion != kEs3) {
                 es2.Write().apiVersion = kEs3;
             }
@@ -130,13 +129,6 @@ bool SFrameState::Apply(CApiCall& call, SUpdates& updates, EApplied what) {
             break;
     }
     return true;
-}
-
-bool ApplyEs2Call(CApiCall& call, CEs2State& state, SUpdates& updates) {
-    if (FamilyOf(call.m_id) == EFamily::kEs3) {
-        return static_cast<CEs3Call&>(call).UpdateState(state, updates);
-    }
-    return static_cast<CEs2Call&>(call).UpdateState(state, updates);
 }
 
 const SFrameState& CFrameStore::StateOfFrame(std::uint32_t frame) const {

@@ -68,9 +68,6 @@ struct SFrameState {
     bool Apply(CApiCall& call, SUpdates& updates, EApplied what);
 };
 
-/// Applies a call of the ES2 group, which is one of ES2 or ES3, to a record.
-bool ApplyEs2Call(CApiCall& call, CEs2State& state, SUpdates& updates);
-
 class CFrameStore {
 public:
     explicit CFrameStore(Diagnostics& diagnostics) : m_updates(diagnostics) { BeginFrame(); }
