@@ -82,3 +82,23 @@ add_custom_command(
   VERBATIM)
 # Everything that includes a generated header waits for it.
 add_custom_target(kestrail_host_tables DEPENDS ${host_headers})
+
+# What the recording library puts in the places of the host's entries.
+find_path(KESTRAIL_PUBLISHED_HEADERS EGL/egl.h REQUIRED)
+mark_as_advanced(KESTRAIL_PUBLISHED_HEADERS)
+set(parts_recorder 4)
+set(KESTRAIL_RECORDER_SOURCES ${generated}/recorder/entries.cpp)
+foreach(part RANGE 1 ${parts_recorder})
+  list(APPEND KESTRAIL_RECORDER_SOURCES ${generated}/recorder/entries_${part}.cpp)
+endforeach()
+set(by_hand ${PROJECT_SOURCE_DIR}/recorder/library/by_hand.h)
+add_custom_command(
+  OUTPUT ${generated}/recorder/entries.h ${KESTRAIL_RECORDER_SOURCES}
+  COMMAND
+    Python3::Interpreter -B ${callgen}/recorder.py ${PROJECT_SOURCE_DIR}/calls
+    ${KESTRAIL_PUBLISHED_HEADERS} ${by_hand} ${generated}/recorder ${parts_recorder}
+  DEPENDS ${callgen}/recorder.py ${callgen}/prototypes.py ${callgen}/table.py ${by_hand}
+          ${PROJECT_SOURCE_DIR}/calls/egl/egl.calls ${PROJECT_SOURCE_DIR}/calls/es1/es1.calls
+          ${PROJECT_SOURCE_DIR}/calls/es2/es2.calls ${PROJECT_SOURCE_DIR}/calls/es3/es3.calls
+          ${PROJECT_SOURCE_DIR}/calls/ext/ext.calls
+  VERBATIM)

@@ -6,10 +6,16 @@
 # padded to be changed later has empty entries, which stand for the current folder.
 include(GNUInstallDirs)
 
+# The way from the programs to the libraries that are ours alone, and where those stand in the build
+# tree.
+file(RELATIVE_PATH KESTRAIL_PRIVATE_WAY ${CMAKE_INSTALL_FULL_BINDIR}
+     ${CMAKE_INSTALL_FULL_LIBDIR}/kestrail)
+cmake_path(ABSOLUTE_PATH KESTRAIL_PRIVATE_WAY BASE_DIRECTORY ${PROJECT_BINARY_DIR}/bin NORMALIZE
+           OUTPUT_VARIABLE KESTRAIL_PRIVATE_FOLDER)
+
 function(kestrail_use_host_links target)
   set(bin ${PROJECT_BINARY_DIR}/bin)
-  file(RELATIVE_PATH way ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR}/kestrail)
-  cmake_path(ABSOLUTE_PATH way BASE_DIRECTORY ${bin} NORMALIZE OUTPUT_VARIABLE folder)
+  set(folder ${KESTRAIL_PRIVATE_FOLDER})
   file(MAKE_DIRECTORY ${folder})
   foreach(pair "libEGL.so libEGL.so.1" "libGLES_CM.so libGLESv1_CM.so.1"
                "libGLESv2.so libGLESv2.so.2")
@@ -25,6 +31,6 @@ function(kestrail_use_host_links target)
   target_link_options(${target} PRIVATE -Wl,--enable-new-dtags)
   set_target_properties(
     ${target} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${bin} BUILD_WITH_INSTALL_RPATH ON
-                         INSTALL_RPATH "$ORIGIN/${way}")
+                         INSTALL_RPATH "$ORIGIN/${KESTRAIL_PRIVATE_WAY}")
   install(TARGETS ${target})
 endfunction()

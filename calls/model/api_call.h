@@ -13,6 +13,7 @@
 namespace kestrail {
 
 class CEffects;
+// What calls change, which they only name: their `UpdateState` is written in the room state/.
 class CEglState;
 class CEs1State;
 class CEs2State;

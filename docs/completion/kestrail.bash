@@ -1,0 +1,23 @@
+# Completion of `kestrail` for bash.
+_kestrail() {
+    local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]}
+    COMPREPLY=()
+    if ((COMP_CWORD == 1)); then
+        mapfile -t COMPREPLY < <(compgen -W "record help --help --version" -- "$word")
+        return
+    fi
+    [[ ${COMP_WORDS[1]} == record ]] || return
+    case $before in
+        -o | --output | --summary) compopt -o default ;;
+        --) mapfile -t COMPREPLY < <(compgen -c -- "$word") ;;
+        *)
+            if [[ $word == -* ]]; then
+                mapfile -t COMPREPLY < <(compgen -W "-o --output --force --pictures --frames --exit
+                    --only --follow --no-follow --no-limit --summary --help --" -- "$word")
+            else
+                mapfile -t COMPREPLY < <(compgen -c -- "$word")
+            fi
+            ;;
+    esac
+}
+complete -F _kestrail kestrail

@@ -1,0 +1,158 @@
+// Buffers that the application writes through a pointer. What it wrote is recorded as
+// glBufferSubData before the buffer is given back: maps of ES3 themselves aren't played.
+#include <cstring>
+
+#include "generated/calls/identifiers.h"
+#include "recorder/library/by_hand.h"
+
+namespace kestrail::recorder {
+namespace {
+
+#define HOST KESTRAIL_HOST
+
+GLint BufferValue(CThread& thread, GLenum target, GLenum name) {
+    GLint value = 0;
+    HOST(thread, glGetBufferParameteriv)(target, name, &value);
+    return value;
+}
+
+void RecordSubData(CThread& thread, GLenum target, GLintptr offset, GLsizeiptr size,
+                   const void* data) {
+    if (data == nullptr || size <= 0) return;
+    CCallWriter w(thread, es2_id::glBufferSubData);
+    w.Put<TGLError>(GL_NO_ERROR);
+    w.Put<TGLenum>(target);
+    w.Put<TGLintptr>(offset);
+    w.Put<TGLsizeiptr>(size);
+    w.PutBlock(data, size);
+}
+
+/// The piece of the bound buffer that is mapped; nothing for one that isn't.
+struct SMapped {
+    const std::uint8_t* data = nullptr;
+    GLintptr offset = 0;
+    GLsizeiptr size = 0;
+    GLbitfield access = 0;
+};
+SMapped Mapped(CThread& thread, GLenum target) {
+    SMapped mapped;
+    if (BufferValue(thread, target, GL_BUFFER_MAPPED) == GL_FALSE) return mapped;
+    mapped.access = static_cast<GLbitfield>(BufferValue(thread, target, GL_BUFFER_ACCESS_FLAGS));
+    mapped.offset = BufferValue(thread, target, GL_BUFFER_MAP_OFFSET);
+    mapped.size = BufferValue(thread, target, GL_BUFFER_MAP_LENGTH);
+    void* pointer = nullptr;
+    HOST(thread, glGetBufferPointerv)(target, GL_BUFFER_MAP_POINTER, &pointer);
+    mapped.data = static_cast<const std::uint8_t*>(pointer);
+    return mapped;
+}
+
+void RecordBind(CThread& thread, GLenum target, GLuint buffer) {
+    CCallWriter w(thread, es2_id::glBindBuffer);
+    w.Put<TGLError>(GL_NO_ERROR);
+    w.Put<TGLenum>(target);
+    w.Put<TGLuint>(buffer);
+}
+
+/// What a piece of a buffer holds, as if the application had put it there.
+void RecordContents(CThread& thread, GLuint buffer, GLintptr start, GLsizeiptr size) {
+    GLint before = 0;
+    HOST(thread, glGetIntegerv)(GL_COPY_READ_BUFFER_BINDING, &before);
+    HOST(thread, glBindBuffer)(GL_COPY_READ_BUFFER, buffer);
+    if (size == 0) size = BufferValue(thread, GL_COPY_READ_BUFFER, GL_BUFFER_SIZE) - start;
+    const void* const data =
+        HOST(thread, glMapBufferRange)(GL_COPY_READ_BUFFER, start, size, GL_MAP_READ_BIT);
+    if (data != nullptr) {
+        RecordBind(thread, GL_COPY_READ_BUFFER, buffer);
+        RecordSubData(thread, GL_COPY_READ_BUFFER, start, size, data);
+        RecordBind(thread, GL_COPY_READ_BUFFER, static_cast<GLuint>(before));
+        HOST(thread, glUnmapBuffer)(GL_COPY_READ_BUFFER);
+    }
+    HOST(thread, glBindBuffer)(GL_COPY_READ_BUFFER, static_cast<GLuint>(before));
+    HOST(thread, glGetError)();
+}
+
+}  // namespace
+
+void* Call_glMapBufferRange(GLenum target, GLintptr offset, GLsizeiptr length, GLbitfield access) {
+    CThread& thread = CThread::Current();
+    void* const result = HOST(thread, glMapBufferRange)(target, offset, length, access);
+    if (CThread::Recording() != nullptr) thread.KeepGlError();
+    return result;
+}
+
+void Call_glFlushMappedBufferRange(GLenum target, GLintptr offset, GLsizeiptr length) {
+    CThread& thread = CThread::Current();
+    HOST(thread, glFlushMappedBufferRange)(target, offset, length);
+    if (CThread::Recording() == nullptr || thread.KeepGlError() != GL_NO_ERROR) return;
+    const SMapped mapped = Mapped(thread, target);
+    if (mapped.data == nullptr) return;
+    RecordSubData(thread, target, mapped.offset + offset, length, mapped.data + offset);
+}
+
+GLboolean Call_glUnmapBuffer(GLenum target) {
+    CThread& thread = CThread::Current();
+    if (CThread::Recording() != nullptr) {
+        const SMapped mapped = Mapped(thread, target);
+        const bool written = (mapped.access & GL_MAP_WRITE_BIT) != 0 &&
+                             (mapped.access & GL_MAP_FLUSH_EXPLICIT_BIT) == 0;
+        // A question about a target that isn't one fails as the call does.
+        HOST(thread, glGetError)();
+        if (written) RecordSubData(thread, target, mapped.offset, mapped.size, mapped.data);
+    }
+    const GLboolean result = HOST(thread, glUnmapBuffer)(target);
+    if (CThread::Recording() != nullptr) thread.KeepGlError();
+    return result;
+}
+
+GLboolean Call_glUnmapBufferOES(GLenum target) {
+    CThread& thread = CThread::Current();
+    std::vector<std::uint8_t> written;
+    void* pointer = nullptr;
+    if (CThread::Recording() != nullptr) {
+        HOST(thread, glGetBufferPointervOES)(target, GL_BUFFER_MAP_POINTER_OES, &pointer);
+        const GLint size = BufferValue(thread, target, GL_BUFFER_SIZE);
+        HOST(thread, glGetError)();
+        if (pointer != nullptr && size > 0) {
+            const auto* const bytes = static_cast<const std::uint8_t*>(pointer);
+            written.assign(bytes, bytes + size);
+        }
+    }
+    const GLboolean result = HOST(thread, glUnmapBufferOES)(target);
+    if (CThread::Recording() == nullptr) return result;
+    const std::uint32_t error = thread.KeepGlError();
+    CCallWriter w(thread, ext_id::glUnmapBufferOES);
+    w.Put<TGLError>(error);
+    w.Put<TGLubyte>(thread.Context()->IsEs1() ? 1 : 2);
+    w.Put<TGLboolean>(result);
+    w.Put<TGLenum>(target);
+    w.PutBlock(pointer, written.data(), written.size());
+    return result;
+}
+
+void Record_glEndTransformFeedback(CThread& thread, GLenum error) {
+    {
+        CCallWriter w(thread, es3_id::glEndTransformFeedback);
+        w.Put<TGLError>(error);
+        w.PutBlock(nullptr, 0);
+    }
+    if (error != GL_NO_ERROR) return;
+    GLint targets = 0;
+    HOST(thread, glGetIntegerv)(GL_MAX_TRANSFORM_FEEDBACK_SEPARATE_ATTRIBS, &targets);
+    for (GLuint i = 0; i < static_cast<GLuint>(targets); ++i) {
+        GLint buffer = 0;
+        GLint64 start = 0;
+        GLint64 size = 0;
+        HOST(thread, glGetIntegeri_v)(GL_TRANSFORM_FEEDBACK_BUFFER_BINDING, i, &buffer);
+        HOST(thread, glGetInteger64i_v)(GL_TRANSFORM_FEEDBACK_BUFFER_START, i, &start);
+        HOST(thread, glGetInteger64i_v)(GL_TRANSFORM_FEEDBACK_BUFFER_SIZE, i, &size);
+        if (buffer != 0) RecordContents(thread, static_cast<GLuint>(buffer), start, size);
+    }
+}
+
+void Call_glWaitSync(GLsync sync, GLbitfield flags, GLuint64 timeout) {
+    CThread& thread = CThread::Current();
+    HOST(thread, glWaitSync)(sync, flags, timeout);
+    if (CThread::Recording() != nullptr) thread.KeepGlError();
+}
+
+}  // namespace kestrail::recorder

@@ -1,0 +1,133 @@
+// What the entries that are made from the tables leave to be written by hand: for an entry,
+//   Call_<entry>    all of it
+//   Record_<entry>  its record, where that doesn't follow from the row
+//   Note_<entry>    what comes behind the record of a call that succeeded
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "exec/host_data.h"
+#include "recorder/library/call_writer.h"
+#include "recorder/library/host.h"
+#include "recorder/library/recorder.h"
+#include "recorder/library/thread.h"
+
+#define KESTRAIL_ENTRY __attribute__((visibility("default")))
+
+namespace kestrail::recorder {
+
+/// A call without a row was made.
+inline void CountLeftOut(int entry) {
+    CRecorder::Instance().CountLeftOut(kEntries[entry].name);
+}
+
+/// What a window shows: rows of R, G, B, A bytes from the bottom on, tightly packed.
+struct SPicture {
+    std::uint32_t width = 0;
+    std::uint32_t height = 0;
+    std::vector<std::uint8_t> pixels;
+};
+/// The back buffer of the surface that is current, of this size in pixels. Changes nothing that the
+/// application could see.
+SPicture TakePicture(CThread& thread, std::int32_t width, std::int32_t height);
+
+// Displays, contexts, surfaces.
+EGLDisplay Call_eglGetDisplay(EGLNativeDisplayType native);
+EGLDisplay Call_eglGetPlatformDisplay(EGLenum platform, void* native, const EGLAttrib* list);
+EGLDisplay Call_eglGetPlatformDisplayEXT(EGLenum platform, void* native, const EGLint* list);
+EGLContext Call_eglCreateContext(EGLDisplay display, EGLConfig config, EGLContext share,
+                                 const EGLint* attributes);
+EGLBoolean Call_eglMakeCurrent(EGLDisplay display, EGLSurface draw, EGLSurface read,
+                               EGLContext handle);
+void Note_eglDestroyContext(CThread& thread, EGLBoolean result, EGLDisplay display,
+                            EGLContext handle);
+void Note_eglReleaseThread(CThread& thread, EGLBoolean result);
+EGLSurface Call_eglCreateWindowSurface(EGLDisplay display, EGLConfig config,
+                                       EGLNativeWindowType window, const EGLint* attributes);
+EGLSurface Call_eglCreatePlatformWindowSurface(EGLDisplay display, EGLConfig config, void* window,
+                                               const EGLAttrib* attributes);
+EGLSurface Call_eglCreatePlatformWindowSurfaceEXT(EGLDisplay display, EGLConfig config,
+                                                  void* window, const EGLint* attributes);
+EGLSurface Call_eglCreatePixmapSurface(EGLDisplay display, EGLConfig config,
+                                       EGLNativePixmapType pixmap, const EGLint* attributes);
+EGLSurface Call_eglCreatePlatformPixmapSurface(EGLDisplay display, EGLConfig config, void* pixmap,
+                                               const EGLAttrib* attributes);
+EGLSurface Call_eglCreatePlatformPixmapSurfaceEXT(EGLDisplay display, EGLConfig config,
+                                                  void* pixmap, const EGLint* attributes);
+void Note_eglDestroySurface(CThread& thread, EGLBoolean result, EGLDisplay display,
+                            EGLSurface surface);
+void Record_eglCopyBuffers(CThread& thread, EGLint error, EGLBoolean result, EGLDisplay display,
+                           EGLSurface surface, EGLNativePixmapType pixmap);
+void Record_eglReleaseTexImage(CThread& thread, EGLint error, EGLBoolean result, EGLDisplay display,
+                               EGLSurface surface, EGLint buffer);
+EGLBoolean Call_eglSwapBuffers(EGLDisplay display, EGLSurface surface);
+EGLBoolean Call_eglSwapBuffersWithDamageEXT(EGLDisplay display, EGLSurface surface,
+                                            const EGLint* rects, EGLint count);
+EGLBoolean Call_eglSwapBuffersWithDamageKHR(EGLDisplay display, EGLSurface surface,
+                                            const EGLint* rects, EGLint count);
+EGLImage Call_eglCreateImage(EGLDisplay display, EGLContext context, EGLenum target,
+                             EGLClientBuffer buffer, const EGLAttrib* attributes);
+EGLBoolean Call_eglDestroyImage(EGLDisplay display, EGLImage image);
+EGLint Call_eglGetError();
+__eglMustCastToProperFunctionPointerType Call_eglGetProcAddress(const char* name);
+
+// What the application is told.
+const char* Call_eglQueryString(EGLDisplay display, EGLint name);
+const GLubyte* Call_glGetString(GLenum name);
+const GLubyte* Call_glGetStringi(GLenum name, GLuint index);
+void Call_glGetIntegerv(GLenum name, GLint* values);
+GLenum Call_glGetError();
+
+// Shaders.
+void Record_glShaderSource(CThread& thread, GLenum error, GLuint shader, GLsizei count,
+                           const GLchar* const* strings, const GLint* lengths);
+
+// Images, whose bytes go by the unpack state.
+void Record_glTexImage2D(CThread& thread, GLenum error, GLenum target, GLint level,
+                         GLint internalFormat, GLsizei width, GLsizei height, GLint border,
+                         GLenum format, GLenum type, const void* pixels);
+void Record_glTexSubImage2D(CThread& thread, GLenum error, GLenum target, GLint level, GLint x,
+                            GLint y, GLsizei width, GLsizei height, GLenum format, GLenum type,
+                            const void* pixels);
+void Record_glTexImage3D(CThread& thread, GLenum error, GLenum target, GLint level,
+                         GLint internalFormat, GLsizei width, GLsizei height, GLsizei depth,
+                         GLint border, GLenum format, GLenum type, const void* pixels);
+void Record_glTexSubImage3D(CThread& thread, GLenum error, GLenum target, GLint level, GLint x,
+                            GLint y, GLint z, GLsizei width, GLsizei height, GLsizei depth,
+                            GLenum format, GLenum type, const void* pixels);
+void Record_glCompressedTexImage2D(CThread& thread, GLenum error, GLenum target, GLint level,
+                                   GLenum internalFormat, GLsizei width, GLsizei height,
+                                   GLint border, GLsizei size, const void* data);
+void Record_glCompressedTexSubImage2D(CThread& thread, GLenum error, GLenum target, GLint level,
+                                      GLint x, GLint y, GLsizei width, GLsizei height,
+                                      GLenum format, GLsizei size, const void* data);
+void Record_glCompressedTexImage3D(CThread& thread, GLenum error, GLenum target, GLint level,
+                                   GLenum internalFormat, GLsizei width, GLsizei height,
+                                   GLsizei depth, GLint border, GLsizei size, const void* data);
+void Record_glCompressedTexSubImage3D(CThread& thread, GLenum error, GLenum target, GLint level,
+                                      GLint x, GLint y, GLint z, GLsizei width, GLsizei height,
+                                      GLsizei depth, GLenum format, GLsizei size, const void* data);
+void Record_glReadPixels(CThread& thread, GLenum error, GLint x, GLint y, GLsizei width,
+                         GLsizei height, GLenum format, GLenum type, void* pixels);
+
+// Buffers that the application writes through a pointer.
+GLboolean Call_glUnmapBufferOES(GLenum target);
+void* Call_glMapBufferRange(GLenum target, GLintptr offset, GLsizeiptr length, GLbitfield access);
+void Call_glFlushMappedBufferRange(GLenum target, GLintptr offset, GLsizeiptr length);
+GLboolean Call_glUnmapBuffer(GLenum target);
+void Record_glEndTransformFeedback(CThread& thread, GLenum error);
+/// Not recorded: a wait of the host's own, without effect on what is drawn, whose length the player
+/// would cut.
+void Call_glWaitSync(GLsync sync, GLbitfield flags, GLuint64 timeout);
+
+// Draws, which may read the application's memory.
+void Record_glDrawArrays(CThread& thread, GLenum error, GLenum mode, GLint first, GLsizei count);
+void Record_glDrawElements(CThread& thread, GLenum error, GLenum mode, GLsizei count, GLenum type,
+                           const void* indices);
+void Record_glDrawRangeElements(CThread& thread, GLenum error, GLenum mode, GLuint start,
+                                GLuint end, GLsizei count, GLenum type, const void* indices);
+void Record_glDrawElementsInstanced(CThread& thread, GLenum error, GLenum mode, GLsizei count,
+                                    GLenum type, const void* indices, GLsizei instances);
+
+}  // namespace kestrail::recorder

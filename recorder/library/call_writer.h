@@ -1,0 +1,187 @@
+// Writes the record of one call to the end of the recording.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <type_traits>
+#include <vector>
+
+#include "calls/model/array_values.h"
+#include "recorder/library/recorder.h"
+#include "recorder/library/thread.h"
+
+namespace kestrail::recorder {
+
+/// What a pointer points at, or `room` where it is null.
+template <typename Number>
+std::int64_t Pointed(const Number* pointer, std::int64_t room) {
+    return pointer != nullptr ? *pointer : room;
+}
+
+/// Holds the lock of the recording for as long as it lives: what takes time is found out before.
+class CCallWriter {
+public:
+    CCallWriter(CThread& thread, std::uint16_t id) : m_recorder(CRecorder::Instance()) {
+        const std::uint32_t number = thread.Number();
+        m_recorder.Lock().lock();
+        m_recorder.BeThread(number);
+        m_start = m_recorder.Room(kUsualRoom);
+        if (m_start == nullptr) [[unlikely]]
+            GoElsewhere(0);
+        m_at = m_start;
+        m_limit = m_start + kUsualRoom;
+        m_at += sizeof(std::uint32_t);
+        PutBytes(&id, sizeof id);
+    }
+    ~CCallWriter() {
+        const auto size = static_cast<std::size_t>(m_at - m_start);
+        const auto payload = static_cast<std::uint32_t>(size - kFrameBytes);
+        std::memcpy(m_start, &payload, sizeof payload);
+        if (m_elsewhere.empty()) [[likely]] {
+            m_recorder.Commit(size);
+        } else if (m_recorder.Records()) {
+            m_recorder.Append(m_start, size);
+        }
+        m_recorder.CountCall();
+        m_recorder.Lock().unlock();
+    }
+    CCallWriter(const CCallWriter&) = delete;
+    CCallWriter& operator=(const CCallWriter&) = delete;
+
+    /// A single value. Of handles and pointers the lower half is kept, but never 0 for one that
+    /// isn't null.
+    template <typename Value, typename Given>
+    void Put(Given given) {
+        using Stored = typename Value::ValueType;
+        constexpr std::size_t kWidth = Width(Value::kTag);
+        if constexpr (std::is_pointer_v<Given>) {
+            const auto address = reinterpret_cast<std::uintptr_t>(given);
+            auto low = static_cast<std::uint32_t>(address);
+            if (low == 0 && address != 0) low = 1;
+            PutNumber<kWidth>(low);
+        } else if constexpr (std::is_floating_point_v<Stored>) {
+            const float value = given;
+            PutBytes(&value, sizeof value);
+        } else {
+            PutNumber<kWidth>(given);
+        }
+    }
+
+    /// A block: bytes, or none where the application gave none or an offset.
+    void PutBlock(const void* pointer, std::int64_t size) {
+        PutBlock(pointer, pointer, size < 0 ? 0 : static_cast<std::size_t>(size));
+    }
+    void PutBlock(const void* pointer, const void* bytes, std::size_t size) {
+        const std::size_t held = bytes == nullptr ? 0 : size;
+        Put<TPointer>(pointer);
+        PutNumber<4>(held);
+        PutBytes(bytes, held);
+    }
+
+    /// An array of `items` items behind a pointer.
+    template <typename Value, unsigned kItemSize, typename Given>
+    void PutArray(const Given* elements, std::int64_t items) {
+        const std::size_t count =
+            elements == nullptr || items < 0 ? 0 : static_cast<std::size_t>(items);
+        Put<TPointer>(elements);
+        PutNumber<4>(count);
+        PutElements<Value>(elements, count * kItemSize);
+    }
+    /// One item without a count.
+    template <typename Value, unsigned kItemSize, typename Given>
+    void PutItem(const Given* elements) {
+        Put<TPointer>(elements);
+        if (elements != nullptr) PutElements<Value>(elements, kItemSize);
+    }
+
+    void PutString(const void* text, std::size_t length) {
+        Put<TPointer>(text);
+        PutNumber<4>(text != nullptr ? length : 0);
+        if (text != nullptr) PutBytes(text, length);
+    }
+    void PutString(const void* text) {
+        PutString(text, text != nullptr ? std::strlen(static_cast<const char*>(text)) : 0);
+    }
+
+    /// A text that the host has written, which may have had no room.
+    void PutText(const char* text, std::int64_t room) {
+        const std::size_t size = text == nullptr || room <= 0 ? 0 : static_cast<std::size_t>(room);
+        PutString(text, strnlen(text != nullptr ? text : "", size));
+    }
+    void PutStrings(const char* const* texts, std::int64_t count) {
+        const std::size_t held =
+            texts == nullptr || count < 0 ? 0 : static_cast<std::size_t>(count);
+        Put<TPointer>(texts);
+        PutNumber<4>(held);
+        for (std::size_t i = 0; i < held; ++i) PutString(texts[i]);
+    }
+
+    /// Pairs that EGL_NONE ends, with it.
+    template <typename Given>
+    void PutAttributes(const Given* list) {
+        std::uint32_t count = 0;
+        if (list != nullptr) {
+            while (list[count] != EGL_NONE) count += 2;
+            ++count;
+        }
+        PutArray<TEGLint, 1>(list, count);
+    }
+
+    template <std::size_t kWidth, typename Number>
+    void PutNumber(Number number) {
+        if constexpr (kWidth == 1) {
+            const auto value = static_cast<std::uint8_t>(number);
+            PutBytes(&value, 1);
+        } else if constexpr (kWidth == 4) {
+            const auto value = static_cast<std::uint32_t>(number);
+            PutBytes(&value, 4);
+        } else {
+            static_assert(kWidth == 8);
+            const auto value = static_cast<std::uint64_t>(number);
+            PutBytes(&value, 8);
+        }
+    }
+    void PutBytes(const void* bytes, std::size_t size) {
+        if (size > static_cast<std::size_t>(m_limit - m_at)) [[unlikely]]
+            Grow(size);
+        if (size != 0) std::memcpy(m_at, bytes, size);
+        m_at += size;
+    }
+
+    /// Where in the recording what is put next will stand.
+    std::uint64_t Place() const {
+        return m_recorder.End() + static_cast<std::uint64_t>(m_at - m_start);
+    }
+
+private:
+    static constexpr std::size_t kUsualRoom = 4096;
+    static constexpr std::size_t kFrameBytes = sizeof(std::uint32_t) + sizeof(std::uint16_t);
+
+    /// The widths that a trace of ours says for its values.
+    static constexpr std::size_t Width(std::uint16_t tag) {
+        if (CWidthTable::Usual(tag) != 0) return CWidthTable::Usual(tag);
+        return tag == TGLuint64::kTag ? 8 : 4;
+    }
+
+    template <typename Value, typename Given>
+    void PutElements(const Given* elements, std::size_t count) {
+        if constexpr (std::is_arithmetic_v<Given> && sizeof(Given) == Width(Value::kTag)) {
+            PutBytes(elements, count * sizeof(Given));
+        } else {
+            for (std::size_t i = 0; i < count; ++i) Put<Value>(elements[i]);
+        }
+    }
+
+    /// Makes room for `size` more bytes, in the ring or, for large records, beside it.
+    void Grow(std::size_t size);
+    void GoElsewhere(std::size_t size);
+
+    CRecorder& m_recorder;
+    std::uint8_t* m_start = nullptr;
+    std::uint8_t* m_at = nullptr;
+    std::uint8_t* m_limit = nullptr;
+    std::vector<std::uint8_t> m_elsewhere;
+};
+
+}  // namespace kestrail::recorder

@@ -1,0 +1,450 @@
+// Displays, contexts and surfaces. Calls that EGL got later, or by extensions, are recorded as the
+// older ones that do the same.
+#include <algorithm>
+#include <atomic>
+#include <cstdio>
+#include <map>
+#include <mutex>
+#include <vector>
+
+#include "generated/calls/identifiers.h"
+#include "recorder/library/by_hand.h"
+
+namespace kestrail::recorder {
+namespace {
+
+/// What the host is asked of a configuration, so that the player finds one like it.
+constexpr EGLint kConfigAttributes[] = {
+    EGL_BUFFER_SIZE,
+    EGL_ALPHA_SIZE,
+    EGL_BLUE_SIZE,
+    EGL_GREEN_SIZE,
+    EGL_RED_SIZE,
+    EGL_DEPTH_SIZE,
+    EGL_STENCIL_SIZE,
+    EGL_CONFIG_CAVEAT,
+    EGL_LEVEL,
+    EGL_NATIVE_VISUAL_TYPE,
+    EGL_SAMPLES,
+    EGL_SAMPLE_BUFFERS,
+    EGL_SURFACE_TYPE,
+    EGL_TRANSPARENT_TYPE,
+    EGL_TRANSPARENT_BLUE_VALUE,
+    EGL_TRANSPARENT_GREEN_VALUE,
+    EGL_TRANSPARENT_RED_VALUE,
+    EGL_BIND_TO_TEXTURE_RGB,
+    EGL_BIND_TO_TEXTURE_RGBA,
+    EGL_MIN_SWAP_INTERVAL,
+    EGL_MAX_SWAP_INTERVAL,
+    EGL_LUMINANCE_SIZE,
+    EGL_ALPHA_MASK_SIZE,
+    EGL_COLOR_BUFFER_TYPE,
+    EGL_RENDERABLE_TYPE,
+    EGL_CONFORMANT,
+};
+
+/// Where the size of a window stands in the recording, until its first swap tells the one that
+/// counts: toolkits make windows anew between.
+struct SWindow {
+    std::uint64_t place = 0;
+};
+std::mutex g_windowsLock;
+auto& g_windows = *new std::map<std::pair<EGLDisplay, EGLSurface>, SWindow>;
+
+template <typename Function>
+Function Egl(int entry) {
+    return HostEntry<Function>(entry, kEglLibrary);
+}
+#define EGL(name) Egl<decltype(&::name)>(kEntry_##name)
+
+bool Records() {
+    return CRecorder::Instance().Records();
+}
+
+/// All that identifies a configuration, ended by EGL_NONE; empty for none.
+std::vector<EGLint> Describe(EGLDisplay display, EGLConfig config) {
+    std::vector<EGLint> list;
+    if (config == nullptr) return list;
+    for (const EGLint name : kConfigAttributes) {
+        EGLint value = 0;
+        EGL(eglGetConfigAttrib)(display, config, name, &value);
+        list.insert(list.end(), {name, value});
+    }
+    list.push_back(EGL_NONE);
+    return list;
+}
+const EGLint* Data(const std::vector<EGLint>& list) {
+    return list.empty() ? nullptr : list.data();
+}
+
+EGLint SurfaceValue(EGLDisplay display, EGLSurface surface, EGLint name) {
+    EGLint value = 0;
+    EGL(eglQuerySurface)(display, surface, name, &value);
+    return value;
+}
+
+std::vector<EGLint> Narrow(const EGLAttrib* attributes) {
+    std::vector<EGLint> list;
+    if (attributes == nullptr) return list;
+    for (; *attributes != EGL_NONE; attributes += 2) {
+        list.insert(list.end(),
+                    {static_cast<EGLint>(attributes[0]), static_cast<EGLint>(attributes[1])});
+    }
+    list.push_back(EGL_NONE);
+    return list;
+}
+
+void RecordGetDisplay(EGLDisplay result, const void* native) {
+    CThread& thread = CThread::Current();
+    const EGLint error = thread.KeepEglError();
+    CRecorder::Instance().Open();
+    if (!Records()) return;
+    CCallWriter w(thread, egl_id::eglGetDisplay);
+    w.Put<TEGLintEnum>(error);
+    w.Put<TEGLDisplay>(result);
+    w.Put<TEGLNativeDisplayType>(native);
+}
+
+void RecordWindowSurface(EGLSurface result, EGLDisplay display, EGLConfig config,
+                         const void* window, const EGLint* attributes) {
+    CThread& thread = CThread::Current();
+    const EGLint error = thread.KeepEglError();
+    if (!Records()) return;
+    const std::vector<EGLint> description = Describe(display, config);
+    const bool made = result != EGL_NO_SURFACE;
+    const EGLint width = made ? SurfaceValue(display, result, EGL_WIDTH) : 0;
+    const EGLint height = made ? SurfaceValue(display, result, EGL_HEIGHT) : 0;
+    const std::lock_guard held(g_windowsLock);
+    CCallWriter w(thread, egl_id::eglCreateWindowSurface);
+    w.Put<TEGLintEnum>(error);
+    w.Put<TEGLSurface>(result);
+    w.Put<TEGLDisplay>(display);
+    w.Put<TEGLConfig>(config);
+    w.Put<TEGLNativeWindowType>(window);
+    if (made) g_windows[{display, result}] = {w.Place()};
+    w.PutNumber<4>(width);
+    w.PutNumber<4>(height);
+    w.PutAttributes(attributes);
+    w.PutAttributes(Data(description));
+}
+
+/// The pixmap's own bytes aren't known; the player makes none from them.
+void PutPixmap(CCallWriter& w, const void* pixmap) {
+    static std::atomic<bool> s_first{true};
+    w.Put<TEGLNativePixmapType>(pixmap);
+    if (s_first.exchange(false)) w.PutNumber<4>(0);
+}
+
+void RecordPixmapSurface(EGLSurface result, EGLDisplay display, EGLConfig config,
+                         const void* pixmap, const EGLint* attributes) {
+    CThread& thread = CThread::Current();
+    const EGLint error = thread.KeepEglError();
+    if (!Records()) return;
+    CCallWriter w(thread, egl_id::eglCreatePixmapSurface);
+    w.Put<TEGLintEnum>(error);
+    w.Put<TEGLSurface>(result);
+    w.Put<TEGLDisplay>(display);
+    w.Put<TEGLConfig>(config);
+    PutPixmap(w, pixmap);
+    w.PutAttributes(attributes);
+}
+
+void RecordCreateImage(EGLImage result, EGLDisplay display, EGLContext context, EGLenum target,
+                       EGLClientBuffer buffer, const EGLint* attributes) {
+    CThread& thread = CThread::Current();
+    const EGLint error = thread.KeepEglError();
+    if (!Records()) return;
+    CCallWriter w(thread, egl_id::eglCreateImageKHR);
+    w.Put<TEGLintEnum>(error);
+    w.Put<TEGLImageKHR>(result);
+    w.Put<TEGLDisplay>(display);
+    w.Put<TEGLContext>(context);
+    w.Put<TEGLenum>(target);
+    w.Put<TEGLClientBuffer>(buffer);
+    w.PutAttributes(attributes);
+}
+
+void RecordDestroyImage(EGLBoolean result, EGLDisplay display, EGLImage image) {
+    CThread& thread = CThread::Current();
+    const EGLint error = thread.KeepEglError();
+    if (!Records()) return;
+    CCallWriter w(thread, egl_id::eglDestroyImageKHR);
+    w.Put<TEGLintEnum>(error);
+    w.Put<TEGLBoolean>(result);
+    w.Put<TEGLDisplay>(display);
+    w.Put<TEGLImageKHR>(image);
+}
+
+/// A window's size is told where its surface was made.
+void TellWindowSize(EGLDisplay display, EGLSurface surface) {
+    const std::lock_guard held(g_windowsLock);
+    const auto found = g_windows.find({display, surface});
+    if (found == g_windows.end()) return;
+    CRecorder::Instance().Amend(
+        found->second.place, static_cast<std::uint32_t>(SurfaceValue(display, surface, EGL_WIDTH)),
+        static_cast<std::uint32_t>(SurfaceValue(display, surface, EGL_HEIGHT)));
+    g_windows.erase(found);
+}
+
+/// Swaps by `swap`, and records the swap with the picture where one is wanted.
+template <typename Swap>
+EGLBoolean SwapAndRecord(EGLDisplay display, EGLSurface surface, Swap swap) {
+    CThread& thread = CThread::Current();
+    SPicture picture;
+    if (Records()) {
+        TellWindowSize(display, surface);
+        if (CRecorder::Instance().WantsPicture() && thread.Context() != nullptr) {
+            picture = TakePicture(thread, SurfaceValue(display, surface, EGL_WIDTH),
+                                  SurfaceValue(display, surface, EGL_HEIGHT));
+        }
+    }
+    const EGLBoolean result = swap();
+    const EGLint error = thread.KeepEglError();
+    if (!Records()) return result;
+    {
+        CCallWriter w(thread, egl_id::eglSwapBuffers);
+        w.Put<TEGLintEnum>(error);
+        w.Put<TEGLBoolean>(result);
+        w.Put<TEGLDisplay>(display);
+        w.Put<TEGLSurface>(surface);
+        w.Put<TGLuint>(CRecorder::Instance().Frames() + 1);
+        w.Put<TGLuint>(picture.width);
+        w.Put<TGLuint>(picture.height);
+        const void* const pixels = picture.pixels.empty() ? nullptr : picture.pixels.data();
+        w.PutBlock(pixels, pixels, picture.pixels.size());
+    }
+    CRecorder::Instance().CountFrame();
+    return result;
+}
+
+/// The version of OpenGL ES that a context has; 0 for one of another API.
+std::int32_t VersionOf(EGLDisplay display, EGLContext context) {
+    EGLint type = EGL_OPENGL_ES_API;
+    EGL(eglQueryContext)(display, context, EGL_CONTEXT_CLIENT_TYPE, &type);
+    if (type != EGL_OPENGL_ES_API) return 0;
+    EGLint version = 1;
+    EGL(eglQueryContext)(display, context, EGL_CONTEXT_CLIENT_VERSION, &version);
+    return version;
+}
+
+}  // namespace
+
+EGLDisplay Call_eglGetDisplay(EGLNativeDisplayType native) {
+    const EGLDisplay result = EGL(eglGetDisplay)(native);
+    RecordGetDisplay(result, native);
+    return result;
+}
+
+EGLDisplay Call_eglGetPlatformDisplay(EGLenum platform, void* native, const EGLAttrib* list) {
+    const EGLDisplay result = EGL(eglGetPlatformDisplay)(platform, native, list);
+    RecordGetDisplay(result, native);
+    return result;
+}
+
+EGLDisplay Call_eglGetPlatformDisplayEXT(EGLenum platform, void* native, const EGLint* list) {
+    const EGLDisplay result = EGL(eglGetPlatformDisplayEXT)(platform, native, list);
+    RecordGetDisplay(result, native);
+    return result;
+}
+
+EGLContext Call_eglCreateContext(EGLDisplay display, EGLConfig config, EGLContext share,
+                                 const EGLint* attributes) {
+    const EGLContext result = EGL(eglCreateContext)(display, config, share, attributes);
+    CThread& thread = CThread::Current();
+    const EGLint error = thread.KeepEglError();
+    if (!CRecorder::Instance().Wanted()) return result;
+    const std::int32_t version = result != EGL_NO_CONTEXT ? VersionOf(display, result) : 0;
+    if (version == 0 && result != EGL_NO_CONTEXT) {
+        static std::atomic<bool> s_told{false};
+        if (!s_told.exchange(true)) {
+            std::fprintf(stderr,
+                         "kestrail: the program makes a context of desktop GL; what it does in "
+                         "there is not recorded\n");
+        }
+        return result;
+    }
+    if (result != EGL_NO_CONTEXT) {
+        auto context = std::make_shared<SContext>();
+        context->display = display;
+        context->handle = result;
+        context->config = config;
+        context->version = version;
+        KeepContext(std::move(context));
+    }
+    if (!Records()) return result;
+    const std::vector<EGLint> description = Describe(display, config);
+    CCallWriter w(thread, egl_id::eglCreateContext);
+    w.Put<TEGLintEnum>(error);
+    w.Put<TEGLContext>(result);
+    w.Put<TEGLDisplay>(display);
+    w.Put<TEGLConfig>(config);
+    w.Put<TEGLContext>(share);
+    w.PutAttributes(attributes);
+    w.PutAttributes(Data(description));
+    return result;
+}
+
+EGLBoolean Call_eglMakeCurrent(EGLDisplay display, EGLSurface draw, EGLSurface read,
+                               EGLContext handle) {
+    const EGLBoolean result = EGL(eglMakeCurrent)(display, draw, read, handle);
+    CThread& thread = CThread::Current();
+    const EGLint error = thread.KeepEglError();
+    const std::shared_ptr<SContext> context = FindContext(display, handle);
+    if (result == EGL_TRUE) thread.SetContext(context);
+    // A context of another API isn't known, and becomes none.
+    if (!Records()) return result;
+    const EGLContext known = context != nullptr ? handle : EGL_NO_CONTEXT;
+    const EGLConfig config = context != nullptr ? context->config : nullptr;
+    const std::vector<EGLint> description = Describe(display, config);
+    CCallWriter w(thread, egl_id::eglMakeCurrent);
+    w.Put<TEGLintEnum>(error);
+    w.Put<TEGLBoolean>(result);
+    w.Put<TEGLDisplay>(display);
+    w.Put<TEGLSurface>(known != EGL_NO_CONTEXT ? draw : EGL_NO_SURFACE);
+    w.Put<TEGLSurface>(known != EGL_NO_CONTEXT ? read : EGL_NO_SURFACE);
+    w.Put<TEGLContext>(known);
+    w.Put<TEGLConfig>(config);
+    w.PutAttributes(Data(description));
+    return result;
+}
+
+void Note_eglDestroyContext(CThread&, EGLBoolean, EGLDisplay display, EGLContext handle) {
+    ForgetContext(display, handle);
+}
+void Note_eglReleaseThread(CThread& thread, EGLBoolean) {
+    thread.SetContext(nullptr);
+}
+
+EGLSurface Call_eglCreateWindowSurface(EGLDisplay display, EGLConfig config,
+                                       EGLNativeWindowType window, const EGLint* attributes) {
+    const EGLSurface result = EGL(eglCreateWindowSurface)(display, config, window, attributes);
+    RecordWindowSurface(result, display, config, reinterpret_cast<const void*>(window), attributes);
+    return result;
+}
+
+EGLSurface Call_eglCreatePlatformWindowSurface(EGLDisplay display, EGLConfig config, void* window,
+                                               const EGLAttrib* attributes) {
+    const EGLSurface result =
+        EGL(eglCreatePlatformWindowSurface)(display, config, window, attributes);
+    RecordWindowSurface(result, display, config, window, Data(Narrow(attributes)));
+    return result;
+}
+
+EGLSurface Call_eglCreatePlatformWindowSurfaceEXT(EGLDisplay display, EGLConfig config,
+                                                  void* window, const EGLint* attributes) {
+    const EGLSurface result =
+        EGL(eglCreatePlatformWindowSurfaceEXT)(display, config, window, attributes);
+    RecordWindowSurface(result, display, config, window, attributes);
+    return result;
+}
+
+EGLSurface Call_eglCreatePixmapSurface(EGLDisplay display, EGLConfig config,
+                                       EGLNativePixmapType pixmap, const EGLint* attributes) {
+    const EGLSurface result = EGL(eglCreatePixmapSurface)(display, config, pixmap, attributes);
+    RecordPixmapSurface(result, display, config, reinterpret_cast<const void*>(pixmap), attributes);
+    return result;
+}
+
+EGLSurface Call_eglCreatePlatformPixmapSurface(EGLDisplay display, EGLConfig config, void* pixmap,
+                                               const EGLAttrib* attributes) {
+    const EGLSurface result =
+        EGL(eglCreatePlatformPixmapSurface)(display, config, pixmap, attributes);
+    RecordPixmapSurface(result, display, config, pixmap, Data(Narrow(attributes)));
+    return result;
+}
+
+EGLSurface Call_eglCreatePlatformPixmapSurfaceEXT(EGLDisplay display, EGLConfig config,
+                                                  void* pixmap, const EGLint* attributes) {
+    const EGLSurface result =
+        EGL(eglCreatePlatformPixmapSurfaceEXT)(display, config, pixmap, attributes);
+    RecordPixmapSurface(result, display, config, pixmap, attributes);
+    return result;
+}
+
+void Note_eglDestroySurface(CThread&, EGLBoolean, EGLDisplay display, EGLSurface surface) {
+    const std::lock_guard held(g_windowsLock);
+    g_windows.erase({display, surface});
+}
+
+void Record_eglCopyBuffers(CThread& thread, EGLint error, EGLBoolean result, EGLDisplay display,
+                           EGLSurface surface, EGLNativePixmapType pixmap) {
+    CCallWriter w(thread, egl_id::eglCopyBuffers);
+    w.Put<TEGLintEnum>(error);
+    w.Put<TEGLBoolean>(result);
+    w.Put<TEGLDisplay>(display);
+    w.Put<TEGLSurface>(surface);
+    PutPixmap(w, reinterpret_cast<const void*>(pixmap));
+}
+
+void Record_eglReleaseTexImage(CThread& thread, EGLint error, EGLBoolean result, EGLDisplay display,
+                               EGLSurface surface, EGLint buffer) {
+    CCallWriter w(thread, egl_id::eglReleaseTexImage);
+    w.Put<TEGLintEnum>(error);
+    w.Put<TEGLBoolean>(result);
+    w.Put<TEGLDisplay>(display);
+    w.Put<TEGLSurface>(surface);
+    w.Put<TEGLint>(0);
+    w.Put<TEGLintEnum>(buffer);
+}
+
+EGLBoolean Call_eglSwapBuffers(EGLDisplay display, EGLSurface surface) {
+    return SwapAndRecord(display, surface, [&] { return EGL(eglSwapBuffers)(display, surface); });
+}
+EGLBoolean Call_eglSwapBuffersWithDamageEXT(EGLDisplay display, EGLSurface surface,
+                                            const EGLint* rects, EGLint count) {
+    return SwapAndRecord(display, surface, [&] {
+        return EGL(eglSwapBuffersWithDamageEXT)(display, surface, rects, count);
+    });
+}
+EGLBoolean Call_eglSwapBuffersWithDamageKHR(EGLDisplay display, EGLSurface surface,
+                                            const EGLint* rects, EGLint count) {
+    return SwapAndRecord(display, surface, [&] {
+        return EGL(eglSwapBuffersWithDamageKHR)(display, surface, rects, count);
+    });
+}
+
+EGLImage Call_eglCreateImage(EGLDisplay display, EGLContext context, EGLenum target,
+                             EGLClientBuffer buffer, const EGLAttrib* attributes) {
+    const EGLImage result = EGL(eglCreateImage)(display, context, target, buffer, attributes);
+    RecordCreateImage(result, display, context, target, buffer, Data(Narrow(attributes)));
+    return result;
+}
+EGLBoolean Call_eglDestroyImage(EGLDisplay display, EGLImage image) {
+    const EGLBoolean result = EGL(eglDestroyImage)(display, image);
+    RecordDestroyImage(result, display, image);
+    return result;
+}
+
+EGLint Call_eglGetError() {
+    CThread& thread = CThread::Current();
+    const EGLint result = thread.TakeEglError();
+    if (!Records()) return result;
+    CCallWriter w(thread, egl_id::eglGetError);
+    w.Put<TEGLintEnum>(EGL_SUCCESS);
+    w.Put<TEGLintEnum>(result);
+    return result;
+}
+
+__eglMustCastToProperFunctionPointerType Call_eglGetProcAddress(const char* name) {
+    auto result = EGL(eglGetProcAddress)(name);
+    CThread& thread = CThread::Current();
+    const EGLint error = thread.KeepEglError();
+    const int entry = FindEntry(name);
+    const CRecorder& recorder = CRecorder::Instance();
+    if (result != nullptr && recorder.Wanted()) {
+        if (recorder.Settings().limit && (entry < 0 || !kEntries[entry].held)) {
+            result = nullptr;
+        } else if (entry >= 0) {
+            GiveHostEntry(entry, reinterpret_cast<void*>(result));
+            result = reinterpret_cast<decltype(result)>(kEntries[entry].ours);
+        }
+    }
+    if (!Records()) return result;
+    CCallWriter w(thread, egl_id::eglGetProcAddress);
+    w.Put<TEGLintEnum>(error);
+    w.Put<TPointer>(reinterpret_cast<const void*>(result));
+    w.PutString(name);
+    return result;
+}
+
+}  // namespace kestrail::recorder

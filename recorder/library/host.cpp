@@ -1,0 +1,104 @@
+#include "recorder/library/host.h"
+
+#include <dlfcn.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cstring>
+#include <iterator>
+
+namespace kestrail::recorder {
+namespace {
+
+/// As systems install them, and what their names begin with, the second as on QNX.
+constexpr const char* kFiles[kLibraries] = {"libGLESv2.so.2", "libGLESv1_CM.so.1", "libEGL.so.1"};
+constexpr const char* kStems[kLibraries][2] = {
+    {"libGLESv2.so", "libGLESv2.so"},
+    {"libGLESv1_CM.so", "libGLES_CM.so"},
+    {"libEGL.so", "libEGL.so"},
+};
+
+std::atomic<void*> g_libraries[kLibraries];
+
+void* Library(ELibrary library) {
+    void* handle = g_libraries[library].load();
+    if (handle == nullptr) handle = dlopen(kFiles[library], RTLD_LAZY | RTLD_LOCAL);
+    g_libraries[library].store(handle);
+    return handle;
+}
+
+using LookUp = void* (*)(void*, const char*);
+
+/// The one of the C library, under one of the versions that it has had.
+LookUp FindLookUp() {
+    for (const char* version : {"GLIBC_2.34", "GLIBC_2.2.5", "GLIBC_2.17", "GLIBC_2.0"}) {
+        if (void* found = dlvsym(RTLD_NEXT, "dlsym", version)) {
+            return reinterpret_cast<LookUp>(found);
+        }
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+int FindEntry(const char* name) {
+    const SEntry* const end = kEntries + kEntryCount;
+    const SEntry* const found =
+        std::lower_bound(kEntries, end, name, [](const SEntry& entry, const char* wanted) {
+            return std::strcmp(entry.name, wanted) < 0;
+        });
+    return found != end && std::strcmp(found->name, name) == 0 ? static_cast<int>(found - kEntries)
+                                                               : -1;
+}
+
+void KeepLibrary(ELibrary library, void* handle) {
+    void* none = nullptr;
+    g_libraries[library].compare_exchange_strong(none, handle);
+}
+
+ELibrary LibraryOf(const char* path) {
+    const char* const slash = std::strrchr(path, '/');
+    const char* const file = slash != nullptr ? slash + 1 : path;
+    for (int library = 0; library < kLibraries; ++library) {
+        for (const char* stem : kStems[library]) {
+            if (std::strncmp(file, stem, std::strlen(stem)) == 0) {
+                return static_cast<ELibrary>(library);
+            }
+        }
+    }
+    return kLibraries;
+}
+
+// Must stay a jump: RTLD_NEXT goes by who calls.
+void* PlainLookUp(void* handle, const char* name) {
+    static const LookUp s_lookUp = FindLookUp();
+    return s_lookUp(handle, name);
+}
+
+void* FindHostEntry(int entry, ELibrary library) {
+    const char* const name = kEntries[entry].name;
+    void* found = nullptr;
+    // The application's own library comes first, then whatever it is linked with, which is behind
+    // us, then the machine's.
+    if (g_libraries[library].load() != nullptr) found = PlainLookUp(Library(library), name);
+    if (found == nullptr) found = PlainLookUp(RTLD_NEXT, name);
+    if (found == nullptr && Library(library) != nullptr)
+        found = PlainLookUp(Library(library), name);
+    if (found == nullptr && Library(kEglLibrary) != nullptr) {
+        using Procedure = void (*)();
+        using Find = Procedure (*)(const char*);
+        const auto find =
+            reinterpret_cast<Find>(PlainLookUp(Library(kEglLibrary), "eglGetProcAddress"));
+        if (find != nullptr) found = reinterpret_cast<void*>(find(name));
+    }
+    g_hostEntries[library == kEs1Library][entry] = found;
+    return found;
+}
+
+void GiveHostEntry(int entry, void* address) {
+    for (auto& table : g_hostEntries) {
+        if (table[entry] == nullptr) table[entry] = address;
+    }
+}
+
+}  // namespace kestrail::recorder

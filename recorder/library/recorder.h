@@ -1,0 +1,115 @@
+// The recording of one process: what the command asked for, the ring that takes the records, and
+// the order in which calls of all threads end up in it.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <cstring>
+#include <mutex>
+#include <vector>
+
+#include "recorder/channel/ring.h"
+
+namespace kestrail::recorder {
+
+/// Held for as long as a record is appended. A call or two of another thread are waited for without
+/// help of the system.
+class CShortLock {
+public:
+    void lock() {
+        if (m_taken.exchange(true, std::memory_order_acquire)) Wait();
+    }
+    void unlock() { m_taken.store(false, std::memory_order_release); }
+
+private:
+    void Wait();
+
+    std::atomic<bool> m_taken{false};
+};
+
+class CRecorder {
+public:
+    /// The process's one.
+    static CRecorder& Instance() { return s_instance; }
+
+    /// Reads what the command asked for, as the library is loaded. Without a command, and where
+    /// another executable is to be recorded, nothing will be.
+    void Start();
+    /// Whether the process is one that is to be recorded, which its first call of EGL opens.
+    bool Wanted() const { return m_wanted; }
+    const SRecordSettings& Settings() const { return m_settings; }
+
+    /// Makes the ring and has the command take it up, once. Later calls do nothing.
+    void Open();
+    /// Calls are recorded now.
+    bool Records() const { return m_records.load(std::memory_order_relaxed); }
+    /// Ends the recording. The application goes on.
+    void Stop();
+    /// In a child that was forked: it shares the ring and has to leave it alone.
+    void Abandon() { m_records.store(false); }
+
+    /// Room for `size` bytes at the end of what was appended, in one piece; null when the recording
+    /// has ended. For less than kPieceLimit. The lock must be held.
+    std::uint8_t* Room(std::size_t size) {
+        if (m_end + size - m_taken > kRingBytes && !WaitForRoom(size)) return nullptr;
+        return m_ring.At(m_end);
+    }
+    static constexpr std::size_t kPieceLimit = kRingBytes / 4;
+    /// Appends the bytes that now stand in the room: whole records.
+    void Commit(std::size_t size) {
+        m_end += size;
+        SRingHead& head = m_ring.Head();
+        head.written.store(m_end, std::memory_order_relaxed);
+        head.whole.store(m_end, std::memory_order_release);
+    }
+    /// Appends a record of any size. The lock must be held.
+    void Append(const std::uint8_t* record, std::size_t size);
+
+    /// Where the next record begins in the recording. The lock must be held.
+    std::uint64_t End() const { return m_end; }
+    /// Has two numbers that were appended there be others in the file.
+    void Amend(std::uint64_t place, std::uint32_t first, std::uint32_t second);
+
+    /// Has the next record be known as one of this thread. The lock must be held.
+    void BeThread(std::uint32_t thread) {
+        if (thread != m_thread) WriteThread(thread);
+    }
+    void CountCall() { m_ring.Head().calls.store(++m_calls, std::memory_order_relaxed); }
+    /// Of eglSwapBuffers, behind its record. May end the recording, or the process.
+    void CountFrame();
+    std::uint32_t Frames() const { return m_frames; }
+    /// Whether the frame that ends next is one of those whose picture is kept.
+    bool WantsPicture() const {
+        return m_settings.pictureEvery != 0 && m_frames % m_settings.pictureEvery == 0;
+    }
+
+    /// A call that a trace has no place for was made.
+    void CountLeftOut(const char* name);
+
+    CShortLock& Lock() { return m_lock; }
+
+private:
+    bool WaitForRoom(std::size_t size);
+    void WriteThread(std::uint32_t thread);
+
+    static CRecorder s_instance;
+
+    bool m_wanted = false;
+    std::atomic<bool> m_records{false};
+    CShortLock m_lock;
+    std::uint64_t m_end = 0;
+    /// Of what is known of `taken` of the ring.
+    std::uint64_t m_taken = 0;
+    std::uint32_t m_thread = 0;
+    std::uint64_t m_calls = 0;
+    std::uint32_t m_frames = 0;
+    CRingMapping m_ring;
+    SRecordSettings m_settings;
+    /// The rendezvous folder.
+    const char* m_folder = nullptr;
+    std::once_flag m_opened;
+    std::mutex m_amendLock;
+    std::mutex m_leftOutLock;
+};
+
+}  // namespace kestrail::recorder

@@ -1,0 +1,78 @@
+// What the library knows of a thread and of the context that is current in it.
+#pragma once
+
+#include <EGL/egl.h>
+
+#include <cstdint>
+#include <memory>
+
+#include "recorder/library/host.h"
+#include "recorder/library/recorder.h"
+
+namespace kestrail::recorder {
+
+struct SContext {
+    EGLDisplay display = EGL_NO_DISPLAY;
+    EGLContext handle = EGL_NO_CONTEXT;
+    EGLConfig config = nullptr;
+    std::int32_t version = 0;  ///< of OpenGL ES: 1, 2 or 3
+    /// What the host said after a call, kept until the application asks for it.
+    std::uint32_t pendingError = 0;
+    /// The state of client arrays may have changed since `clientArrays` was found out.
+    bool arraysChanged = true;
+    /// An enabled array stands in the application's memory.
+    bool clientArrays = false;
+
+    bool IsEs1() const { return version == 1; }
+    ELibrary Library() const { return IsEs1() ? kEs1Library : kEs2Library; }
+};
+
+class CThread {
+public:
+    /// The calling one.
+    static CThread& Current() { return s_current; }
+    /// The calling one where calls of GL are recorded now, else null.
+    static CThread* Recording() {
+        CThread& thread = s_current;
+        return CRecorder::Instance().Records() && thread.m_context != nullptr ? &thread : nullptr;
+    }
+
+    /// Identifies the thread in the trace; from 1.
+    std::uint32_t Number() {
+        if (m_number == 0) Take();
+        return m_number;
+    }
+    /// Null without one, or with one that isn't of OpenGL ES.
+    SContext* Context() const { return m_context.get(); }
+    void SetContext(std::shared_ptr<SContext> context) { m_context = std::move(context); }
+    ELibrary Library() const { return m_context != nullptr ? m_context->Library() : kEs2Library; }
+
+    /// The host's error after a call of GL, which stays to be asked for.
+    std::uint32_t KeepGlError();
+    /// What glGetError gives the application.
+    std::uint32_t TakeGlError();
+    /// The same of EGL. Each call of EGL replaces the error of the one before.
+    EGLint KeepEglError();
+    EGLint TakeEglError();
+
+private:
+    void Take();
+
+    // Needs no check of whether it was made: as cheap as any variable.
+    static thread_local constinit CThread s_current [[gnu::tls_model("initial-exec")]];
+
+    std::uint32_t m_number = 0;
+    EGLint m_eglError = EGL_SUCCESS;
+    std::shared_ptr<SContext> m_context;
+};
+
+/// The host's entry for the API that is current in the thread.
+#define KESTRAIL_HOST(thread, name) HostEntry<decltype(&::name)>(kEntry_##name, (thread).Library())
+
+/// The context behind a handle, of those that were made while the library was there; null for
+/// another.
+std::shared_ptr<SContext> FindContext(EGLDisplay display, EGLContext handle);
+void KeepContext(std::shared_ptr<SContext> context);
+void ForgetContext(EGLDisplay display, EGLContext handle);
+
+}  // namespace kestrail::recorder

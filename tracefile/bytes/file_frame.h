@@ -1,0 +1,16 @@
+// What stands around the records of a trace file, in the version that is written.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+namespace kestrail {
+
+/// The header up to the lists of edits: version 14, with the usual widths of each type.
+std::vector<std::uint8_t> TraceFileStart(bool dataFlag, bool secondFlag);
+/// The whole header of a file with data and without edits.
+std::vector<std::uint8_t> TraceFileHeader();
+/// The end of a file without state records.
+std::vector<std::uint8_t> TraceFileFooter();
+
+}  // namespace kestrail
