@@ -37,6 +37,17 @@ void WriteFraming(std::uint32_t version, const std::string& start) {
     trace.Write(start + ".kstl");
 }
 
+/// Numbers of eight bytes, with a sign and without, and pixmaps, whose length stands there once.
+void WriteWide(const std::string& path) {
+    CTraceBuilder trace;
+    trace.settings.widths[tag::Int] = -8;
+    trace.settings.widths[tag::Enum] = 8;
+    AddCall(trace, "glTexParameteri GL_TEXTURE_2D GL_TEXTURE_MIN_FILTER -1");
+    AddCall(trace, "egl.eglCopyBuffers DPY SRF 0x30 [03000000 010203]");
+    AddCall(trace, "egl.eglCopyBuffers DPY SRF 0x31 [040506]");
+    trace.Write(path);
+}
+
 }  // namespace
 }  // namespace kestrail
 
@@ -58,5 +69,6 @@ int main(int count, char** arguments) {
         }
         WriteFraming(version, (folder / (name + "-framing")).string());
     }
+    WriteWide((folder / "wide.kstl").string());
     return 0;
 }
