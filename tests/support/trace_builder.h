@@ -149,6 +149,7 @@ private:
     }
     static std::vector<std::int64_t> BitsOf(const std::vector<float>& reals) {
         std::vector<std::int64_t> bits;
+        bits.reserve(reals.size());
         for (const float real : reals) bits.push_back(std::bit_cast<std::uint32_t>(real));
         return bits;
     }
