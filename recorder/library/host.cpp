@@ -77,13 +77,17 @@ void* PlainLookUp(void* handle, const char* name) {
 
 void* FindHostEntry(int entry, ELibrary library) {
     const char* const name = kEntries[entry].name;
-    void* found = nullptr;
     // The application's own library comes first, then whatever it is linked with, which is behind
-    // us, then the machine's.
+    // us, then the machine's. An entry of the other API, which drivers take as well, stands
+    // elsewhere.
+    const ELibrary other = library == kEs1Library ? kEs2Library : kEs1Library;
+    void* found = nullptr;
     if (g_libraries[library].load() != nullptr) found = PlainLookUp(Library(library), name);
     if (found == nullptr) found = PlainLookUp(RTLD_NEXT, name);
-    if (found == nullptr && Library(library) != nullptr)
-        found = PlainLookUp(Library(library), name);
+    for (const ELibrary wanted : {library, other}) {
+        void* const handle = found == nullptr ? Library(wanted) : nullptr;
+        if (handle != nullptr) found = PlainLookUp(handle, name);
+    }
     if (found == nullptr && Library(kEglLibrary) != nullptr) {
         using Procedure = void (*)();
         using Find = Procedure (*)(const char*);

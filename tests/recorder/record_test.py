@@ -18,6 +18,17 @@ import time
 from pathlib import Path
 
 SWAP = 1022
+USE_PROGRAM = 2131
+# A program that asks for a context of ES1 and calls ES2 in there.
+MIXED = """
+from ctypes import CDLL, c_void_p
+egl = CDLL("libEGL.so")
+egl.eglGetDisplay.restype = egl.eglCreateContext.restype = c_void_p
+display = c_void_p(egl.eglGetDisplay(None))
+context = c_void_p(egl.eglCreateContext(display, c_void_p(1), None, None))
+assert egl.eglMakeCurrent(display, None, None, context)
+CDLL("libGLESv2.so").glUseProgram(0)
+"""
 EDITS = 0x17  # behind the length of the width table
 
 
@@ -95,6 +106,10 @@ def check_manners(command, player, trace, host):
         # Children have files of their own; the first that draws has the plain name.
         record("-o", out, "--force", "--", "sh", "-c", f"'{player}' '{trace}'; '{player}' '{trace}'")
         assert len(list(folder.glob("out*.kstl"))) == 2
+
+        # An entry that only the other API's library has.
+        mixed = record("-o", out, "--force", "--", sys.executable, "-c", MIXED)
+        assert mixed.returncode == 0 and [identifier for identifier, _ in records(out)][-1] == USE_PROGRAM
 
         # A program that is killed leaves what it had done.
         script = f"while :; do '{player}' '{trace}' >/dev/null 2>&1; done"
