@@ -87,16 +87,16 @@ add_custom_target(kestrail_host_tables DEPENDS ${host_headers})
 find_path(KESTRAIL_PUBLISHED_HEADERS EGL/egl.h REQUIRED)
 mark_as_advanced(KESTRAIL_PUBLISHED_HEADERS)
 set(parts_recorder 4)
-set(KESTRAIL_RECORDER_SOURCES ${generated}/recorder/entries.cpp)
+set(KESTRAIL_RECORDER_SOURCES ${generated}/recorder/library/entries.cpp)
 foreach(part RANGE 1 ${parts_recorder})
-  list(APPEND KESTRAIL_RECORDER_SOURCES ${generated}/recorder/entries_${part}.cpp)
+  list(APPEND KESTRAIL_RECORDER_SOURCES ${generated}/recorder/library/entries_${part}.cpp)
 endforeach()
 set(by_hand ${PROJECT_SOURCE_DIR}/recorder/library/by_hand.h)
 add_custom_command(
-  OUTPUT ${generated}/recorder/entries.h ${KESTRAIL_RECORDER_SOURCES}
+  OUTPUT ${generated}/recorder/library/entries.h ${KESTRAIL_RECORDER_SOURCES}
   COMMAND
     Python3::Interpreter -B ${callgen}/recorder.py ${PROJECT_SOURCE_DIR}/calls
-    ${KESTRAIL_PUBLISHED_HEADERS} ${by_hand} ${generated}/recorder ${parts_recorder}
+    ${KESTRAIL_PUBLISHED_HEADERS} ${by_hand} ${generated}/recorder/library ${parts_recorder}
   DEPENDS ${callgen}/recorder.py ${callgen}/prototypes.py ${callgen}/table.py ${by_hand}
           ${PROJECT_SOURCE_DIR}/calls/egl/egl.calls ${PROJECT_SOURCE_DIR}/calls/es1/es1.calls
           ${PROJECT_SOURCE_DIR}/calls/es2/es2.calls ${PROJECT_SOURCE_DIR}/calls/es3/es3.calls

@@ -11,7 +11,7 @@ struct SEs1Transition {
     SSession& session;
     CHostAnswers& answers;
     const CEs1State& target;
-    const CEs1State* current;
+    const CEs1State* current = nullptr;
     SEs1Host& host = session.hosts.Es1();
     CEs1Names& names = session.es1Names;
 

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "generated/recorder/entries.h"
+#include "generated/recorder/library/entries.h"
 
 namespace kestrail::recorder {
 

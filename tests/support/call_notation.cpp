@@ -85,7 +85,7 @@ std::string VectorWord(const SPrototype& prototype, const std::string& name,
                        const std::string& scalar) {
     const bool isValue = name == "value" || name == "v";
     if (name == "m" || name == "eqn" || name == "equation" || (name == "v" && scalar == "Float")) {
-        return "(" + scalar + ")";
+        return "(" + scalar + "*" + std::to_string(ItemSize(prototype, name)) + ")";
     }
     // What ES 3.0 added counts scalars, the rest counts items.
     if (!isValue || prototype.family == "Es3") return "[" + scalar + "]";
@@ -367,6 +367,10 @@ const SCallLayout& FindLayout(const std::string& name, const std::string& family
         if (found != layouts.end()) return found->second;
     }
     throw std::runtime_error(name + ": no such call");
+}
+
+unsigned TagOf(const std::string& slot) {
+    return Tags().at(slot);
 }
 
 void AddCall(CTraceBuilder& trace, const std::string& line, bool es1Trace) {

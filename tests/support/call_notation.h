@@ -47,6 +47,9 @@ struct SCallLayout {
 /// std::runtime_error if none holds it.
 const SCallLayout& FindLayout(const std::string& name, const std::string& family);
 
+/// The type tag of a slot of one scalar. Throws std::out_of_range for another.
+unsigned TagOf(const std::string& slot);
+
 /// How many scalars one item behind a pointer holds, by what the prototype calls it.
 std::size_t ItemSize(const SPrototype& prototype, const std::string& name);
 
