@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "exec/host_data.h"
@@ -83,33 +84,26 @@ GLenum Call_glGetError();
 void Record_glShaderSource(CThread& thread, GLenum error, GLuint shader, GLsizei count,
                            const GLchar* const* strings, const GLint* lengths);
 
-// Images, whose bytes go by the unpack state.
-void Record_glTexImage2D(CThread& thread, GLenum error, GLenum target, GLint level,
-                         GLint internalFormat, GLsizei width, GLsizei height, GLint border,
-                         GLenum format, GLenum type, const void* pixels);
-void Record_glTexSubImage2D(CThread& thread, GLenum error, GLenum target, GLint level, GLint x,
-                            GLint y, GLsizei width, GLsizei height, GLenum format, GLenum type,
-                            const void* pixels);
-void Record_glTexImage3D(CThread& thread, GLenum error, GLenum target, GLint level,
-                         GLint internalFormat, GLsizei width, GLsizei height, GLsizei depth,
-                         GLint border, GLenum format, GLenum type, const void* pixels);
-void Record_glTexSubImage3D(CThread& thread, GLenum error, GLenum target, GLint level, GLint x,
-                            GLint y, GLint z, GLsizei width, GLsizei height, GLsizei depth,
-                            GLenum format, GLenum type, const void* pixels);
-void Record_glCompressedTexImage2D(CThread& thread, GLenum error, GLenum target, GLint level,
-                                   GLenum internalFormat, GLsizei width, GLsizei height,
-                                   GLint border, GLsizei size, const void* data);
-void Record_glCompressedTexSubImage2D(CThread& thread, GLenum error, GLenum target, GLint level,
-                                      GLint x, GLint y, GLsizei width, GLsizei height,
-                                      GLenum format, GLsizei size, const void* data);
-void Record_glCompressedTexImage3D(CThread& thread, GLenum error, GLenum target, GLint level,
-                                   GLenum internalFormat, GLsizei width, GLsizei height,
-                                   GLsizei depth, GLint border, GLsizei size, const void* data);
-void Record_glCompressedTexSubImage3D(CThread& thread, GLenum error, GLenum target, GLint level,
-                                      GLint x, GLint y, GLint z, GLsizei width, GLsizei height,
-                                      GLsizei depth, GLenum format, GLsizei size, const void* data);
-void Record_glReadPixels(CThread& thread, GLenum error, GLint x, GLint y, GLsizei width,
-                         GLsizei height, GLenum format, GLenum type, void* pixels);
+// Images, whose bytes go by the unpack or the pack state; a failed call has none.
+
+/// What a record has of an image: all that the host reads behind the pointer, and zeros up to the
+/// end of the last row, which the application need not have. Nothing with a buffer bound, where the
+/// pointer is an offset.
+struct SImage {
+    const void* pointer = nullptr;
+    std::size_t size = 0;
+    std::size_t padded = 0;
+
+    void Put(CCallWriter& w) const;
+};
+/// `depth`: of a 3D image.
+SImage UnpackedImage(CThread& thread, GLenum error, std::optional<GLsizei> depth, GLsizei width,
+                     GLsizei height, GLenum format, GLenum type, const void* pixels);
+/// Bytes that the host writes of an image that is read back; 0 with a buffer bound.
+std::int64_t PackedBytes(CThread& thread, GLenum error, GLsizei width, GLsizei height,
+                         GLenum format, GLenum type);
+bool UnpackBufferBound(CThread& thread);
+GLint UnpackAlignment(CThread& thread);
 
 // Buffers that the application writes through a pointer.
 GLboolean Call_glUnmapBufferOES(GLenum target);

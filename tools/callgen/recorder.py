@@ -60,12 +60,34 @@ def reach(parameter, row, names):
     classes = {p.name: p.cls for p in row.parameters}
     factors = " * ".join(f"std::int64_t{{{factor(word, parameter, classes, names)}}}"
                          for word in parameter.needs.split("*"))
-    return f"good ? {factors} : 0"
+    return f"(good ? {factors} : 0)"
+
+
+def found_before(row, names):
+    """The C++ statements that find out, ahead of the record, what the unpack or pack state has to say."""
+    lines = []
+    for p in row.parameters:
+        if p.image:
+            sizes = ", ".join(names[word] for word in ("width", "height", "format", "type"))
+            depth = names.get("depth", "{}")
+            lines.append(f"const std::int64_t captured = PackedBytes(*thread, error, {sizes});" if p.out
+                         else f"const SImage captured = UnpackedImage(*thread, error, {depth}, {sizes}, "
+                              f"{names[p.name]});")
+        elif p.unpack:
+            lines.append("const bool offset = UnpackBufferBound(*thread);")
+        elif p.name == "alignment":
+            lines.append("const GLint alignment = UnpackAlignment(*thread);")
+            names["alignment"] = "alignment"
+    return lines
 
 
 def put(parameter, name, row, names):
     """The C++ statement that writes one parameter."""
     cls = parameter.cls
+    if parameter.image:
+        return f"record.PutBlock({name}, captured);" if parameter.out else "captured.Put(record);"
+    if parameter.unpack:
+        return f"record.PutBlock({name}, offset ? 0 : {reach(parameter, row, names)});"
     if cls.startswith("T"):
         return f"record.Put<{cls}>({name});"
     if cls == "SString":
@@ -90,6 +112,7 @@ def record(row, prototype, indent):
     """The statements that write a row's record, one that isn't written by hand."""
     visible = [p for p in row.listed if not p.hidden]
     names = {p.name: word for p, (_, word) in zip(visible, prototype.parameters)}
+    before = found_before(row, names)
     lines = [f"CCallWriter record(*thread, {row.id});",
              "record.Put<TEGLintEnum>(error);" if row.family == "egl" else "record.Put<TGLError>(error);"]
     if row.family == "ext":
@@ -103,7 +126,7 @@ def record(row, prototype, indent):
     if any("good ?" in line for line in lines):
         lines.insert(0, f"const bool good = error == "
                         f"{'EGL_SUCCESS' if row.family == 'egl' else 'GL_NO_ERROR'};")
-    return [indent + line for line in lines]
+    return [indent + line for line in before + lines]
 
 
 def entry(name, prototype, rows, by_hand):
