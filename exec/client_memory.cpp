@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <limits>
 #include <utility>
 
 namespace kestrail {
@@ -50,14 +49,6 @@ struct SRecordedZeros {
 };
 
 }  // namespace
-
-std::int64_t SArrayReach::Bytes() const {
-    if (vertices <= 0) return 0;
-    constexpr std::int64_t kBeyond = std::numeric_limits<std::int64_t>::max() / 2;
-    const std::int64_t step = stride != 0 ? stride : vertexBytes;
-    if (step < 0 || (step != 0 && vertices > kBeyond / step)) return kBeyond;
-    return (vertices - 1) * step + vertexBytes;
-}
 
 CZeroTailed::CZeroTailed(CZeroTailed&& other) noexcept
     : m_start(std::exchange(other.m_start, nullptr)),

@@ -9,19 +9,9 @@
 #include <vector>
 
 #include "calls/model/data_values.h"
+#include "calls/reach/host_reach.h"
 
 namespace kestrail {
-
-/// How far a draw reads into a client array.
-struct SArrayReach {
-    std::int64_t vertexBytes = 0;
-    /// From one vertex to the next; 0 where they are tightly packed.
-    std::int64_t stride = 0;
-    std::int64_t vertices = 0;
-
-    /// Up to the end of the last vertex.
-    std::int64_t Bytes() const;
-};
 
 /// Bytes with zeros behind them, and in front of them where drivers may look there; zeros take no
 /// memory.

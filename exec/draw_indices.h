@@ -26,13 +26,6 @@ struct SDrawIndices {
     SVertices vertices;
 };
 
-/// As many vertices as indices of that type can tell apart; 0 for another type, which no host
-/// draws.
-std::int64_t IndexLimit(std::uint32_t type);
-/// One more than the highest of `count` indices of that type. With `restart` the highest number of
-/// the type is no vertex.
-std::int64_t VerticesOf(const void* indices, std::int32_t count, std::uint32_t type, bool restart);
-
 /// The indices of a draw: `offset` into the bound element buffer, or the captured ones when there
 /// is none bound.
 SDrawIndices DrawIndices(bool elementBuffer, const SDataPtr& captured, std::uint32_t offset,

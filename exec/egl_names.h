@@ -9,7 +9,7 @@
 #include "base/enumerants.h"
 #include "base/name_table.h"
 #include "exec/client_memory.h"
-#include "exec/pixel_store.h"
+#include "calls/reach/pixel_store.h"
 
 namespace kestrail {
 

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "exec/pixel_store.h"
+#include "calls/reach/pixel_store.h"
 #include "state/shared_bytes.h"
 
 namespace kestrail {

@@ -8,7 +8,7 @@
 #include <optional>
 #include <vector>
 
-#include "exec/host_data.h"
+#include "calls/reach/host_reach.h"
 #include "recorder/library/call_writer.h"
 #include "recorder/library/host.h"
 #include "recorder/library/recorder.h"
@@ -45,17 +45,17 @@ void Note_eglDestroyContext(CThread& thread, EGLBoolean result, EGLDisplay displ
                             EGLContext handle);
 void Note_eglReleaseThread(CThread& thread, EGLBoolean result);
 EGLSurface Call_eglCreateWindowSurface(EGLDisplay display, EGLConfig config,
-                                       EGLNativeWindowType window, const EGLint* attributes);
+                                       EGLNativeWindowType window, const EGLint* list);
 EGLSurface Call_eglCreatePlatformWindowSurface(EGLDisplay display, EGLConfig config, void* window,
-                                               const EGLAttrib* attributes);
+                                               const EGLAttrib* list);
 EGLSurface Call_eglCreatePlatformWindowSurfaceEXT(EGLDisplay display, EGLConfig config,
-                                                  void* window, const EGLint* attributes);
+                                                  void* window, const EGLint* list);
 EGLSurface Call_eglCreatePixmapSurface(EGLDisplay display, EGLConfig config,
-                                       EGLNativePixmapType pixmap, const EGLint* attributes);
+                                       EGLNativePixmapType pixmap, const EGLint* list);
 EGLSurface Call_eglCreatePlatformPixmapSurface(EGLDisplay display, EGLConfig config, void* pixmap,
-                                               const EGLAttrib* attributes);
+                                               const EGLAttrib* list);
 EGLSurface Call_eglCreatePlatformPixmapSurfaceEXT(EGLDisplay display, EGLConfig config,
-                                                  void* pixmap, const EGLint* attributes);
+                                                  void* pixmap, const EGLint* list);
 void Note_eglDestroySurface(CThread& thread, EGLBoolean result, EGLDisplay display,
                             EGLSurface surface);
 void Record_eglCopyBuffers(CThread& thread, EGLint error, EGLBoolean result, EGLDisplay display,
@@ -68,7 +68,7 @@ EGLBoolean Call_eglSwapBuffersWithDamageEXT(EGLDisplay display, EGLSurface surfa
 EGLBoolean Call_eglSwapBuffersWithDamageKHR(EGLDisplay display, EGLSurface surface,
                                             const EGLint* rects, EGLint count);
 EGLImage Call_eglCreateImage(EGLDisplay display, EGLContext context, EGLenum target,
-                             EGLClientBuffer buffer, const EGLAttrib* attributes);
+                             EGLClientBuffer buffer, const EGLAttrib* list);
 EGLBoolean Call_eglDestroyImage(EGLDisplay display, EGLImage image);
 EGLint Call_eglGetError();
 __eglMustCastToProperFunctionPointerType Call_eglGetProcAddress(const char* name);

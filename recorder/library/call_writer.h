@@ -68,6 +68,13 @@ public:
         }
     }
 
+    /// Single values one behind the other.
+    template <typename... Values, typename... Given>
+    requires(sizeof...(Values) > 1 &&
+             sizeof...(Values) == sizeof...(Given)) void Put(Given... given) {
+        (Put<Values>(given), ...);
+    }
+
     /// A block: bytes, or none where the application gave none or an offset.
     void PutBlock(const void* pointer, std::int64_t size) {
         PutBlock(pointer, pointer, size < 0 ? 0 : static_cast<std::size_t>(size));

@@ -6,8 +6,7 @@
 #include <algorithm>
 #include <array>
 
-#include "exec/client_memory.h"
-#include "exec/draw_indices.h"
+#include "calls/reach/host_reach.h"
 #include "generated/calls/identifiers.h"
 #include "recorder/library/by_hand.h"
 

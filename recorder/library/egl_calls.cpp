@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <atomic>
 #include <cstdio>
+#include <cstring>
 #include <map>
 #include <mutex>
+#include <set>
 #include <vector>
 
 #include "generated/calls/identifiers.h"
@@ -83,49 +85,66 @@ EGLint SurfaceValue(EGLDisplay display, EGLSurface surface, EGLint name) {
     return value;
 }
 
-std::vector<EGLint> Narrow(const EGLAttrib* attributes) {
-    std::vector<EGLint> list;
-    if (attributes == nullptr) return list;
-    for (; *attributes != EGL_NONE; attributes += 2) {
-        list.insert(list.end(),
-                    {static_cast<EGLint>(attributes[0]), static_cast<EGLint>(attributes[1])});
-    }
-    list.push_back(EGL_NONE);
-    return list;
+/// Displays whose windows and pixmaps the platform's own calls take by a pointer to their number.
+auto& g_numbering = *new std::set<EGLDisplay>;
+
+/// A window or pixmap as eglCreateWindowSurface would take it.
+const void* Native(EGLDisplay display, const void* drawable) {
+    const std::lock_guard held(g_windowsLock);
+    if (drawable == nullptr || !g_numbering.contains(display)) return drawable;
+    std::uint32_t number = 0;
+    std::memcpy(&number, drawable, sizeof number);
+    return reinterpret_cast<const void*>(std::uintptr_t{number});
 }
 
-void RecordGetDisplay(EGLDisplay result, const void* native) {
+/// Records a call that gives `result`, if calls are recorded now. `put` writes what comes behind
+/// it.
+template <typename Result, typename Given, typename Put>
+Given Record(std::uint16_t id, Given result, Put put) {
     CThread& thread = CThread::Current();
     const EGLint error = thread.KeepEglError();
+    if (!Records()) return result;
+    CCallWriter w(thread, id);
+    w.Put<TEGLintEnum, Result>(error, result);
+    put(w);
+    return result;
+}
+
+EGLDisplay RecordGetDisplay(EGLDisplay result, const void* native) {
     CRecorder::Instance().Open();
-    if (!Records()) return;
-    CCallWriter w(thread, egl_id::eglGetDisplay);
-    w.Put<TEGLintEnum>(error);
-    w.Put<TEGLDisplay>(result);
-    w.Put<TEGLNativeDisplayType>(native);
+    return Record<TEGLDisplay>(egl_id::eglGetDisplay, result,
+                               [&](CCallWriter& w) { w.Put<TEGLNativeDisplayType>(native); });
 }
 
-void RecordWindowSurface(EGLSurface result, EGLDisplay display, EGLConfig config,
-                         const void* window, const EGLint* attributes) {
+EGLDisplay RecordPlatformDisplay(EGLDisplay result, EGLenum platform, const void* native) {
+    if (result != EGL_NO_DISPLAY &&
+        (platform == EGL_PLATFORM_X11_KHR || platform == EGL_PLATFORM_XCB_EXT)) {
+        const std::lock_guard held(g_windowsLock);
+        g_numbering.insert(result);
+    }
+    return RecordGetDisplay(result, native);
+}
+
+template <typename Attribute>
+EGLSurface RecordWindowSurface(EGLSurface result, EGLDisplay display, EGLConfig config,
+                               const void* window, const Attribute* attributes) {
     CThread& thread = CThread::Current();
     const EGLint error = thread.KeepEglError();
-    if (!Records()) return;
+    if (!Records()) return result;
     const std::vector<EGLint> description = Describe(display, config);
     const bool made = result != EGL_NO_SURFACE;
     const EGLint width = made ? SurfaceValue(display, result, EGL_WIDTH) : 0;
     const EGLint height = made ? SurfaceValue(display, result, EGL_HEIGHT) : 0;
     const std::lock_guard held(g_windowsLock);
     CCallWriter w(thread, egl_id::eglCreateWindowSurface);
-    w.Put<TEGLintEnum>(error);
-    w.Put<TEGLSurface>(result);
-    w.Put<TEGLDisplay>(display);
-    w.Put<TEGLConfig>(config);
-    w.Put<TEGLNativeWindowType>(window);
+    w.Put<TEGLintEnum, TEGLSurface, TEGLDisplay, TEGLConfig, TEGLNativeWindowType>(
+        error, result, display, config, window);
     if (made) g_windows[{display, result}] = {w.Place()};
     w.PutNumber<4>(width);
     w.PutNumber<4>(height);
     w.PutAttributes(attributes);
     w.PutAttributes(Data(description));
+    return result;
 }
 
 /// The pixmap's own bytes aren't known; the player makes none from them.
@@ -135,44 +154,14 @@ void PutPixmap(CCallWriter& w, const void* pixmap) {
     if (s_first.exchange(false)) w.PutNumber<4>(0);
 }
 
-void RecordPixmapSurface(EGLSurface result, EGLDisplay display, EGLConfig config,
-                         const void* pixmap, const EGLint* attributes) {
-    CThread& thread = CThread::Current();
-    const EGLint error = thread.KeepEglError();
-    if (!Records()) return;
-    CCallWriter w(thread, egl_id::eglCreatePixmapSurface);
-    w.Put<TEGLintEnum>(error);
-    w.Put<TEGLSurface>(result);
-    w.Put<TEGLDisplay>(display);
-    w.Put<TEGLConfig>(config);
-    PutPixmap(w, pixmap);
-    w.PutAttributes(attributes);
-}
-
-void RecordCreateImage(EGLImage result, EGLDisplay display, EGLContext context, EGLenum target,
-                       EGLClientBuffer buffer, const EGLint* attributes) {
-    CThread& thread = CThread::Current();
-    const EGLint error = thread.KeepEglError();
-    if (!Records()) return;
-    CCallWriter w(thread, egl_id::eglCreateImageKHR);
-    w.Put<TEGLintEnum>(error);
-    w.Put<TEGLImageKHR>(result);
-    w.Put<TEGLDisplay>(display);
-    w.Put<TEGLContext>(context);
-    w.Put<TEGLenum>(target);
-    w.Put<TEGLClientBuffer>(buffer);
-    w.PutAttributes(attributes);
-}
-
-void RecordDestroyImage(EGLBoolean result, EGLDisplay display, EGLImage image) {
-    CThread& thread = CThread::Current();
-    const EGLint error = thread.KeepEglError();
-    if (!Records()) return;
-    CCallWriter w(thread, egl_id::eglDestroyImageKHR);
-    w.Put<TEGLintEnum>(error);
-    w.Put<TEGLBoolean>(result);
-    w.Put<TEGLDisplay>(display);
-    w.Put<TEGLImageKHR>(image);
+template <typename Attribute>
+EGLSurface RecordPixmapSurface(EGLSurface result, EGLDisplay display, EGLConfig config,
+                               const void* pixmap, const Attribute* attributes) {
+    return Record<TEGLSurface>(egl_id::eglCreatePixmapSurface, result, [&](CCallWriter& w) {
+        w.Put<TEGLDisplay, TEGLConfig>(display, config);
+        PutPixmap(w, pixmap);
+        w.PutAttributes(attributes);
+    });
 }
 
 /// A window's size is told where its surface was made.
@@ -203,13 +192,9 @@ EGLBoolean SwapAndRecord(EGLDisplay display, EGLSurface surface, Swap swap) {
     if (!Records()) return result;
     {
         CCallWriter w(thread, egl_id::eglSwapBuffers);
-        w.Put<TEGLintEnum>(error);
-        w.Put<TEGLBoolean>(result);
-        w.Put<TEGLDisplay>(display);
-        w.Put<TEGLSurface>(surface);
-        w.Put<TGLuint>(CRecorder::Instance().Frames() + 1);
-        w.Put<TGLuint>(picture.width);
-        w.Put<TGLuint>(picture.height);
+        w.Put<TEGLintEnum, TEGLBoolean, TEGLDisplay, TEGLSurface>(error, result, display, surface);
+        w.Put<TGLuint, TGLuint, TGLuint>(CRecorder::Instance().Frames() + 1, picture.width,
+                                         picture.height);
         const void* const pixels = picture.pixels.empty() ? nullptr : picture.pixels.data();
         w.PutBlock(pixels, pixels, picture.pixels.size());
     }
@@ -230,21 +215,15 @@ std::int32_t VersionOf(EGLDisplay display, EGLContext context) {
 }  // namespace
 
 EGLDisplay Call_eglGetDisplay(EGLNativeDisplayType native) {
-    const EGLDisplay result = EGL(eglGetDisplay)(native);
-    RecordGetDisplay(result, native);
-    return result;
+    return RecordGetDisplay(EGL(eglGetDisplay)(native), native);
 }
-
 EGLDisplay Call_eglGetPlatformDisplay(EGLenum platform, void* native, const EGLAttrib* list) {
     const EGLDisplay result = EGL(eglGetPlatformDisplay)(platform, native, list);
-    RecordGetDisplay(result, native);
-    return result;
+    return RecordPlatformDisplay(result, platform, native);
 }
-
 EGLDisplay Call_eglGetPlatformDisplayEXT(EGLenum platform, void* native, const EGLint* list) {
     const EGLDisplay result = EGL(eglGetPlatformDisplayEXT)(platform, native, list);
-    RecordGetDisplay(result, native);
-    return result;
+    return RecordPlatformDisplay(result, platform, native);
 }
 
 EGLContext Call_eglCreateContext(EGLDisplay display, EGLConfig config, EGLContext share,
@@ -274,11 +253,8 @@ EGLContext Call_eglCreateContext(EGLDisplay display, EGLConfig config, EGLContex
     if (!Records()) return result;
     const std::vector<EGLint> description = Describe(display, config);
     CCallWriter w(thread, egl_id::eglCreateContext);
-    w.Put<TEGLintEnum>(error);
-    w.Put<TEGLContext>(result);
-    w.Put<TEGLDisplay>(display);
-    w.Put<TEGLConfig>(config);
-    w.Put<TEGLContext>(share);
+    w.Put<TEGLintEnum, TEGLContext, TEGLDisplay, TEGLConfig, TEGLContext>(error, result, display,
+                                                                          config, share);
     w.PutAttributes(attributes);
     w.PutAttributes(Data(description));
     return result;
@@ -297,13 +273,10 @@ EGLBoolean Call_eglMakeCurrent(EGLDisplay display, EGLSurface draw, EGLSurface r
     const EGLConfig config = context != nullptr ? context->config : nullptr;
     const std::vector<EGLint> description = Describe(display, config);
     CCallWriter w(thread, egl_id::eglMakeCurrent);
-    w.Put<TEGLintEnum>(error);
-    w.Put<TEGLBoolean>(result);
-    w.Put<TEGLDisplay>(display);
+    w.Put<TEGLintEnum, TEGLBoolean, TEGLDisplay>(error, result, display);
     w.Put<TEGLSurface>(known != EGL_NO_CONTEXT ? draw : EGL_NO_SURFACE);
     w.Put<TEGLSurface>(known != EGL_NO_CONTEXT ? read : EGL_NO_SURFACE);
-    w.Put<TEGLContext>(known);
-    w.Put<TEGLConfig>(config);
+    w.Put<TEGLContext, TEGLConfig>(known, config);
     w.PutAttributes(Data(description));
     return result;
 }
@@ -316,49 +289,37 @@ void Note_eglReleaseThread(CThread& thread, EGLBoolean) {
 }
 
 EGLSurface Call_eglCreateWindowSurface(EGLDisplay display, EGLConfig config,
-                                       EGLNativeWindowType window, const EGLint* attributes) {
-    const EGLSurface result = EGL(eglCreateWindowSurface)(display, config, window, attributes);
-    RecordWindowSurface(result, display, config, reinterpret_cast<const void*>(window), attributes);
-    return result;
+                                       EGLNativeWindowType window, const EGLint* list) {
+    const EGLSurface result = EGL(eglCreateWindowSurface)(display, config, window, list);
+    return RecordWindowSurface(result, display, config, reinterpret_cast<const void*>(window),
+                               list);
 }
-
 EGLSurface Call_eglCreatePlatformWindowSurface(EGLDisplay display, EGLConfig config, void* window,
-                                               const EGLAttrib* attributes) {
-    const EGLSurface result =
-        EGL(eglCreatePlatformWindowSurface)(display, config, window, attributes);
-    RecordWindowSurface(result, display, config, window, Data(Narrow(attributes)));
-    return result;
+                                               const EGLAttrib* list) {
+    const EGLSurface result = EGL(eglCreatePlatformWindowSurface)(display, config, window, list);
+    return RecordWindowSurface(result, display, config, Native(display, window), list);
 }
-
 EGLSurface Call_eglCreatePlatformWindowSurfaceEXT(EGLDisplay display, EGLConfig config,
-                                                  void* window, const EGLint* attributes) {
-    const EGLSurface result =
-        EGL(eglCreatePlatformWindowSurfaceEXT)(display, config, window, attributes);
-    RecordWindowSurface(result, display, config, window, attributes);
-    return result;
+                                                  void* window, const EGLint* list) {
+    const EGLSurface result = EGL(eglCreatePlatformWindowSurfaceEXT)(display, config, window, list);
+    return RecordWindowSurface(result, display, config, Native(display, window), list);
 }
 
 EGLSurface Call_eglCreatePixmapSurface(EGLDisplay display, EGLConfig config,
-                                       EGLNativePixmapType pixmap, const EGLint* attributes) {
-    const EGLSurface result = EGL(eglCreatePixmapSurface)(display, config, pixmap, attributes);
-    RecordPixmapSurface(result, display, config, reinterpret_cast<const void*>(pixmap), attributes);
-    return result;
+                                       EGLNativePixmapType pixmap, const EGLint* list) {
+    const EGLSurface result = EGL(eglCreatePixmapSurface)(display, config, pixmap, list);
+    return RecordPixmapSurface(result, display, config, reinterpret_cast<const void*>(pixmap),
+                               list);
 }
-
 EGLSurface Call_eglCreatePlatformPixmapSurface(EGLDisplay display, EGLConfig config, void* pixmap,
-                                               const EGLAttrib* attributes) {
-    const EGLSurface result =
-        EGL(eglCreatePlatformPixmapSurface)(display, config, pixmap, attributes);
-    RecordPixmapSurface(result, display, config, pixmap, Data(Narrow(attributes)));
-    return result;
+                                               const EGLAttrib* list) {
+    const EGLSurface result = EGL(eglCreatePlatformPixmapSurface)(display, config, pixmap, list);
+    return RecordPixmapSurface(result, display, config, Native(display, pixmap), list);
 }
-
 EGLSurface Call_eglCreatePlatformPixmapSurfaceEXT(EGLDisplay display, EGLConfig config,
-                                                  void* pixmap, const EGLint* attributes) {
-    const EGLSurface result =
-        EGL(eglCreatePlatformPixmapSurfaceEXT)(display, config, pixmap, attributes);
-    RecordPixmapSurface(result, display, config, pixmap, attributes);
-    return result;
+                                                  void* pixmap, const EGLint* list) {
+    const EGLSurface result = EGL(eglCreatePlatformPixmapSurfaceEXT)(display, config, pixmap, list);
+    return RecordPixmapSurface(result, display, config, Native(display, pixmap), list);
 }
 
 void Note_eglDestroySurface(CThread&, EGLBoolean, EGLDisplay display, EGLSurface surface) {
@@ -369,22 +330,15 @@ void Note_eglDestroySurface(CThread&, EGLBoolean, EGLDisplay display, EGLSurface
 void Record_eglCopyBuffers(CThread& thread, EGLint error, EGLBoolean result, EGLDisplay display,
                            EGLSurface surface, EGLNativePixmapType pixmap) {
     CCallWriter w(thread, egl_id::eglCopyBuffers);
-    w.Put<TEGLintEnum>(error);
-    w.Put<TEGLBoolean>(result);
-    w.Put<TEGLDisplay>(display);
-    w.Put<TEGLSurface>(surface);
+    w.Put<TEGLintEnum, TEGLBoolean, TEGLDisplay, TEGLSurface>(error, result, display, surface);
     PutPixmap(w, reinterpret_cast<const void*>(pixmap));
 }
 
 void Record_eglReleaseTexImage(CThread& thread, EGLint error, EGLBoolean result, EGLDisplay display,
                                EGLSurface surface, EGLint buffer) {
     CCallWriter w(thread, egl_id::eglReleaseTexImage);
-    w.Put<TEGLintEnum>(error);
-    w.Put<TEGLBoolean>(result);
-    w.Put<TEGLDisplay>(display);
-    w.Put<TEGLSurface>(surface);
-    w.Put<TEGLint>(0);
-    w.Put<TEGLintEnum>(buffer);
+    w.Put<TEGLintEnum, TEGLBoolean, TEGLDisplay, TEGLSurface>(error, result, display, surface);
+    w.Put<TEGLint, TEGLintEnum>(0, buffer);
 }
 
 EGLBoolean Call_eglSwapBuffers(EGLDisplay display, EGLSurface surface) {
@@ -404,15 +358,19 @@ EGLBoolean Call_eglSwapBuffersWithDamageKHR(EGLDisplay display, EGLSurface surfa
 }
 
 EGLImage Call_eglCreateImage(EGLDisplay display, EGLContext context, EGLenum target,
-                             EGLClientBuffer buffer, const EGLAttrib* attributes) {
-    const EGLImage result = EGL(eglCreateImage)(display, context, target, buffer, attributes);
-    RecordCreateImage(result, display, context, target, buffer, Data(Narrow(attributes)));
-    return result;
+                             EGLClientBuffer buffer, const EGLAttrib* list) {
+    const EGLImage result = EGL(eglCreateImage)(display, context, target, buffer, list);
+    return Record<TEGLImageKHR>(egl_id::eglCreateImageKHR, result, [&](CCallWriter& w) {
+        w.Put<TEGLDisplay, TEGLContext, TEGLenum, TEGLClientBuffer>(display, context, target,
+                                                                    buffer);
+        w.PutAttributes(list);
+    });
 }
 EGLBoolean Call_eglDestroyImage(EGLDisplay display, EGLImage image) {
     const EGLBoolean result = EGL(eglDestroyImage)(display, image);
-    RecordDestroyImage(result, display, image);
-    return result;
+    return Record<TEGLBoolean>(egl_id::eglDestroyImageKHR, result, [&](CCallWriter& w) {
+        w.Put<TEGLDisplay, TEGLImageKHR>(display, image);
+    });
 }
 
 EGLint Call_eglGetError() {
@@ -420,8 +378,7 @@ EGLint Call_eglGetError() {
     const EGLint result = thread.TakeEglError();
     if (!Records()) return result;
     CCallWriter w(thread, egl_id::eglGetError);
-    w.Put<TEGLintEnum>(EGL_SUCCESS);
-    w.Put<TEGLintEnum>(result);
+    w.Put<TEGLintEnum, TEGLintEnum>(EGL_SUCCESS, result);
     return result;
 }
 
@@ -441,8 +398,7 @@ __eglMustCastToProperFunctionPointerType Call_eglGetProcAddress(const char* name
     }
     if (!Records()) return result;
     CCallWriter w(thread, egl_id::eglGetProcAddress);
-    w.Put<TEGLintEnum>(error);
-    w.Put<TPointer>(reinterpret_cast<const void*>(result));
+    w.Put<TEGLintEnum, TPointer>(error, reinterpret_cast<const void*>(result));
     w.PutString(name);
     return result;
 }

@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "calls/pixels/pixel_layout.h"
-#include "exec/host_data.h"
+#include "calls/reach/host_reach.h"
 #include "recorder/library/by_hand.h"
 
 namespace kestrail::recorder {

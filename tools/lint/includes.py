@@ -22,7 +22,7 @@ ROOMS = {
     "transitions": ["exec"],
     "playback": ["transitions"],
     "recorder/channel": ["tracefile/bytes"],
-    "recorder/library": ["recorder/channel", "exec"],
+    "recorder/library": ["recorder/channel", "calls"],
     "companion": ["recorder/channel"],
     "samples": ["tests/support"],
     "bench": ["playback", "tests/support"],

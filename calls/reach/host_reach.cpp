@@ -1,6 +1,7 @@
-#include "exec/host_data.h"
+#include "calls/reach/host_reach.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "base/enumerants.h"
 
@@ -97,12 +98,6 @@ void SPixelStore::Set(std::uint32_t name, std::int32_t value) {
     *held = value;
 }
 
-SHostData HostData(const SBlock& block, std::int64_t needed, bool nullAllowed, bool bufferBound) {
-    if (block.GetData() != nullptr) return {block.GetData(), block.GetSize() >= needed};
-    if (bufferBound) return {AsPointer(block.pointer.value), true};
-    return {nullptr, nullAllowed || needed <= 0};
-}
-
 std::int64_t ImageBytes(std::uint32_t format, std::uint32_t type, std::int32_t width,
                         std::int32_t height, std::int32_t depth, const SPixelStore& store) {
     if (width <= 0 || height <= 0 || depth <= 0) return 0;
@@ -177,6 +172,48 @@ std::uint32_t ParameterCount(std::uint32_t pname) {
 
 std::uint32_t ClearValueCount(std::uint32_t buffer) {
     return buffer == GL_COLOR ? 4 : 1;
+}
+
+std::int64_t SArrayReach::Bytes() const {
+    if (vertices <= 0) return 0;
+    constexpr std::int64_t kBeyond = std::numeric_limits<std::int64_t>::max() / 2;
+    const std::int64_t step = stride != 0 ? stride : vertexBytes;
+    if (step < 0 || (step != 0 && vertices > kBeyond / step)) return kBeyond;
+    return (vertices - 1) * step + vertexBytes;
+}
+
+std::int64_t IndexLimit(std::uint32_t type) {
+    switch (type) {
+        case GL_UNSIGNED_BYTE:
+            return std::int64_t{1} << 8;
+        case GL_UNSIGNED_SHORT:
+            return std::int64_t{1} << 16;
+        case GL_UNSIGNED_INT:
+            return std::int64_t{1} << 32;
+        default:
+            return 0;
+    }
+}
+
+std::int64_t VerticesOf(const void* indices, std::int32_t count, std::uint32_t type, bool restart) {
+    const auto highest = [count, restart, limit = IndexLimit(type)](const auto* values) {
+        std::int64_t vertices = 0;
+        for (std::int32_t i = 0; i < count; ++i) {
+            const std::int64_t needed = std::int64_t{values[i]} + 1;
+            if (needed > vertices && !(restart && needed == limit)) vertices = needed;
+        }
+        return vertices;
+    };
+    switch (type) {
+        case GL_UNSIGNED_BYTE:
+            return highest(static_cast<const GLubyte*>(indices));
+        case GL_UNSIGNED_SHORT:
+            return highest(static_cast<const GLushort*>(indices));
+        case GL_UNSIGNED_INT:
+            return highest(static_cast<const GLuint*>(indices));
+        default:
+            return 0;
+    }
 }
 
 }  // namespace kestrail
