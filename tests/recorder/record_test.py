@@ -10,14 +10,16 @@ A display is wanted by the second.
 import json
 import os
 import signal
-import struct
 import subprocess
 import sys
 import tempfile
 import time
 from pathlib import Path
 
-SWAP = 1022
+sys.path.insert(0, str(Path(__file__).parents[1] / "support"))
+import trace_file
+from trace_file import SWAP, records
+
 USE_PROGRAM = 2131
 # A program that asks for a context of ES1 and calls ES2 in there.
 MIXED = """
@@ -29,34 +31,15 @@ context = c_void_p(egl.eglCreateContext(display, c_void_p(1), None, None))
 assert egl.eglMakeCurrent(display, None, None, context)
 CDLL("libGLESv2.so").glUseProgram(0)
 """
-EDITS = 0x17  # behind the length of the width table
-
-
-def records(path):
-    """Identifiers and payloads, by an own reading of the file."""
-    data = Path(path).read_bytes()
-    assert data[:8] == b"Kestrail" and data[-10:] == bytes([19, 16] + [0] * 8), f"{path}: frame"
-    at = EDITS + data[EDITS - 1]
-    for _ in range(2):
-        count, = struct.unpack_from("<I", data, at)
-        assert count == 0, f"{path}: edits"
-        at += 4
-    while at < len(data) - 10:
-        size, identifier = struct.unpack_from("<IH", data, at)
-        yield identifier, data[at + 6:at + 6 + size]
-        at += 6 + size
-    assert at == len(data) - 10, f"{path}: a record runs over"
 
 
 def pictures(path):
     """Size and pixels, without alpha, of each frame; none for one that holds no picture."""
     found = []
-    for identifier, payload in records(path):
-        if identifier == SWAP:
-            width, height, _, size = struct.unpack_from("<4I", payload, 20)
-            pixels = bytearray(payload[36:36 + size])
-            pixels[3::4] = bytes(len(pixels) // 4)
-            found.append((width, height, bytes(pixels)) if size else None)
+    for picture in trace_file.pictures(path):
+        pixels = bytearray(picture[2] if picture else b"")
+        pixels[3::4] = bytes(len(pixels) // 4)
+        found.append(picture and (*picture[:2], bytes(pixels)))
     return found
 
 
