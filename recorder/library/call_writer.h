@@ -150,10 +150,18 @@ public:
         }
     }
     void PutBytes(const void* bytes, std::size_t size) {
-        if (size > static_cast<std::size_t>(m_limit - m_at)) [[unlikely]]
-            Grow(size);
+        MakeRoom(size);
         if (size != 0) std::memcpy(m_at, bytes, size);
         m_at += size;
+    }
+    /// Items that stand apart in memory, put close together.
+    void PutSpread(const void* items, std::size_t itemSize, std::size_t stride, std::size_t count) {
+        if (stride == itemSize) return PutBytes(items, itemSize * count);
+        MakeRoom(itemSize * count);
+        const auto* from = static_cast<const std::uint8_t*>(items);
+        for (std::size_t i = 0; i < count; ++i, from += stride, m_at += itemSize) {
+            std::memcpy(m_at, from, itemSize);
+        }
     }
 
     /// Where in the recording what is put next will stand.
@@ -180,6 +188,10 @@ private:
         }
     }
 
+    void MakeRoom(std::size_t size) {
+        if (size > static_cast<std::size_t>(m_limit - m_at)) [[unlikely]]
+            Grow(size);
+    }
     /// Makes room for `size` more bytes, in the ring or, for large records, beside it.
     void Grow(std::size_t size);
     void GoElsewhere(std::size_t size);

@@ -18,8 +18,14 @@ namespace {
 struct SClientArray {
     std::int32_t index = 0;  ///< as the format numbers them
     const void* pointer = nullptr;
-    SArrayReach reach;
+    std::size_t vertexBytes = 0;
+    std::size_t stride = 0;
     bool oneVertex = false;  ///< the same for all vertices of an instance
+
+    void SetVertices(std::int64_t bytes, GLint apart) {
+        vertexBytes = static_cast<std::size_t>(bytes);
+        stride = apart != 0 ? static_cast<std::size_t>(apart) : vertexBytes;
+    }
 };
 
 GLint Integer(CThread& thread, GLenum name) {
@@ -65,7 +71,7 @@ void AddEs1Array(CThread& thread, const SKind& kind, std::int32_t index,
     const auto type = static_cast<GLenum>(Integer(thread, kind.type));
     SClientArray array;
     array.index = index;
-    array.reach = {VertexBytes(type, size), Integer(thread, kind.stride), 0};
+    array.SetVertices(VertexBytes(type, size), Integer(thread, kind.stride));
     void* pointer = nullptr;
     HOST(thread, glGetPointerv)(kind.pointer, &pointer);
     array.pointer = pointer;
@@ -106,9 +112,9 @@ std::vector<SClientArray> Es2Arrays(CThread& thread) {
         if (value(GL_VERTEX_ATTRIB_ARRAY_BUFFER_BINDING) != 0) continue;
         SClientArray array;
         array.index = i;
-        array.reach = {VertexBytes(static_cast<GLenum>(value(GL_VERTEX_ATTRIB_ARRAY_TYPE)),
-                                   value(GL_VERTEX_ATTRIB_ARRAY_SIZE)),
-                       value(GL_VERTEX_ATTRIB_ARRAY_STRIDE), 0};
+        array.SetVertices(VertexBytes(static_cast<GLenum>(value(GL_VERTEX_ATTRIB_ARRAY_TYPE)),
+                                      value(GL_VERTEX_ATTRIB_ARRAY_SIZE)),
+                          value(GL_VERTEX_ATTRIB_ARRAY_STRIDE));
         if (thread.Context()->version >= 3) {
             array.oneVertex = value(GL_VERTEX_ATTRIB_ARRAY_DIVISOR) != 0;
         }
@@ -130,11 +136,17 @@ std::vector<SClientArray> ClientArrays(CThread& thread) {
     return arrays;
 }
 
-void PutArrays(CCallWriter& w, std::vector<SClientArray>& arrays, std::int64_t vertices) {
-    for (SClientArray& array : arrays) {
-        array.reach.vertices = array.oneVertex ? std::min<std::int64_t>(vertices, 1) : vertices;
+/// The vertices of an array stand one right behind the other in a record, whatever the
+/// application's stride.
+void PutArrays(CCallWriter& w, const std::vector<SClientArray>& arrays, std::int64_t vertices) {
+    for (const SClientArray& array : arrays) {
+        const std::int64_t used = array.oneVertex ? std::min<std::int64_t>(vertices, 1) : vertices;
+        const bool any = array.pointer != nullptr && used > 0;
+        const std::size_t count = any ? static_cast<std::size_t>(used) : 0;
         w.Put<TGLint>(array.index);
-        w.PutBlock(array.pointer, array.reach.Bytes());
+        w.Put<TPointer>(array.pointer);
+        w.PutNumber<4>(array.vertexBytes * count);
+        w.PutSpread(array.pointer, array.vertexBytes, array.stride, count);
     }
 }
 
