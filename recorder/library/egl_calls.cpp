@@ -182,14 +182,16 @@ EGLBoolean SwapAndRecord(EGLDisplay display, EGLSurface surface, Swap swap) {
     SPicture picture;
     if (Records()) {
         TellWindowSize(display, surface);
-        if (CRecorder::Instance().WantsPicture() && thread.Context() != nullptr) {
+        if (CRecorder::Instance().WantsPicture() && thread.Context() != nullptr &&
+            EGL(eglGetCurrentSurface)(EGL_READ) == surface) {
             picture = TakePicture(thread, SurfaceValue(display, surface, EGL_WIDTH),
                                   SurfaceValue(display, surface, EGL_HEIGHT));
         }
     }
     const EGLBoolean result = swap();
     const EGLint error = thread.KeepEglError();
-    if (!Records()) return result;
+    // What is shown without a context that is known was drawn by another API.
+    if (!Records() || (result == EGL_TRUE && thread.Context() == nullptr)) return result;
     {
         CCallWriter w(thread, egl_id::eglSwapBuffers);
         w.Put<TEGLintEnum, TEGLBoolean, TEGLDisplay, TEGLSurface>(error, result, display, surface);

@@ -97,6 +97,9 @@ EFFECTS = {
     "eglGetConfigAttrib": "OneInteger(call, 0, value); call.End(); return 1;",
     "eglGetConfigs": _CHOOSE_CONFIG,
     "eglGetProcAddress": "call.End(); return FindExtension(procname);",
+    "eglQueryContext": """OneInteger(call, attribute == 0x3097 ? 0x30A0 : 1, value);
+    call.End();
+    return 1;""",
     "eglQueryString": 'call.End(); return "";',
     "eglQuerySurface": """OneInteger(call, attribute == 0x3057 || attribute == 0x3056 ? 300 : 0, value);
     call.End();

@@ -21,16 +21,18 @@ import trace_file
 from trace_file import SWAP, records
 
 USE_PROGRAM = 2131
-# A program that asks for a context of ES1 and calls ES2 in there.
-MIXED = """
+MAKE_CURRENT = 1018
+# What a program does in a context that it asks for.
+PROGRAM = """
 from ctypes import CDLL, c_void_p
 egl = CDLL("libEGL.so")
 egl.eglGetDisplay.restype = egl.eglCreateContext.restype = c_void_p
 display = c_void_p(egl.eglGetDisplay(None))
 context = c_void_p(egl.eglCreateContext(display, c_void_p(1), None, None))
 assert egl.eglMakeCurrent(display, None, None, context)
-CDLL("libGLESv2.so").glUseProgram(0)
 """
+MIXED = PROGRAM + 'CDLL("libGLESv2.so").glUseProgram(0)'
+SWAPS = PROGRAM + "assert egl.eglSwapBuffers(display, None)"
 
 
 def pictures(path):
@@ -93,6 +95,13 @@ def check_manners(command, player, trace, host):
         # An entry that only the other API's library has.
         mixed = record("-o", out, "--force", "--", sys.executable, "-c", MIXED)
         assert mixed.returncode == 0 and [identifier for identifier, _ in records(out)][-1] == USE_PROGRAM
+        # What was drawn by desktop GL makes no frame.
+        (folder / "desktop").write_text("eglQueryContext:EGL_CONTEXT_CLIENT_TYPE * EGL_OPENGL_API\n")
+        for settings, last in (({}, SWAP), ({"KESTRAIL_HOST_SCRIPT": "desktop"}, MAKE_CURRENT)):
+            drawn = run(command, "record", "-o", out, "--force", "--", sys.executable, "-c", SWAPS,
+                        cwd=folder, env=environment | settings)
+            assert drawn.returncode == 0 and [identifier for identifier, _ in records(out)][-1] == last
+            assert ("desktop GL" in drawn.stderr) == bool(settings), drawn.stderr
 
         # A program that is killed leaves what it had done.
         script = f"while :; do '{player}' '{trace}' >/dev/null 2>&1; done"
