@@ -4,8 +4,8 @@ import re
 from dataclasses import dataclass
 from pathlib import Path
 
-HEADERS = ("EGL/egl.h", "EGL/eglext.h", "GLES/gl.h", "GLES/glext.h", "GLES3/gl32.h",
-           "GLES2/gl2ext.h")
+HEADERS = ("EGL/egl.h", "EGL/eglext.h", "GLES/gl.h", "GLES3/gl32.h", "GLES2/gl2ext.h",
+           "GLES/glext.h")
 PROTOTYPE = re.compile(r"^(?:EGLAPI|GL_API|GL_APICALL)\s+(.+?)\s*(?:EGLAPIENTRY|GL_APIENTRY)\s+"
                        r"(\w+)\s*\(([^)]*)\)\s*;", re.MULTILINE)
 SECTION = re.compile(r"^#ifndef (E?GL_[A-Z0-9]+_\w+)\n#define \1 1\n(.*?)^#endif /\* \1 \*/",
@@ -26,7 +26,9 @@ def sections(folder):
     found = {}
     for header in HEADERS:
         for name, text in SECTION.findall(Path(folder, header).read_text()):
-            found.setdefault(name, text)
+            kept = found.setdefault(name, text)
+            lost = set(PROTOTYPE.findall(text)) - set(PROTOTYPE.findall(kept))
+            assert not lost, f"{header}: {name} stands in a header before it without {lost}"
     return found
 
 

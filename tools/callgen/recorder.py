@@ -24,9 +24,10 @@ from table import load
 FAMILIES = ("egl", "es1", "es2", "es3", "ext")
 # What a trace holds, but the player doesn't play.
 NOT_PLAYED = ("none", "test", "fail")
-# Extensions without entries of their own that are of use with those of images alone, which the player
-# doesn't play.
-IMAGES = re.compile(r"^EGL_.*_image|_EGL_image")
+# Extensions without entries of their own that are of use with those of others alone: of images, which the
+# player doesn't play, of devices and streams, which a trace has no place for.
+OF_OTHERS = re.compile(r"^EGL_.*_image|_EGL_image|^EGL_(EXT|NV|ANGLE)_(device|output|stream)_"
+                       r"|_extension_pack_")
 # Entries behind which a draw has to ask again where its arrays stand.
 ARRAYS = re.compile(r"gl(\w+Pointer(OES)?|VertexAttribIPointer|(En|Dis)able(ClientState|VertexAttribArray)"
                     r"|BindVertexArray(OES)?|DeleteVertexArrays(OES)?|DeleteBuffers)$")
@@ -208,15 +209,20 @@ def main():
     for name in names:
         lines.append(f'    {{"{name}", reinterpret_cast<void*>(&::{name}), '
                      f'{"true" if name in held else "false"}}},')
-    extensions = sorted(name for name, entries in prototypes.extensions(headers).items()
-                        if entries <= held and not IMAGES.search(name))
+    published = prototypes.extensions(headers)
+    left_out = tuple(name for name, entries in published.items() if not entries <= held)
+    # One whose name goes on where that of another ends stands on that.
+    extensions = sorted(name for name in published
+                        if not name.startswith(left_out) and not OF_OTHERS.search(name))
     lines += ["};", "", "const std::string_view kHeldExtensions[] = {"]
     lines += [f'    "{name}",' for name in extensions]
     lines += ["};", f"const std::size_t kHeldExtensionCount = {len(extensions)};", "", "}  // namespace kestrail::recorder", ""]
     (out / "entries.cpp").write_text("\n".join(lines))
     parts = int(parts)
     for part in range(parts):
-        lines = [NOTE + '#include "recorder/library/by_hand.h"\n', "using namespace kestrail;",
+        # The published headers come first: in another order they don't declare all entries.
+        lines = [NOTE + '#include "generated/recorder/library/entries.h"\n',
+                 '#include "recorder/library/by_hand.h"\n', "using namespace kestrail;",
                  "using namespace kestrail::recorder;", ""]
         for name in names[part * len(names) // parts:(part + 1) * len(names) // parts]:
             lines += entry(name, found[name], rows.get(name), by_hand)
