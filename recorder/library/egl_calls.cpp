@@ -204,7 +204,7 @@ EGLBoolean SwapAndRecord(EGLDisplay display, EGLSurface surface, Swap swap) {
     return result;
 }
 
-/// The version of OpenGL ES that a context has; 0 for one of another API.
+/// The version of OpenGL ES that was asked for a context; 0 for one of another API.
 std::int32_t VersionOf(EGLDisplay display, EGLContext context) {
     EGLint type = EGL_OPENGL_ES_API;
     EGL(eglQueryContext)(display, context, EGL_CONTEXT_CLIENT_TYPE, &type);
@@ -212,6 +212,15 @@ std::int32_t VersionOf(EGLDisplay display, EGLContext context) {
     EGLint version = 1;
     EGL(eglQueryContext)(display, context, EGL_CONTEXT_CLIENT_VERSION, &version);
     return version;
+}
+
+/// Hosts give a context of ES3 to who asks for ES2. Its own word is to be had once it is current.
+void LearnVersion(CThread& thread, SContext& context) {
+    if (context.version != 2) return;
+    const GLubyte* const text = KESTRAIL_HOST(thread, glGetString)(GL_VERSION);
+    if (text == nullptr) return;
+    const std::string_view version = reinterpret_cast<const char*>(text);
+    if (version.substr(0, version.find('.')) == "OpenGL ES 3") context.version = 3;
 }
 
 }  // namespace
@@ -268,7 +277,10 @@ EGLBoolean Call_eglMakeCurrent(EGLDisplay display, EGLSurface draw, EGLSurface r
     CThread& thread = CThread::Current();
     const EGLint error = thread.KeepEglError();
     const std::shared_ptr<SContext> context = FindContext(display, handle);
-    if (result == EGL_TRUE) thread.SetContext(context);
+    if (result == EGL_TRUE) {
+        thread.SetContext(context);
+        if (context != nullptr) LearnVersion(thread, *context);
+    }
     // A context of another API isn't known, and becomes none.
     if (!Records()) return result;
     const EGLContext known = context != nullptr ? handle : EGL_NO_CONTEXT;
