@@ -1,5 +1,6 @@
 // Images as the unpack state has the host read them, and pictures of windows.
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 #include "calls/pixels/pixel_layout.h"
@@ -125,6 +126,10 @@ SPicture TakePicture(CThread& thread, std::int32_t width, std::int32_t height) {
     picture.width = static_cast<std::uint32_t>(width);
     picture.height = static_cast<std::uint32_t>(height);
     picture.pixels.resize(std::size_t{4} * picture.width * picture.height);
+    // A window that has grown gets its larger buffer with the next swap: what lies outside of the
+    // one that was drawn into isn't read.
+    constexpr std::array<std::uint8_t, 4> kUnread = {0x5A, 0xA5, 0x3C, 0xC3};
+    std::copy(kUnread.begin(), kUnread.end(), picture.pixels.end() - kUnread.size());
     HOST(thread, glReadPixels)
     (0, 0, width, height, GL_RGBA, GL_UNSIGNED_BYTE, picture.pixels.data());
     store(GL_PACK_ALIGNMENT, alignment);
@@ -140,7 +145,9 @@ SPicture TakePicture(CThread& thread, std::int32_t width, std::int32_t height) {
     } else if (framebuffer != 0) {
         HOST(thread, glBindFramebufferOES)(GL_FRAMEBUFFER_OES, live);
     }
-    if (HOST(thread, glGetError)() != GL_NO_ERROR) picture = {};
+    const bool whole =
+        !std::equal(kUnread.begin(), kUnread.end(), picture.pixels.end() - kUnread.size());
+    if (HOST(thread, glGetError)() != GL_NO_ERROR || !whole) picture = {};
     return picture;
 }
 
