@@ -1,6 +1,8 @@
-// Buffers that the application writes through a pointer. What it wrote is recorded as
-// glBufferSubData before the buffer is given back: maps of ES3 themselves aren't played.
+// What buffers hold, and those that are written otherwise than by calls that are played: through a
+// pointer, by transform feedback, by pixels that are read back. What was written there is recorded
+// as glBufferSubData.
 #include <cstring>
+#include <string_view>
 
 #include "generated/calls/identifiers.h"
 #include "recorder/library/by_hand.h"
@@ -19,12 +21,7 @@ GLint BufferValue(CThread& thread, GLenum target, GLenum name) {
 void RecordSubData(CThread& thread, GLenum target, GLintptr offset, GLsizeiptr size,
                    const void* data) {
     if (data == nullptr || size <= 0) return;
-    CCallWriter w(thread, es2_id::glBufferSubData);
-    w.Put<TGLError>(GL_NO_ERROR);
-    w.Put<TGLenum>(target);
-    w.Put<TGLintptr>(offset);
-    w.Put<TGLsizeiptr>(size);
-    w.PutBlock(data, size);
+    Write_glBufferSubData(&thread, GL_NO_ERROR, target, offset, size, data);
 }
 
 /// The piece of the bound buffer that is mapped; nothing for one that isn't.
@@ -46,15 +43,9 @@ SMapped Mapped(CThread& thread, GLenum target) {
     return mapped;
 }
 
-void RecordBind(CThread& thread, GLenum target, GLuint buffer) {
-    CCallWriter w(thread, es2_id::glBindBuffer);
-    w.Put<TGLError>(GL_NO_ERROR);
-    w.Put<TGLenum>(target);
-    w.Put<TGLuint>(buffer);
-}
-
-/// What a piece of a buffer holds, as if the application had put it there.
-void RecordContents(CThread& thread, GLuint buffer, GLintptr start, GLsizeiptr size) {
+/// What a piece of a buffer holds, as if the application had put it there. False where that can't
+/// be read.
+bool RecordContents(CThread& thread, GLuint buffer, GLintptr start, GLsizeiptr size) {
     GLint before = 0;
     HOST(thread, glGetIntegerv)(GL_COPY_READ_BUFFER_BINDING, &before);
     HOST(thread, glBindBuffer)(GL_COPY_READ_BUFFER, buffer);
@@ -62,16 +53,109 @@ void RecordContents(CThread& thread, GLuint buffer, GLintptr start, GLsizeiptr s
     const void* const data =
         HOST(thread, glMapBufferRange)(GL_COPY_READ_BUFFER, start, size, GL_MAP_READ_BIT);
     if (data != nullptr) {
-        RecordBind(thread, GL_COPY_READ_BUFFER, buffer);
+        Write_glBindBuffer(&thread, GL_NO_ERROR, GL_COPY_READ_BUFFER, buffer);
         RecordSubData(thread, GL_COPY_READ_BUFFER, start, size, data);
-        RecordBind(thread, GL_COPY_READ_BUFFER, static_cast<GLuint>(before));
+        Write_glBindBuffer(&thread, GL_NO_ERROR, GL_COPY_READ_BUFFER, static_cast<GLuint>(before));
         HOST(thread, glUnmapBuffer)(GL_COPY_READ_BUFFER);
     }
     HOST(thread, glBindBuffer)(GL_COPY_READ_BUFFER, static_cast<GLuint>(before));
     HOST(thread, glGetError)();
+    return data != nullptr;
+}
+
+GLuint BoundBuffer(CThread& thread, GLenum target) {
+    GLint buffer = 0;
+    HOST(thread, glGetIntegerv)
+    (target == GL_ELEMENT_ARRAY_BUFFER ? GL_ELEMENT_ARRAY_BUFFER_BINDING : GL_ARRAY_BUFFER_BINDING,
+     &buffer);
+    return static_cast<GLuint>(buffer);
+}
+
+std::vector<std::uint8_t> Bytes(const void* data, std::size_t size) {
+    const auto* const bytes = static_cast<const std::uint8_t*>(data);
+    return {bytes, bytes + size};
 }
 
 }  // namespace
+
+bool ReadsBuffers(CThread& thread) {
+    SContext& context = *thread.Context();
+    if (context.version >= 3) return true;
+    if (!context.readsBuffers) {
+        const GLubyte* const text = HOST(thread, glGetString)(GL_EXTENSIONS);
+        const std::string_view extensions =
+            text != nullptr ? reinterpret_cast<const char*>(text) : "";
+        context.readsBuffers =
+            extensions.find("GL_EXT_map_buffer_range") != std::string_view::npos &&
+            HOST(thread, glMapBufferRangeEXT) != nullptr;
+    }
+    return *context.readsBuffers;
+}
+
+std::vector<std::uint8_t> ReadBuffer(CThread& thread, GLenum target, GLintptr offset,
+                                     std::size_t size) {
+    if (!ReadsBuffers(thread)) {
+        SObjects& objects = *thread.Context()->objects;
+        const std::lock_guard held(objects.lock);
+        const std::vector<std::uint8_t>& all = objects.contents[BoundBuffer(thread, target)];
+        const auto start = static_cast<std::size_t>(offset);
+        if (start > all.size() || size > all.size() - start) return {};
+        return Bytes(all.data() + start, size);
+    }
+    const bool es3 = thread.Context()->version >= 3;
+    const auto map = es3 ? HOST(thread, glMapBufferRange) : HOST(thread, glMapBufferRangeEXT);
+    const void* const mapped = map(target, offset, static_cast<GLsizeiptr>(size), GL_MAP_READ_BIT);
+    std::vector<std::uint8_t> bytes;
+    if (mapped != nullptr) {
+        bytes = Bytes(mapped, size);
+        (es3 ? HOST(thread, glUnmapBuffer) : HOST(thread, glUnmapBufferOES))(target);
+    }
+    HOST(thread, glGetError)();
+    return bytes;
+}
+
+void Note_glBufferData(CThread& thread, GLenum target, GLsizeiptr size, const void* data, GLenum) {
+    if (ReadsBuffers(thread)) return;
+    SObjects& objects = *thread.Context()->objects;
+    const std::lock_guard held(objects.lock);
+    const auto room = static_cast<std::size_t>(size);
+    objects.contents[BoundBuffer(thread, target)] =
+        data != nullptr ? Bytes(data, room) : std::vector<std::uint8_t>(room);
+}
+
+void Note_glBufferSubData(CThread& thread, GLenum target, GLintptr offset, GLsizeiptr size,
+                          const void* data) {
+    if (ReadsBuffers(thread) || data == nullptr) return;
+    SObjects& objects = *thread.Context()->objects;
+    const std::lock_guard held(objects.lock);
+    std::vector<std::uint8_t>& all = objects.contents[BoundBuffer(thread, target)];
+    const auto start = static_cast<std::size_t>(offset);
+    const auto length = static_cast<std::size_t>(size);
+    if (start > all.size() || length > all.size() - start) return;
+    std::memcpy(all.data() + start, data, length);
+}
+
+void Note_glDeleteBuffers(CThread& thread, GLsizei n, const GLuint* buffers) {
+    SObjects& objects = *thread.Context()->objects;
+    const std::lock_guard held(objects.lock);
+    for (GLsizei i = 0; i < n; ++i) {
+        objects.contents.erase(buffers[i]);
+        thread.Context()->readBack.erase(buffers[i]);
+    }
+}
+
+void Note_glReadPixels(CThread& thread, GLint, GLint, GLsizei, GLsizei, GLenum, GLenum, void*) {
+    if (thread.Context()->version < 3) return;
+    GLint buffer = 0;
+    HOST(thread, glGetIntegerv)(GL_PIXEL_PACK_BUFFER_BINDING, &buffer);
+    if (buffer != 0) thread.Context()->readBack.insert(static_cast<GLuint>(buffer));
+}
+
+void RecordReadBack(CThread& thread, GLenum target, GLuint buffer) {
+    auto& readBack = thread.Context()->readBack;
+    if (target == GL_PIXEL_PACK_BUFFER || readBack.count(buffer) == 0) return;
+    if (RecordContents(thread, buffer, 0, 0)) readBack.erase(buffer);
+}
 
 void* Call_glMapBufferRange(GLenum target, GLintptr offset, GLsizeiptr length, GLbitfield access) {
     CThread& thread = CThread::Current();
@@ -113,8 +197,8 @@ GLboolean Call_glUnmapBufferOES(GLenum target) {
         const GLint size = BufferValue(thread, target, GL_BUFFER_SIZE);
         HOST(thread, glGetError)();
         if (pointer != nullptr && size > 0) {
-            const auto* const bytes = static_cast<const std::uint8_t*>(pointer);
-            written.assign(bytes, bytes + size);
+            written = Bytes(pointer, static_cast<std::size_t>(size));
+            Note_glBufferSubData(thread, target, 0, size, pointer);
         }
     }
     const GLboolean result = HOST(thread, glUnmapBufferOES)(target);

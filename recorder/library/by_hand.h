@@ -2,6 +2,8 @@
 //   Call_<entry>    all of it
 //   Record_<entry>  its record, where that doesn't follow from the row
 //   Note_<entry>    what comes behind the record of a call that succeeded
+// and Write_<entry>, which is made: the record of a call that the application didn't make, as a
+// part of words that the player plays for those that it leaves out.
 #pragma once
 
 #include <cstdint>
@@ -56,6 +58,8 @@ EGLSurface Call_eglCreatePlatformPixmapSurface(EGLDisplay display, EGLConfig con
                                                const EGLAttrib* list);
 EGLSurface Call_eglCreatePlatformPixmapSurfaceEXT(EGLDisplay display, EGLConfig config,
                                                   void* pixmap, const EGLint* list);
+void Record_eglCreatePbufferSurface(CThread& thread, EGLint error, EGLSurface result,
+                                    EGLDisplay display, EGLConfig config, const EGLint* list);
 void Note_eglDestroySurface(CThread& thread, EGLBoolean result, EGLDisplay display,
                             EGLSurface surface);
 void Record_eglCopyBuffers(CThread& thread, EGLint error, EGLBoolean result, EGLDisplay display,
@@ -105,6 +109,68 @@ std::int64_t PackedBytes(CThread& thread, GLenum error, GLsizei width, GLsizei h
 bool UnpackBufferBound(CThread& thread);
 GLint UnpackAlignment(CThread& thread);
 
+// Parts of 3D images, which the player leaves out.
+void Note_glTexImage3D(CThread& thread, GLenum target, GLint level, GLint internalformat,
+                       GLsizei width, GLsizei height, GLsizei depth, GLint border, GLenum format,
+                       GLenum type, const void* pixels);
+void Note_glTexStorage3D(CThread& thread, GLenum target, GLsizei levels, GLenum internalformat,
+                         GLsizei width, GLsizei height, GLsizei depth);
+void Record_glTexSubImage3D(CThread& thread, GLenum error, GLenum target, GLint level,
+                            GLint xoffset, GLint yoffset, GLint zoffset, GLsizei width,
+                            GLsizei height, GLsizei depth, GLenum format, GLenum type,
+                            const void* pixels);
+void Write_glTexSubImage3D(CThread* thread, GLenum error, GLenum target, GLint level, GLint xoffset,
+                           GLint yoffset, GLint zoffset, GLsizei width, GLsizei height,
+                           GLsizei depth, GLenum format, GLenum type, const void* pixels);
+void Write_glBindTexture(CThread* thread, GLenum error, GLenum target, GLuint texture);
+void Write_glBindFramebuffer(CThread* thread, GLenum error, GLenum target, GLuint framebuffer);
+void Write_glTexImage2D(CThread* thread, GLenum error, GLenum target, GLint level,
+                        GLint internalformat, GLsizei width, GLsizei height, GLint border,
+                        GLenum format, GLenum type, const void* pixels);
+void Write_glFramebufferTexture2D(CThread* thread, GLenum error, GLenum target, GLenum attachment,
+                                  GLenum textarget, GLuint texture, GLint level);
+void Write_glCopyTexSubImage3D(CThread* thread, GLenum error, GLenum target, GLint level,
+                               GLint xoffset, GLint yoffset, GLint zoffset, GLint x, GLint y,
+                               GLsizei width, GLsizei height);
+void Write_glDeleteTextures(CThread* thread, GLenum error, GLsizei n, const GLuint* textures);
+void Write_glDeleteFramebuffers(CThread* thread, GLenum error, GLsizei n,
+                                const GLuint* framebuffers);
+
+// What buffers hold. Where the host doesn't give it back, as ES2's without an extension, what the
+// application puts there is kept.
+bool ReadsBuffers(CThread& thread);
+/// A piece of the bound buffer; empty where it isn't known.
+std::vector<std::uint8_t> ReadBuffer(CThread& thread, GLenum target, GLintptr offset,
+                                     std::size_t size);
+void Note_glBufferData(CThread& thread, GLenum target, GLsizeiptr size, const void* data,
+                       GLenum usage);
+void Note_glBufferSubData(CThread& thread, GLenum target, GLintptr offset, GLsizeiptr size,
+                          const void* data);
+void Note_glDeleteBuffers(CThread& thread, GLsizei n, const GLuint* buffers);
+
+// Pixels that are read back into a buffer; the player reads none in ES2 and ES3. They are recorded
+// as the buffer's data once it is bound for anything else.
+void Note_glReadPixels(CThread& thread, GLint x, GLint y, GLsizei width, GLsizei height,
+                       GLenum format, GLenum type, void* pixels);
+void RecordReadBack(CThread& thread, GLenum target, GLuint buffer);
+inline void Note_glBindBuffer(CThread& thread, GLenum target, GLuint buffer) {
+    if (!thread.Context()->readBack.empty()) [[unlikely]]
+        RecordReadBack(thread, target, buffer);
+}
+inline void Note_glBindBufferBase(CThread& thread, GLenum target, GLuint, GLuint buffer) {
+    Note_glBindBuffer(thread, target, buffer);
+}
+inline void Note_glBindBufferRange(CThread& thread, GLenum target, GLuint, GLuint buffer, GLintptr,
+                                   GLsizeiptr) {
+    Note_glBindBuffer(thread, target, buffer);
+}
+void Write_glBindBuffer(CThread* thread, GLenum error, GLenum target, GLuint buffer);
+void Write_glBufferData(CThread* thread, GLenum error, GLenum target, GLsizeiptr size,
+                        const void* data, GLenum usage);
+void Write_glBufferSubData(CThread* thread, GLenum error, GLenum target, GLintptr offset,
+                           GLsizeiptr size, const void* data);
+void Write_glDeleteBuffers(CThread* thread, GLenum error, GLsizei n, const GLuint* buffers);
+
 // Buffers that the application writes through a pointer.
 GLboolean Call_glUnmapBufferOES(GLenum target);
 void* Call_glMapBufferRange(GLenum target, GLintptr offset, GLsizeiptr length, GLbitfield access);
@@ -121,7 +187,31 @@ void Record_glDrawElements(CThread& thread, GLenum error, GLenum mode, GLsizei c
                            const void* indices);
 void Record_glDrawRangeElements(CThread& thread, GLenum error, GLenum mode, GLuint start,
                                 GLuint end, GLsizei count, GLenum type, const void* indices);
+void Record_glDrawArraysInstanced(CThread& thread, GLenum error, GLenum mode, GLint first,
+                                  GLsizei count, GLsizei instances);
 void Record_glDrawElementsInstanced(CThread& thread, GLenum error, GLenum mode, GLsizei count,
                                     GLenum type, const void* indices, GLsizei instances);
+
+// The player draws none of these itself.
+void Record_glMultiDrawArraysEXT(CThread& thread, GLenum error, GLenum mode, const GLint* first,
+                                 const GLsizei* count, GLsizei draws);
+void Record_glMultiDrawElementsEXT(CThread& thread, GLenum error, GLenum mode, const GLsizei* count,
+                                   GLenum type, const void* const* indices, GLsizei draws);
+void Write_glDrawArraysInstanced(CThread* thread, GLenum error, GLenum mode, GLint first,
+                                 GLsizei count, GLsizei instances);
+void Write_glVertexAttribPointer(CThread* thread, GLenum error, GLuint index, GLint size,
+                                 GLenum type, GLboolean normalized, GLsizei stride,
+                                 const void* pointer);
+void Write_glVertexAttribIPointer(CThread* thread, GLenum error, GLuint index, GLint size,
+                                  GLenum type, GLsizei stride, const void* pointer);
+/// The player leaves out this one of its kin.
+void Record_glVertexAttribI4uiv(CThread& thread, GLenum error, GLuint index, const GLuint* values);
+void Write_glVertexAttribI4ui(CThread* thread, GLenum error, GLuint index, GLuint x, GLuint y,
+                              GLuint z, GLuint w);
+
+/// A name that the application doesn't have, for an object of the recorder's own.
+inline GLuint OwnName(CThread& thread) {
+    return 0xFFFF0000u + thread.Number();
+}
 
 }  // namespace kestrail::recorder

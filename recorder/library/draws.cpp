@@ -5,8 +5,8 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
-#include "calls/reach/host_reach.h"
 #include "generated/calls/identifiers.h"
 #include "recorder/library/by_hand.h"
 
@@ -16,15 +16,18 @@ namespace {
 #define HOST KESTRAIL_HOST
 
 struct SClientArray {
-    std::int32_t index = 0;  ///< as the format numbers them
+    GLuint index = 0;  ///< as the format numbers them
     const void* pointer = nullptr;
-    std::size_t vertexBytes = 0;
-    std::size_t stride = 0;
-    bool oneVertex = false;  ///< the same for all vertices of an instance
+    GLint size = 0;
+    GLenum type = 0;
+    GLboolean normalized = GL_FALSE;
+    GLsizei stride = 0;
+    GLuint divisor = 0;  ///< goes on by so many instances, if not by vertices
+    bool integers = false;
 
-    void SetVertices(std::int64_t bytes, GLint apart) {
-        vertexBytes = static_cast<std::size_t>(bytes);
-        stride = apart != 0 ? static_cast<std::size_t>(apart) : vertexBytes;
+    std::size_t ValueBytes() const { return static_cast<std::size_t>(VertexBytes(type, size)); }
+    std::size_t Step() const {
+        return stride != 0 ? static_cast<std::size_t>(stride) : ValueBytes();
     }
 };
 
@@ -62,7 +65,7 @@ constexpr std::array<SKind, 7> kKinds = {{
 }};
 constexpr std::size_t kTextureKind = 6;
 
-void AddEs1Array(CThread& thread, const SKind& kind, std::int32_t index,
+void AddEs1Array(CThread& thread, const SKind& kind, std::size_t index,
                  std::vector<SClientArray>& arrays) {
     if (HOST(thread, glIsEnabled)(kind.enable) == GL_FALSE) return;
     if (Integer(thread, kind.buffer) != 0) return;
@@ -70,25 +73,27 @@ void AddEs1Array(CThread& thread, const SKind& kind, std::int32_t index,
     const GLint size = kind.size != 0 ? Integer(thread, kind.size) : fixedSize;
     const auto type = static_cast<GLenum>(Integer(thread, kind.type));
     SClientArray array;
-    array.index = index;
-    array.SetVertices(VertexBytes(type, size), Integer(thread, kind.stride));
+    array.index = static_cast<GLuint>(index);
+    array.size = size;
+    array.type = type;
+    array.stride = Integer(thread, kind.stride);
     void* pointer = nullptr;
     HOST(thread, glGetPointerv)(kind.pointer, &pointer);
     array.pointer = pointer;
-    arrays.push_back(array);
+    if (pointer != nullptr) arrays.push_back(array);
 }
 
 std::vector<SClientArray> Es1Arrays(CThread& thread) {
     std::vector<SClientArray> arrays;
     for (std::size_t kind = 0; kind < kTextureKind; ++kind) {
-        AddEs1Array(thread, kKinds[kind], static_cast<std::int32_t>(kind), arrays);
+        AddEs1Array(thread, kKinds[kind], kind, arrays);
     }
     const GLint active = Integer(thread, GL_CLIENT_ACTIVE_TEXTURE);
     const GLint units = Integer(thread, GL_MAX_TEXTURE_UNITS);
     const auto select = HOST(thread, glClientActiveTexture);
     for (GLint unit = 0; unit < units; ++unit) {
         select(static_cast<GLenum>(GL_TEXTURE0 + unit));
-        AddEs1Array(thread, kKinds[kTextureKind], static_cast<std::int32_t>(kTextureKind) + unit,
+        AddEs1Array(thread, kKinds[kTextureKind], kTextureKind + static_cast<std::size_t>(unit),
                     arrays);
     }
     select(static_cast<GLenum>(active));
@@ -111,12 +116,14 @@ std::vector<SClientArray> Es2Arrays(CThread& thread) {
         if (value(GL_VERTEX_ATTRIB_ARRAY_ENABLED) == 0) continue;
         if (value(GL_VERTEX_ATTRIB_ARRAY_BUFFER_BINDING) != 0) continue;
         SClientArray array;
-        array.index = i;
-        array.SetVertices(VertexBytes(static_cast<GLenum>(value(GL_VERTEX_ATTRIB_ARRAY_TYPE)),
-                                      value(GL_VERTEX_ATTRIB_ARRAY_SIZE)),
-                          value(GL_VERTEX_ATTRIB_ARRAY_STRIDE));
+        array.index = index;
+        array.size = value(GL_VERTEX_ATTRIB_ARRAY_SIZE);
+        array.type = static_cast<GLenum>(value(GL_VERTEX_ATTRIB_ARRAY_TYPE));
+        array.normalized = static_cast<GLboolean>(value(GL_VERTEX_ATTRIB_ARRAY_NORMALIZED));
+        array.stride = value(GL_VERTEX_ATTRIB_ARRAY_STRIDE);
         if (thread.Context()->version >= 3) {
-            array.oneVertex = value(GL_VERTEX_ATTRIB_ARRAY_DIVISOR) != 0;
+            array.divisor = static_cast<GLuint>(value(GL_VERTEX_ATTRIB_ARRAY_DIVISOR));
+            array.integers = value(GL_VERTEX_ATTRIB_ARRAY_INTEGER) != 0;
         }
         void* pointer = nullptr;
         HOST(thread, glGetVertexAttribPointerv)(index, GL_VERTEX_ATTRIB_ARRAY_POINTER, &pointer);
@@ -136,18 +143,67 @@ std::vector<SClientArray> ClientArrays(CThread& thread) {
     return arrays;
 }
 
-/// The vertices of an array stand one right behind the other in a record, whatever the
-/// application's stride.
+/// The player points at a record's bytes without a stride. Of an array that doesn't go on by
+/// vertices the first value stands for all.
 void PutArrays(CCallWriter& w, const std::vector<SClientArray>& arrays, std::int64_t vertices) {
+    const auto count = static_cast<std::size_t>(std::max<std::int64_t>(vertices, 0));
     for (const SClientArray& array : arrays) {
-        const std::int64_t used = array.oneVertex ? std::min<std::int64_t>(vertices, 1) : vertices;
-        const bool any = array.pointer != nullptr && used > 0;
-        const std::size_t count = any ? static_cast<std::size_t>(used) : 0;
         w.Put<TGLint>(array.index);
         w.Put<TPointer>(array.pointer);
-        w.PutNumber<4>(array.vertexBytes * count);
-        w.PutSpread(array.pointer, array.vertexBytes, array.stride, count);
+        w.PutNumber<4>(array.ValueBytes() * count);
+        w.PutSpread(array.pointer, array.ValueBytes(), array.divisor != 0 ? 0 : array.Step(),
+                    count);
     }
+}
+
+void WritePointer(CThread& thread, const SClientArray& array, GLsizei stride, const void* pointer) {
+    if (array.integers) {
+        Write_glVertexAttribIPointer(&thread, GL_NO_ERROR, array.index, array.size, array.type,
+                                     stride, pointer);
+    } else {
+        Write_glVertexAttribPointer(&thread, GL_NO_ERROR, array.index, array.size, array.type,
+                                    array.normalized, stride, pointer);
+    }
+}
+
+/// Writes a draw whose record has no room for its arrays, or for those of integers, which the
+/// player would point as reals: a buffer of our own has them for as long as it is drawn from.
+template <typename Draw>
+void WithBuffer(CThread& thread, const std::vector<SClientArray>& arrays, std::int64_t vertices,
+                std::int64_t instances, Draw writeDraw) {
+    std::vector<std::uint8_t> bytes;
+    std::vector<std::size_t> places;
+    for (const SClientArray& array : arrays) {
+        const std::int64_t values =
+            array.divisor != 0 ? (instances + array.divisor - 1) / array.divisor : vertices;
+        places.push_back(bytes.size());
+        const auto* value = static_cast<const std::uint8_t*>(array.pointer);
+        for (std::int64_t i = 0; i < values; ++i, value += array.Step()) {
+            bytes.insert(bytes.end(), value, value + array.ValueBytes());
+        }
+        constexpr std::size_t kAlignment = 4;
+        bytes.resize((bytes.size() + kAlignment - 1) / kAlignment * kAlignment);
+    }
+    const GLuint own = OwnName(thread);
+    const auto before = static_cast<GLuint>(Integer(thread, GL_ARRAY_BUFFER_BINDING));
+    Write_glBindBuffer(&thread, GL_NO_ERROR, GL_ARRAY_BUFFER, own);
+    Write_glBufferData(&thread, GL_NO_ERROR, GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(bytes.size()),
+                       bytes.data(), GL_STREAM_DRAW);
+    for (std::size_t i = 0; i < arrays.size(); ++i) {
+        WritePointer(thread, arrays[i], 0, reinterpret_cast<const void*>(places[i]));
+    }
+    writeDraw();
+    Write_glBindBuffer(&thread, GL_NO_ERROR, GL_ARRAY_BUFFER, 0);
+    for (const SClientArray& array : arrays) {
+        WritePointer(thread, array, array.stride, array.pointer);
+    }
+    Write_glDeleteBuffers(&thread, GL_NO_ERROR, 1, &own);
+    Write_glBindBuffer(&thread, GL_NO_ERROR, GL_ARRAY_BUFFER, before);
+}
+
+bool AnyIntegers(const std::vector<SClientArray>& arrays) {
+    return std::any_of(arrays.begin(), arrays.end(),
+                       [](const SClientArray& array) { return array.integers; });
 }
 
 GLenum ElementBufferBinding(CThread& thread) {
@@ -157,26 +213,6 @@ GLenum ElementBufferBinding(CThread& thread) {
 bool Restarts(CThread& thread) {
     return thread.Context()->version >= 3 &&
            HOST(thread, glIsEnabled)(GL_PRIMITIVE_RESTART_FIXED_INDEX) != GL_FALSE;
-}
-
-/// The indices that a draw takes from the buffer that is bound for them; empty where the host
-/// doesn't give them back.
-std::vector<std::uint8_t> ReadElements(CThread& thread, const void* offset, std::size_t size) {
-    std::vector<std::uint8_t> bytes;
-    const auto map = HOST(thread, glMapBufferRange);
-    const auto unmap = HOST(thread, glUnmapBuffer);
-    if (map == nullptr || unmap == nullptr) return bytes;
-    const void* const mapped = map(GL_ELEMENT_ARRAY_BUFFER, reinterpret_cast<GLintptr>(offset),
-                                   static_cast<GLsizeiptr>(size), GL_MAP_READ_BIT);
-    if (mapped == nullptr) {
-        HOST(thread, glGetError)();
-        CRecorder::Instance().CountLeftOut("vertices of an element buffer");
-        return bytes;
-    }
-    const auto* const start = static_cast<const std::uint8_t*>(mapped);
-    bytes.assign(start, start + size);
-    unmap(GL_ELEMENT_ARRAY_BUFFER);
-    return bytes;
 }
 
 struct SIndices {
@@ -197,8 +233,12 @@ SIndices Indices(CThread& thread, GLenum error, GLsizei count, GLenum type, cons
     std::vector<std::uint8_t> elements;
     const void* bytes = indices;
     if (found.fromBuffer) {
-        elements = ReadElements(thread, indices, found.size);
+        elements = ReadBuffer(thread, GL_ELEMENT_ARRAY_BUFFER, reinterpret_cast<GLintptr>(indices),
+                              found.size);
         bytes = elements.empty() ? nullptr : elements.data();
+        if (bytes == nullptr) {
+            CRecorder::Instance().CountLeftOut("vertices of an element buffer");
+        }
     }
     if (bytes != nullptr) found.vertices = VerticesOf(bytes, count, type, Restarts(thread));
     return found;
@@ -213,26 +253,36 @@ void PutIndices(CCallWriter& w, const SIndices& found, const void* indices) {
 void Record_glDrawArrays(CThread& thread, GLenum error, GLenum mode, GLint first, GLsizei count) {
     std::vector<SClientArray> arrays;
     if (error == GL_NO_ERROR && count > 0) arrays = ClientArrays(thread);
-    CCallWriter w(thread, thread.Context()->IsEs1() ? es1_id::glDrawArrays : es2_id::glDrawArrays);
-    w.Put<TGLError>(error);
-    w.Put<TGLBeginMode>(mode);
-    w.Put<TGLint>(first);
-    w.Put<TGLsizei>(count);
-    PutArrays(w, arrays, std::int64_t{first} + count);
+    const std::int64_t vertices = std::int64_t{first} + count;
+    const auto write = [&] {
+        CCallWriter w(thread,
+                      thread.Context()->IsEs1() ? es1_id::glDrawArrays : es2_id::glDrawArrays);
+        w.Put<TGLError>(error);
+        w.Put<TGLBeginMode>(mode);
+        w.Put<TGLint>(first);
+        w.Put<TGLsizei>(count);
+        PutArrays(w, arrays, vertices);
+    };
+    if (!AnyIntegers(arrays)) return write();
+    WithBuffer(thread, std::exchange(arrays, {}), vertices, 1, write);
 }
 
 void Record_glDrawElements(CThread& thread, GLenum error, GLenum mode, GLsizei count, GLenum type,
                            const void* indices) {
     SIndices found = Indices(thread, error, count, type, indices);
-    CCallWriter w(thread,
-                  thread.Context()->IsEs1() ? es1_id::glDrawElements : es2_id::glDrawElements);
-    w.Put<TGLError>(error);
-    w.Put<TGLBeginMode>(mode);
-    w.Put<TGLsizei>(count);
-    w.Put<TGLenum>(type);
-    PutIndices(w, found, indices);
-    w.Put<TPointer>(indices);
-    PutArrays(w, found.arrays, found.vertices);
+    const auto write = [&] {
+        CCallWriter w(thread,
+                      thread.Context()->IsEs1() ? es1_id::glDrawElements : es2_id::glDrawElements);
+        w.Put<TGLError>(error);
+        w.Put<TGLBeginMode>(mode);
+        w.Put<TGLsizei>(count);
+        w.Put<TGLenum>(type);
+        PutIndices(w, found, indices);
+        w.Put<TPointer>(indices);
+        PutArrays(w, found.arrays, found.vertices);
+    };
+    if (!AnyIntegers(found.arrays)) return write();
+    WithBuffer(thread, std::exchange(found.arrays, {}), found.vertices, 1, write);
 }
 
 void Record_glDrawRangeElements(CThread& thread, GLenum error, GLenum mode, GLuint start,
@@ -252,20 +302,49 @@ void Record_glDrawRangeElements(CThread& thread, GLenum error, GLenum mode, GLui
     PutIndices(w, found, indices);
 }
 
+void Record_glDrawArraysInstanced(CThread& thread, GLenum error, GLenum mode, GLint first,
+                                  GLsizei count, GLsizei instances) {
+    std::vector<SClientArray> arrays;
+    if (error == GL_NO_ERROR && count > 0) arrays = ClientArrays(thread);
+    const auto write = [&] {
+        Write_glDrawArraysInstanced(&thread, error, mode, first, count, instances);
+    };
+    if (arrays.empty()) return write();
+    WithBuffer(thread, arrays, std::int64_t{first} + count, instances, write);
+}
+
 void Record_glDrawElementsInstanced(CThread& thread, GLenum error, GLenum mode, GLsizei count,
                                     GLenum type, const void* indices, GLsizei instances) {
     const SIndices found = Indices(thread, error, count, type, indices);
-    if (!found.arrays.empty()) {
-        CRecorder::Instance().CountLeftOut("arrays of glDrawElementsInstanced");
+    const auto write = [&] {
+        CCallWriter w(thread, es3_id::glDrawElementsInstanced);
+        w.Put<TGLError>(error);
+        w.Put<TGLBeginMode>(mode);
+        w.Put<TGLsizei>(count);
+        w.Put<TGLenum>(type);
+        w.Put<TGLsizei>(instances);
+        PutIndices(w, found, indices);
+        w.Put<TPointer>(indices);
+    };
+    if (found.arrays.empty()) return write();
+    WithBuffer(thread, found.arrays, found.vertices, instances, write);
+}
+
+void Record_glMultiDrawArraysEXT(CThread& thread, GLenum error, GLenum mode, const GLint* first,
+                                 const GLsizei* count, GLsizei draws) {
+    for (GLsizei i = 0; i < draws; ++i)
+        Record_glDrawArrays(thread, error, mode, first[i], count[i]);
+}
+
+void Record_glMultiDrawElementsEXT(CThread& thread, GLenum error, GLenum mode, const GLsizei* count,
+                                   GLenum type, const void* const* indices, GLsizei draws) {
+    for (GLsizei i = 0; i < draws; ++i) {
+        Record_glDrawElements(thread, error, mode, count[i], type, indices[i]);
     }
-    CCallWriter w(thread, es3_id::glDrawElementsInstanced);
-    w.Put<TGLError>(error);
-    w.Put<TGLBeginMode>(mode);
-    w.Put<TGLsizei>(count);
-    w.Put<TGLenum>(type);
-    w.Put<TGLsizei>(instances);
-    PutIndices(w, found, indices);
-    w.Put<TPointer>(indices);
+}
+
+void Record_glVertexAttribI4uiv(CThread& thread, GLenum error, GLuint index, const GLuint* values) {
+    Write_glVertexAttribI4ui(&thread, error, index, values[0], values[1], values[2], values[3]);
 }
 
 }  // namespace kestrail::recorder

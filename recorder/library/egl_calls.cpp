@@ -63,6 +63,9 @@ bool Records() {
     return CRecorder::Instance().Records();
 }
 
+/// Configurations that a record has told what identifies them.
+auto& g_described = *new std::set<std::pair<EGLDisplay, EGLConfig>>;
+
 /// All that identifies a configuration, ended by EGL_NONE; empty for none.
 std::vector<EGLint> Describe(EGLDisplay display, EGLConfig config) {
     std::vector<EGLint> list;
@@ -73,6 +76,8 @@ std::vector<EGLint> Describe(EGLDisplay display, EGLConfig config) {
         list.insert(list.end(), {name, value});
     }
     list.push_back(EGL_NONE);
+    const std::lock_guard held(g_windowsLock);
+    g_described.insert({display, config});
     return list;
 }
 const EGLint* Data(const std::vector<EGLint>& list) {
@@ -145,6 +150,16 @@ EGLSurface RecordWindowSurface(EGLSurface result, EGLDisplay display, EGLConfig 
     w.PutAttributes(attributes);
     w.PutAttributes(Data(description));
     return result;
+}
+
+void RecordContext(CThread& thread, EGLint error, EGLContext result, EGLDisplay display,
+                   EGLConfig config, EGLContext share, const EGLint* attributes) {
+    const std::vector<EGLint> description = Describe(display, config);
+    CCallWriter w(thread, egl_id::eglCreateContext);
+    w.Put<TEGLintEnum, TEGLContext, TEGLDisplay, TEGLConfig, TEGLContext>(error, result, display,
+                                                                          config, share);
+    w.PutAttributes(attributes);
+    w.PutAttributes(Data(description));
 }
 
 /// The pixmap's own bytes aren't known; the player makes none from them.
@@ -259,15 +274,11 @@ EGLContext Call_eglCreateContext(EGLDisplay display, EGLConfig config, EGLContex
         context->handle = result;
         context->config = config;
         context->version = version;
+        const std::shared_ptr<SContext> shared = FindContext(display, share);
+        context->objects = shared != nullptr ? shared->objects : std::make_shared<SObjects>();
         KeepContext(std::move(context));
     }
-    if (!Records()) return result;
-    const std::vector<EGLint> description = Describe(display, config);
-    CCallWriter w(thread, egl_id::eglCreateContext);
-    w.Put<TEGLintEnum, TEGLContext, TEGLDisplay, TEGLConfig, TEGLContext>(error, result, display,
-                                                                          config, share);
-    w.PutAttributes(attributes);
-    w.PutAttributes(Data(description));
+    if (Records()) RecordContext(thread, error, result, display, config, share, attributes);
     return result;
 }
 
@@ -334,6 +345,29 @@ EGLSurface Call_eglCreatePlatformPixmapSurfaceEXT(EGLDisplay display, EGLConfig 
                                                   void* pixmap, const EGLint* list) {
     const EGLSurface result = EGL(eglCreatePlatformPixmapSurfaceEXT)(display, config, pixmap, list);
     return RecordPixmapSurface(result, display, config, Native(display, pixmap), list);
+}
+
+void Record_eglCreatePbufferSurface(CThread& thread, EGLint error, EGLSurface result,
+                                    EGLDisplay display, EGLConfig config, const EGLint* list) {
+    const auto isDescribed = [&] {
+        const std::lock_guard held(g_windowsLock);
+        return g_described.contains({display, config});
+    };
+    // The player takes it by a configuration that a context was made with.
+    if (result != EGL_NO_SURFACE && config != nullptr && !isDescribed()) {
+        EGLint apis = 0;
+        EGL(eglGetConfigAttrib)(display, config, EGL_RENDERABLE_TYPE, &apis);
+        const EGLint version = (apis & EGL_OPENGL_ES2_BIT) != 0 ? 2 : 1;
+        const EGLint attributes[] = {EGL_CONTEXT_CLIENT_VERSION, version, EGL_NONE};
+        const EGLContext own = reinterpret_cast<EGLContext>(std::uintptr_t{OwnName(thread)});
+        RecordContext(thread, EGL_SUCCESS, own, display, config, EGL_NO_CONTEXT, attributes);
+        CCallWriter w(thread, egl_id::eglDestroyContext);
+        w.Put<TEGLintEnum, TEGLBoolean, TEGLDisplay, TEGLContext>(EGL_SUCCESS, EGL_TRUE, display,
+                                                                  own);
+    }
+    CCallWriter w(thread, egl_id::eglCreatePbufferSurface);
+    w.Put<TEGLintEnum, TEGLSurface, TEGLDisplay, TEGLConfig>(error, result, display, config);
+    w.PutAttributes(list);
 }
 
 void Note_eglDestroySurface(CThread&, EGLBoolean, EGLDisplay display, EGLSurface surface) {

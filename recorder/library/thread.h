@@ -4,12 +4,26 @@
 #include <EGL/egl.h>
 
 #include <cstdint>
+#include <map>
 #include <memory>
+#include <mutex>
+#include <optional>
+#include <set>
+#include <vector>
 
 #include "recorder/library/host.h"
 #include "recorder/library/recorder.h"
 
 namespace kestrail::recorder {
+
+/// What is known of the objects that contexts share, by their names.
+struct SObjects {
+    std::mutex lock;
+    /// What buffers hold, for hosts that don't give it back.
+    std::map<std::uint32_t, std::vector<std::uint8_t>> contents;
+    /// The internal formats of 3D images.
+    std::map<std::uint32_t, std::uint32_t> formats;
+};
 
 struct SContext {
     EGLDisplay display = EGL_NO_DISPLAY;
@@ -22,6 +36,11 @@ struct SContext {
     bool arraysChanged = true;
     /// An enabled array stands in the application's memory.
     bool clientArrays = false;
+    std::shared_ptr<SObjects> objects;
+    /// The host lets buffers be read, once that was asked.
+    std::optional<bool> readsBuffers;
+    /// Buffers into which pixels were read back, which the player leaves out.
+    std::set<std::uint32_t> readBack;
 
     bool IsEs1() const { return version == 1; }
     ELibrary Library() const { return IsEs1() ? kEs1Library : kEs2Library; }

@@ -34,6 +34,7 @@ _ALL_EXTENSIONS = " ".join(EXTENSIONS)
 RESULTS = {
     "eglCreateContext": 'NewHandle("context")',
     "eglCreatePbufferSurface": 'NewHandle("surface")',
+    "eglCreatePlatformWindowSurface": 'NewHandle("surface")',
     "eglCreatePixmapSurface": 'NewHandle("surface")',
     "eglCreateWindowSurface": 'NewHandle("surface")',
     "eglGetDisplay": 'MakeHandle("display", 1)',
@@ -61,6 +62,7 @@ _CHOOSE_CONFIG = """const std::string answer = call.AnswerText("1");
 
 _BIND_BUFFER = """if (target == 0x8892) State().integers[0x8894] = buffer;
     if (target == 0x8893) State().integers[0x8895] = buffer;
+    if (target == 0x88EB) State().integers[0x88ED] = buffer;
     if (target == 0x88EC) State().integers[0x88EF] = buffer;"""
 
 _MAP = """State().isMapped = true;
@@ -92,12 +94,15 @@ def _client_pointer(array, size="size"):
 # unless a return stands here.
 EFFECTS = {
     "eglChooseConfig": _CHOOSE_CONFIG,
+    "eglCreateContext": """for (const EGLint* a = attrib_list; a != nullptr && *a != 0x3038; a += 2) {
+        if (*a == 0x3098) State().version = a[1];
+    }""",
     "eglDestroyContext": 'CountHandle("contexts", -1);',
     "eglDestroySurface": 'CountHandle("surfaces", -1);',
     "eglGetConfigAttrib": "OneInteger(call, 0, value); call.End(); return 1;",
     "eglGetConfigs": _CHOOSE_CONFIG,
     "eglGetProcAddress": "call.End(); return FindExtension(procname);",
-    "eglQueryContext": """OneInteger(call, attribute == 0x3097 ? 0x30A0 : 1, value);
+    "eglQueryContext": """OneInteger(call, attribute == 0x3097 ? 0x30A0 : State().version, value);
     call.End();
     return 1;""",
     "eglQueryString": 'call.End(); return "";',
@@ -127,9 +132,12 @@ EFFECTS = {
                                        : 0, params);""",
     "glGetBufferPointerv": "Put(params, State().mapped);",
     "glGetBufferPointervOES": "Put(params, State().mapped);",
+    "glGetError": "return call.Result(std::exchange(State().error, 0));",
+    "glGetIntegeri_v": "OneInteger(call, 0, data);",
     "glGetIntegerv": "Integerv(call, pname, data);",
     "glGetProgramInfoLog": _INFO_LOG,
     "glGetProgramiv": "OneInteger(call, pname == 0x8B82, params);",
+    "glGetShaderInfoLog": _INFO_LOG,
     "glGetShaderiv": "OneInteger(call, pname == 0x8B81, params);",
     "glGetString": f"""const char* text =
         call.AnswerText(name == 0x1F03 ? "{_ALL_EXTENSIONS}" : "stand-in");

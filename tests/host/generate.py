@@ -101,7 +101,7 @@ def recording_body(entry, prefix):
     for param in entry.params:
         text = f"Values({names}, {count})" if param.name == names else shown(entry, param)
         lines.append(f"call.Add({text});")
-    if name := entry.value("pname", "attribute", "attrib"):
+    if name := entry.value("pname", "attribute", "attrib", "name"):
         lines.append(f"call.Qualify(static_cast<unsigned>({name}));")
     lines.append(own(EFFECTS, entry, prefix, ""))
     if "return" in lines[-1]:
@@ -152,7 +152,7 @@ def write_look_up(out, function, kind, rows, missing):
 def write_head(out, header, state):
     out.write("// Generated from the published headers; changes belong into the generator.\n")
     out.write(f"#define EGL_NO_X11 1\n#include <{header}>\n#include <GLES2/gl2.h>\n")
-    out.write("#include <cstdint>\n#include <cstdio>\n#include <map>\n#include <sstream>\n\n")
+    out.write("#include <cstdint>\n#include <cstdio>\n#include <map>\n#include <sstream>\n#include <utility>\n\n")
     out.write(f'#include "{state}"\n\nusing namespace kestrail::host;\n\n')
 
 

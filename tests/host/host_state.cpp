@@ -239,6 +239,8 @@ void CCall::End() {
     }
     Log().Write(line + "\n");
     const std::string word = Answer() != nullptr ? Answer()->text : "";
+    if (word.rfind("error ", 0) == 0)
+        State().error = static_cast<unsigned>(NumberOf(word.substr(6)));
     if (word == "crash") std::raise(SIGSEGV);
     if (word == "exit") std::exit(7);
 }
@@ -352,21 +354,22 @@ struct SClientArrayNames {
     unsigned type;
     unsigned buffer;
     unsigned pointer;
+    unsigned stride;
 
     bool Holds(unsigned name) const {
-        return name != 0 &&
-               (name == array || name == size || name == type || name == buffer || name == pointer);
+        return name != 0 && (name == array || name == size || name == type || name == buffer ||
+                             name == pointer || name == stride);
     }
 };
 
 const SClientArrayNames clientArrayNames[] = {
-    {0x8076, 0x8081, 0x8082, 0x8898, 0x8090},  // GL_COLOR_ARRAY
-    {0x8075, 0x0000, 0x807E, 0x8897, 0x808F},  // GL_NORMAL_ARRAY
-    {0x8074, 0x807A, 0x807B, 0x8896, 0x808E},  // GL_VERTEX_ARRAY
-    {0x8B9C, 0x0000, 0x898A, 0x8B9F, 0x898C},  // GL_POINT_SIZE_ARRAY_OES
-    {0x8844, 0x8846, 0x8847, 0x8B9E, 0x8849},  // GL_MATRIX_INDEX_ARRAY_OES
-    {0x86AD, 0x86AB, 0x86A9, 0x889E, 0x86AC},  // GL_WEIGHT_ARRAY_OES
-    {0x8078, 0x8088, 0x8089, 0x889A, 0x8092},  // GL_TEXTURE_COORD_ARRAY
+    {0x8076, 0x8081, 0x8082, 0x8898, 0x8090, 0x8083},  // GL_COLOR_ARRAY
+    {0x8075, 0x0000, 0x807E, 0x8897, 0x808F, 0x807F},  // GL_NORMAL_ARRAY
+    {0x8074, 0x807A, 0x807B, 0x8896, 0x808E, 0x807C},  // GL_VERTEX_ARRAY
+    {0x8B9C, 0x0000, 0x898A, 0x8B9F, 0x898C, 0x898B},  // GL_POINT_SIZE_ARRAY_OES
+    {0x8844, 0x8846, 0x8847, 0x8B9E, 0x8849, 0x8848},  // GL_MATRIX_INDEX_ARRAY_OES
+    {0x86AD, 0x86AB, 0x86A9, 0x889E, 0x86AC, 0x86AA},  // GL_WEIGHT_ARRAY_OES
+    {0x8078, 0x8088, 0x8089, 0x889A, 0x8092, 0x808A},  // GL_TEXTURE_COORD_ARRAY
 };
 
 const SClientArrayNames* FindNames(unsigned name) {
@@ -385,6 +388,7 @@ std::int32_t ClientArrayInteger(unsigned pname) {
     const SAttribute& array = ClientArray(pname);
     if (pname == names->size) return array.size;
     if (pname == names->type) return static_cast<std::int32_t>(array.type);
+    if (pname == names->stride) return array.stride;
     return pname == names->buffer ? array.buffer : 0;
 }
 

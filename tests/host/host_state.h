@@ -12,7 +12,8 @@
 
 namespace kestrail::host {
 
-/// One answer of the script: a number, or a word such as "fail", or a text.
+/// One answer of the script: a number, or a word such as "fail", or a text. "error CODE" is 0, and
+/// what the driver's glGetError gives next.
 struct SAnswer {
     long long value = 0;
     std::string text;
@@ -95,6 +96,8 @@ struct SGlState {
     std::array<std::int32_t, 4> viewport = {0, 0, 300, 300};
     alignas(16) unsigned char mapped[1 << 16] = {};
     bool isMapped = false;
+    int version = 1;     ///< that the last context was made for
+    unsigned error = 0;  ///< that a scripted `error CODE` of a call has left
 };
 
 SGlState& State();

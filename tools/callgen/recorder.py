@@ -12,6 +12,7 @@ declares, for some:
     Record_<entry>   writes the record, in the place of what follows from the row
     Note_<entry>     runs behind a call that succeeded
     Call_<entry>     calls the host and records, if anything: all of the entry
+    Write_<entry>    is made from the row: writes the record without a call
 """
 
 import re
@@ -130,6 +131,23 @@ def record(row, prototype, indent):
     return [indent + line for line in before + lines]
 
 
+def records(rows, prototype):
+    """The same, by the API that is current."""
+    es1 = next((row for row in rows if row.family == "es1"), None)
+    other = next((row for row in rows if row.family != "es1"), None)
+    if not es1 or not other:
+        return ["    {"] + record(es1 or other, prototype, " " * 8) + ["    }"]
+    return (["    if (thread->Context()->IsEs1()) {"] + record(es1, prototype, " " * 8)
+            + ["    } else {"] + record(other, prototype, " " * 8) + ["    }"])
+
+
+def write(name, prototype, rows):
+    """A function that writes the record of a call that wasn't made."""
+    listed = "".join(f", {kind} {word}" for kind, word in prototype.parameters)
+    return ([f"void kestrail::recorder::Write_{name}(CThread* thread, std::uint32_t error{listed}) {{"]
+            + records(rows, prototype) + ["}", ""])
+
+
 def entry(name, prototype, rows, by_hand):
     """One entry, whole."""
     listed = ", ".join(f"{kind} {word}" for kind, word in prototype.parameters)
@@ -161,16 +179,7 @@ def entry(name, prototype, rows, by_hand):
     if f"Record_{name}" in by_hand:
         out.append(f"    Record_{name}(*thread, error{result}{and_words});")
     else:
-        es1 = next((row for row in rows if row.family == "es1"), None)
-        other = next((row for row in rows if row.family != "es1"), None)
-        if es1 and other:
-            out.append("    if (thread->Context()->IsEs1()) {")
-            out += record(es1, prototype, " " * 8)
-            out.append("    } else {")
-            out += record(other, prototype, " " * 8)
-            out.append("    }")
-        else:
-            out += ["    {"] + record(es1 or other, prototype, " " * 8) + ["    }"]
+        out += records(rows, prototype)
     if ARRAYS.match(name) and not name.startswith("glGet"):
         out.append("    thread->Context()->arraysChanged = true;")
     if f"Note_{name}" in by_hand:
@@ -188,7 +197,7 @@ INCLUDES = [f"#include <{header}>" for header in prototypes.HEADERS]
 def main():
     calls, headers, by_hand_header, output, parts = sys.argv[1:]
     found = prototypes.read(headers)
-    by_hand = set(re.findall(r"\b((?:Record|Note|Call)_\w+)\(", Path(by_hand_header).read_text()))
+    by_hand = set(re.findall(r"\b((?:Record|Note|Call|Write)_\w+)\(", Path(by_hand_header).read_text()))
     rows = {}
     for family in FAMILIES:
         for name, row in newest(load(f"{calls}/{family}/{family}.calls")).items():
@@ -204,7 +213,7 @@ def main():
     lines = [NOTE + '#include "recorder/library/host.h"\n', "namespace kestrail::recorder {", "",
              "const SEntry kEntries[kEntryCount] = {"]
     held = {name for name in names
-            if f"Call_{name}" in by_hand
+            if f"Call_{name}" in by_hand or f"Record_{name}" in by_hand and name.startswith("gl")
             or any(row.play not in NOT_PLAYED for row in rows.get(name, []))}
     for name in names:
         lines.append(f'    {{"{name}", reinterpret_cast<void*>(&::{name}), '
@@ -226,6 +235,8 @@ def main():
                  "using namespace kestrail::recorder;", ""]
         for name in names[part * len(names) // parts:(part + 1) * len(names) // parts]:
             lines += entry(name, found[name], rows.get(name), by_hand)
+            if f"Write_{name}" in by_hand:
+                lines += write(name, found[name], rows[name])
         (out / f"entries_{part + 1}.cpp").write_text("\n".join(lines))
 
 
