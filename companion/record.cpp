@@ -1,3 +1,4 @@
+#include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -111,9 +112,32 @@ fs::path LibraryPath() {
     return fs::read_symlink("/proc/self/exe").parent_path() / KESTRAIL_RECORD_LIBRARY;
 }
 
+/// What the command changes for itself, and the program has as it was.
+struct SInherited {
+    sigset_t mask;
+    struct sigaction childEnds;
+};
+
+/// Signals to wait for are held back, and those that writes to full disks bring. Files never take
+/// the numbers of standard streams that are closed.
+SInherited PrepareProcess(const sigset_t& awaited) {
+    SInherited inherited{};
+    sigset_t held = awaited;
+    for (const int signal : {SIGXFSZ, SIGPIPE}) sigaddset(&held, signal);
+    sigprocmask(SIG_BLOCK, &held, &inherited.mask);
+    struct sigaction usual {};
+    sigaction(SIGCHLD, &usual, &inherited.childEnds);
+    while (true) {
+        const int stream = open("/dev/null", O_RDWR | O_CLOEXEC);
+        if (stream <= STDERR_FILENO && stream >= 0) continue;
+        if (stream >= 0) close(stream);
+        return inherited;
+    }
+}
+
 /// In the child. Gives up what it is for the program.
 [[noreturn]] void BecomeProgram(const SRecordOptions& options, const fs::path& library,
-                                const fs::path& folder, const sigset_t& mask) {
+                                const fs::path& folder, const SInherited& inherited) {
     const char* const loaded = std::getenv("LD_PRELOAD");
     std::string preload = library;
     if (loaded != nullptr && *loaded != '\0') preload += std::string(":") + loaded;
@@ -123,7 +147,8 @@ fs::path LibraryPath() {
     for (const std::string& word : options.program)
         words.push_back(const_cast<char*>(word.c_str()));
     words.push_back(nullptr);
-    sigprocmask(SIG_SETMASK, &mask, nullptr);
+    sigaction(SIGCHLD, &inherited.childEnds, nullptr);
+    sigprocmask(SIG_SETMASK, &inherited.mask, nullptr);
     execvp(words[0], words.data());
     const int reason = errno;
     std::fprintf(stderr, "kestrail record: %s: %s\n", words[0], std::strerror(reason));
@@ -210,15 +235,12 @@ int RunRecord(Arguments arguments) {
         std::fprintf(stderr, "kestrail record: %s is missing\n", library.c_str());
         return kExitOutput;
     }
-    options.settings.command = getpid();
-    CTraceSink sink(fs::absolute(options.output), options.settings);
-
     sigset_t awaited;
-    sigset_t before;
     sigemptyset(&awaited);
     for (const int signal : kPassedOn) sigaddset(&awaited, signal);
     sigaddset(&awaited, SIGCHLD);
-    sigprocmask(SIG_BLOCK, &awaited, &before);
+    const SInherited inherited = PrepareProcess(awaited);
+    CTraceSink sink(fs::absolute(options.output), options.settings);
 
     const auto start = std::chrono::steady_clock::now();
     const pid_t program = fork();
@@ -226,7 +248,7 @@ int RunRecord(Arguments arguments) {
         std::perror("kestrail record");
         return kExitNotRun;
     }
-    if (program == 0) BecomeProgram(options, library, sink.Folder(), before);
+    if (program == 0) BecomeProgram(options, library, sink.Folder(), inherited);
     const int status = Serve(sink, program, awaited);
     sink.Finish();
     const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;

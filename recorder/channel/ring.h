@@ -3,6 +3,8 @@
 // safe from whatever becomes of the application, SIGKILL included.
 #pragma once
 
+#include <pthread.h>
+
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
@@ -14,7 +16,6 @@ struct SRecordSettings {
     static constexpr std::uint32_t kFileVersion = 1;
 
     std::uint32_t version = kFileVersion;
-    std::int32_t command = 0;        ///< the command's process
     std::uint32_t pictureEvery = 0;  ///< every how many frames a picture is taken; 0: never
     std::uint32_t lastFrame = 0;     ///< the last one recorded; 0: all
     bool exitBehindLast = false;     ///< the application ends behind that frame
@@ -23,9 +24,9 @@ struct SRecordSettings {
     char only[256] = {};             ///< the executable's name that alone is recorded; empty: any
 };
 
-/// The name of the settings in the rendezvous folder, and of the environment variable that holds
-/// the folder's path.
+/// What stands in the rendezvous folder, and the environment variable that holds its path.
 inline constexpr const char* kSettingsName = "settings";
+inline constexpr const char* kSocketName = "socket";
 inline constexpr const char* kFolderVariable = "KESTRAIL_RECORD_FOLDER";
 
 /// Calls that were made but have no place in a trace, by name.
@@ -43,26 +44,18 @@ struct SAmended {
 /// The head of the shared memory. All of it is plain data that both sides read and write; each
 /// field has one writer.
 struct SRingHead {
-    static constexpr std::uint32_t kMagic = 0x4B535452;
     static constexpr std::size_t kLeftOutRoom = 2048;
     static constexpr std::size_t kAmendedRoom = 4096;
 
-    std::uint32_t magic;
-    std::int32_t process;
-    char executable[256];  ///< the file's name without its folder
-
     // Written by the application. Positions count bytes from the first record on and never wrap.
     alignas(64) std::atomic<std::uint64_t> written;  ///< end of what may be taken out
-    std::atomic<std::uint64_t> whole;  ///< end of the last whole record; at most `written`
-    std::atomic<std::uint64_t> calls;
-    std::atomic<std::uint64_t> frames;
-    std::atomic<std::uint64_t> waitedNs;  ///< how long the application waited for room
-    std::atomic<std::uint32_t> closed;    ///< nothing more will come
+    std::atomic<std::uint64_t> waitedNs;             ///< how long the application waited for room
+    std::atomic<std::uint32_t> closed;               ///< nothing more will come
 
     // Written by the command.
     alignas(64) std::atomic<std::uint64_t> taken;  ///< bytes that have left the ring
-    std::atomic<std::uint32_t> beat;               ///< moves while the command lives
-    std::atomic<std::uint32_t> refused;            ///< the file can't be written: appending is idle
+    std::atomic<std::uint32_t> refused;            ///< nothing more is taken: appending is idle
+    pthread_mutex_t served;                        ///< held by the command while it lives; robust
 
     alignas(64) std::atomic<std::uint32_t> amendedCount;
     SAmended amended[kAmendedRoom];
@@ -76,6 +69,13 @@ inline constexpr std::size_t kRingBytes = std::size_t{64} << 20;
 inline constexpr std::size_t kRingHeadBytes = std::size_t{256} << 10;
 static_assert(sizeof(SRingHead) <= kRingHeadBytes);
 
+/// What a ring's memory is known by: a descriptor, or a System V segment where the size of files is
+/// limited, which goes for a descriptor's memory too.
+struct SRingMemory {
+    int descriptor = -1;
+    int segment = -1;
+};
+
 /// A mapped ring: its bytes stand twice in a row, so that no piece of up to kRingBytes has a seam.
 class CRingMapping {
 public:
@@ -84,10 +84,10 @@ public:
     CRingMapping& operator=(const CRingMapping&) = delete;
     ~CRingMapping();
 
-    /// Makes the memory behind a new descriptor, which the caller closes. -1 when there is none.
-    static int Create();
-    /// False when it can't be mapped, or holds no ring's room.
-    bool Map(int descriptor);
+    /// Makes memory and maps it; the descriptor is the caller's. False when there is none.
+    bool Create(SRingMemory& memory);
+    /// False when it can't be mapped.
+    bool Map(const SRingMemory& memory);
     bool Mapped() const { return m_head != nullptr; }
 
     SRingHead& Head() const { return *m_head; }

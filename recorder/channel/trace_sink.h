@@ -2,6 +2,8 @@
 // into trace files, a file a process.
 #pragma once
 
+#include <sys/types.h>
+
 #include <cstdint>
 #include <filesystem>
 #include <memory>
@@ -16,7 +18,7 @@ namespace kestrail {
 struct SRecording {
     std::filesystem::path file;
     std::string executable;
-    std::int32_t process = 0;
+    pid_t process = 0;
     std::uint64_t frames = 0;
     std::uint64_t calls = 0;
     std::uint64_t bytes = 0;   ///< of the file
@@ -28,7 +30,8 @@ struct SRecording {
 class CTraceSink {
 public:
     /// `file` gets the first process's recording; those of others get their number before the
-    /// suffix. Makes the rendezvous folder. Throws std::filesystem::filesystem_error without one.
+    /// suffix, and write over nothing. Makes the rendezvous folder. Throws
+    /// std::filesystem::filesystem_error without one.
     CTraceSink(std::filesystem::path file, const SRecordSettings& settings);
     /// Removes the folder.
     ~CTraceSink();
@@ -41,7 +44,8 @@ public:
     bool Work();
     /// Processes whose recording goes on: neither closed by them nor gone.
     bool AnyAtWork() const { return !m_open.empty(); }
-    /// Ends all files, with what has been appended by now.
+    /// Ends all files, with what has been appended by now. Processes that go on aren't recorded any
+    /// more.
     void Finish();
     /// Of all processes, in the order in which they ended.
     const std::vector<SRecording>& Recordings() const { return m_done; }
@@ -49,13 +53,14 @@ public:
 private:
     struct SOpen;
 
-    void TakeUp(const std::filesystem::path& announced);
-    /// True when it wrote anything.
-    static bool Write(SOpen& open);
+    void TakeUp(int connection, pid_t process);
+    /// The file that the next process gets.
+    std::filesystem::path NameFile(pid_t process);
     void End(SOpen& open);
 
     std::filesystem::path m_file;
     std::filesystem::path m_folder;
+    int m_listener = -1;
     std::vector<std::unique_ptr<SOpen>> m_open;
     std::vector<SRecording> m_done;
     bool m_firstTaken = false;

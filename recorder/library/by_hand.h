@@ -45,6 +45,7 @@ EGLBoolean Call_eglMakeCurrent(EGLDisplay display, EGLSurface draw, EGLSurface r
                                EGLContext handle);
 void Note_eglDestroyContext(CThread& thread, EGLBoolean result, EGLDisplay display,
                             EGLContext handle);
+void Note_eglTerminate(CThread& thread, EGLBoolean result, EGLDisplay display);
 void Note_eglReleaseThread(CThread& thread, EGLBoolean result);
 EGLSurface Call_eglCreateWindowSurface(EGLDisplay display, EGLConfig config,
                                        EGLNativeWindowType window, const EGLint* list);

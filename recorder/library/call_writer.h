@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <memory>
 #include <type_traits>
 #include <vector>
 
@@ -20,31 +21,33 @@ std::int64_t Pointed(const Number* pointer, std::int64_t room) {
 }
 
 /// Holds the lock of the recording for as long as it lives: what takes time is found out before.
+/// What is put has to stay as long.
 class CCallWriter {
 public:
     CCallWriter(CThread& thread, std::uint16_t id) : m_recorder(CRecorder::Instance()) {
         const std::uint32_t number = thread.Number();
-        m_recorder.Lock().lock();
-        m_recorder.BeThread(number);
-        m_start = m_recorder.Room(kUsualRoom);
+        const bool taken = m_recorder.Lock().Take(number);
+        if (taken) [[likely]] {
+            m_recorder.BeThread(number);
+            m_start = m_recorder.Room(kUsualRoom);
+        }
         if (m_start == nullptr) [[unlikely]]
-            GoElsewhere(0);
+            GoElsewhere(0, !taken);
         m_at = m_start;
         m_limit = m_start + kUsualRoom;
         m_at += sizeof(std::uint32_t);
         PutBytes(&id, sizeof id);
     }
     ~CCallWriter() {
+        if (m_elsewhere != nullptr) [[unlikely]] {
+            AppendElsewhere();
+            return;
+        }
         const auto size = static_cast<std::size_t>(m_at - m_start);
         const auto payload = static_cast<std::uint32_t>(size - kFrameBytes);
         std::memcpy(m_start, &payload, sizeof payload);
-        if (m_elsewhere.empty()) [[likely]] {
-            m_recorder.Commit(size);
-        } else if (m_recorder.Records()) {
-            m_recorder.Append(m_start, size);
-        }
-        m_recorder.CountCall();
-        m_recorder.Lock().unlock();
+        m_recorder.Commit(size);
+        m_recorder.Lock().Release();
     }
     CCallWriter(const CCallWriter&) = delete;
     CCallWriter& operator=(const CCallWriter&) = delete;
@@ -150,7 +153,7 @@ public:
         }
     }
     void PutBytes(const void* bytes, std::size_t size) {
-        MakeRoom(size);
+        if (!MakeRoom(size, bytes)) return;
         if (size != 0) std::memcpy(m_at, bytes, size);
         m_at += size;
     }
@@ -188,19 +191,33 @@ private:
         }
     }
 
-    void MakeRoom(std::size_t size) {
-        if (size > static_cast<std::size_t>(m_limit - m_at)) [[unlikely]]
-            Grow(size);
+    /// Bytes that stay where they are, and how many of the others come before them.
+    struct SLarge {
+        std::size_t before;
+        const std::uint8_t* bytes;
+        std::size_t size;
+    };
+    /// A record that has no room in the ring, or isn't to be appended.
+    struct SElsewhere {
+        std::vector<std::uint8_t> bytes;
+        std::vector<SLarge> large;
+        bool dropped = false;
+    };
+
+    /// Makes room for more bytes, in the ring or, for large records, beside it. False when `bytes`
+    /// are left where they are until the record is appended.
+    bool MakeRoom(std::size_t size, const void* bytes = nullptr) {
+        return size <= static_cast<std::size_t>(m_limit - m_at) || Grow(size, bytes);
     }
-    /// Makes room for `size` more bytes, in the ring or, for large records, beside it.
-    void Grow(std::size_t size);
-    void GoElsewhere(std::size_t size);
+    bool Grow(std::size_t size, const void* bytes);
+    void GoElsewhere(std::size_t size, bool dropped = false);
+    void AppendElsewhere();
 
     CRecorder& m_recorder;
     std::uint8_t* m_start = nullptr;
     std::uint8_t* m_at = nullptr;
     std::uint8_t* m_limit = nullptr;
-    std::vector<std::uint8_t> m_elsewhere;
+    std::unique_ptr<SElsewhere> m_elsewhere;
 };
 
 }  // namespace kestrail::recorder

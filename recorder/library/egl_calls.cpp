@@ -6,6 +6,7 @@
 #include <cstring>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <set>
 #include <vector>
 
@@ -49,9 +50,14 @@ constexpr EGLint kConfigAttributes[] = {
 /// counts: toolkits make windows anew between.
 struct SWindow {
     std::uint64_t place = 0;
+    EGLint width = 0;
+    EGLint height = 0;
 };
 std::mutex g_windowsLock;
-auto& g_windows = *new std::map<std::pair<EGLDisplay, EGLSurface>, SWindow>;
+auto& Windows() {
+    static auto& s_windows = *new std::map<std::pair<EGLDisplay, EGLSurface>, SWindow>;
+    return s_windows;
+}
 
 template <typename Function>
 Function Egl(int entry) {
@@ -64,7 +70,10 @@ bool Records() {
 }
 
 /// Configurations that a record has told what identifies them.
-auto& g_described = *new std::set<std::pair<EGLDisplay, EGLConfig>>;
+auto& Described() {
+    static auto& s_configs = *new std::set<std::pair<EGLDisplay, EGLConfig>>;
+    return s_configs;
+}
 
 /// All that identifies a configuration, ended by EGL_NONE; empty for none.
 std::vector<EGLint> Describe(EGLDisplay display, EGLConfig config) {
@@ -77,7 +86,7 @@ std::vector<EGLint> Describe(EGLDisplay display, EGLConfig config) {
     }
     list.push_back(EGL_NONE);
     const std::lock_guard held(g_windowsLock);
-    g_described.insert({display, config});
+    Described().insert({display, config});
     return list;
 }
 const EGLint* Data(const std::vector<EGLint>& list) {
@@ -91,12 +100,15 @@ EGLint SurfaceValue(EGLDisplay display, EGLSurface surface, EGLint name) {
 }
 
 /// Displays whose windows and pixmaps the platform's own calls take by a pointer to their number.
-auto& g_numbering = *new std::set<EGLDisplay>;
+auto& Numbering() {
+    static auto& s_displays = *new std::set<EGLDisplay>;
+    return s_displays;
+}
 
 /// A window or pixmap as eglCreateWindowSurface would take it.
 const void* Native(EGLDisplay display, const void* drawable) {
     const std::lock_guard held(g_windowsLock);
-    if (drawable == nullptr || !g_numbering.contains(display)) return drawable;
+    if (drawable == nullptr || !Numbering().contains(display)) return drawable;
     std::uint32_t number = 0;
     std::memcpy(&number, drawable, sizeof number);
     return reinterpret_cast<const void*>(std::uintptr_t{number});
@@ -125,7 +137,7 @@ EGLDisplay RecordPlatformDisplay(EGLDisplay result, EGLenum platform, const void
     if (result != EGL_NO_DISPLAY &&
         (platform == EGL_PLATFORM_X11_KHR || platform == EGL_PLATFORM_XCB_EXT)) {
         const std::lock_guard held(g_windowsLock);
-        g_numbering.insert(result);
+        Numbering().insert(result);
     }
     return RecordGetDisplay(result, native);
 }
@@ -144,7 +156,7 @@ EGLSurface RecordWindowSurface(EGLSurface result, EGLDisplay display, EGLConfig 
     CCallWriter w(thread, egl_id::eglCreateWindowSurface);
     w.Put<TEGLintEnum, TEGLSurface, TEGLDisplay, TEGLConfig, TEGLNativeWindowType>(
         error, result, display, config, window);
-    if (made) g_windows[{display, result}] = {w.Place()};
+    if (made) Windows()[{display, result}] = {w.Place(), width, height};
     w.PutNumber<4>(width);
     w.PutNumber<4>(height);
     w.PutAttributes(attributes);
@@ -182,12 +194,16 @@ EGLSurface RecordPixmapSurface(EGLSurface result, EGLDisplay display, EGLConfig 
 /// A window's size is told where its surface was made.
 void TellWindowSize(EGLDisplay display, EGLSurface surface) {
     const std::lock_guard held(g_windowsLock);
-    const auto found = g_windows.find({display, surface});
-    if (found == g_windows.end()) return;
-    CRecorder::Instance().Amend(
-        found->second.place, static_cast<std::uint32_t>(SurfaceValue(display, surface, EGL_WIDTH)),
-        static_cast<std::uint32_t>(SurfaceValue(display, surface, EGL_HEIGHT)));
-    g_windows.erase(found);
+    const auto found = Windows().find({display, surface});
+    if (found == Windows().end()) return;
+    const SWindow& window = found->second;
+    const EGLint width = SurfaceValue(display, surface, EGL_WIDTH);
+    const EGLint height = SurfaceValue(display, surface, EGL_HEIGHT);
+    if (width != window.width || height != window.height) {
+        CRecorder::Instance().Amend(window.place, static_cast<std::uint32_t>(width),
+                                    static_cast<std::uint32_t>(height));
+    }
+    Windows().erase(found);
 }
 
 /// Swaps by `swap`, and records the swap with the picture where one is wanted.
@@ -207,15 +223,16 @@ EGLBoolean SwapAndRecord(EGLDisplay display, EGLSurface surface, Swap swap) {
     const EGLint error = thread.KeepEglError();
     // What is shown without a context that is known was drawn by another API.
     if (!Records() || (result == EGL_TRUE && thread.Context() == nullptr)) return result;
+    std::uint32_t frame = 0;
     {
         CCallWriter w(thread, egl_id::eglSwapBuffers);
+        frame = CRecorder::Instance().CountFrame();
         w.Put<TEGLintEnum, TEGLBoolean, TEGLDisplay, TEGLSurface>(error, result, display, surface);
-        w.Put<TGLuint, TGLuint, TGLuint>(CRecorder::Instance().Frames() + 1, picture.width,
-                                         picture.height);
+        w.Put<TGLuint, TGLuint, TGLuint>(frame, picture.width, picture.height);
         const void* const pixels = picture.pixels.empty() ? nullptr : picture.pixels.data();
         w.PutBlock(pixels, pixels, picture.pixels.size());
     }
-    CRecorder::Instance().CountFrame();
+    CRecorder::Instance().EndFrame(frame);
     return result;
 }
 
@@ -269,14 +286,12 @@ EGLContext Call_eglCreateContext(EGLDisplay display, EGLConfig config, EGLContex
         return result;
     }
     if (result != EGL_NO_CONTEXT) {
-        auto context = std::make_shared<SContext>();
-        context->display = display;
-        context->handle = result;
-        context->config = config;
-        context->version = version;
-        const std::shared_ptr<SContext> shared = FindContext(display, share);
-        context->objects = shared != nullptr ? shared->objects : std::make_shared<SObjects>();
-        KeepContext(std::move(context));
+        SContext context;
+        context.display = display;
+        context.handle = result;
+        context.config = config;
+        context.version = version;
+        KeepContext(std::move(context), share);
     }
     if (Records()) RecordContext(thread, error, result, display, config, share, attributes);
     return result;
@@ -287,15 +302,15 @@ EGLBoolean Call_eglMakeCurrent(EGLDisplay display, EGLSurface draw, EGLSurface r
     const EGLBoolean result = EGL(eglMakeCurrent)(display, draw, read, handle);
     CThread& thread = CThread::Current();
     const EGLint error = thread.KeepEglError();
-    const std::shared_ptr<SContext> context = FindContext(display, handle);
     if (result == EGL_TRUE) {
-        thread.SetContext(context);
-        if (context != nullptr) LearnVersion(thread, *context);
+        thread.SetContext(display, handle);
+        if (thread.Context() != nullptr) LearnVersion(thread, *thread.Context());
     }
-    // A context of another API isn't known, and becomes none.
     if (!Records()) return result;
-    const EGLContext known = context != nullptr ? handle : EGL_NO_CONTEXT;
-    const EGLConfig config = context != nullptr ? context->config : nullptr;
+    // A context of another API isn't known, and becomes none.
+    const std::optional<EGLConfig> found = ConfigOf(display, handle);
+    const EGLContext known = found ? handle : EGL_NO_CONTEXT;
+    const EGLConfig config = found.value_or(nullptr);
     const std::vector<EGLint> description = Describe(display, config);
     CCallWriter w(thread, egl_id::eglMakeCurrent);
     w.Put<TEGLintEnum, TEGLBoolean, TEGLDisplay>(error, result, display);
@@ -309,8 +324,13 @@ EGLBoolean Call_eglMakeCurrent(EGLDisplay display, EGLSurface draw, EGLSurface r
 void Note_eglDestroyContext(CThread&, EGLBoolean, EGLDisplay display, EGLContext handle) {
     ForgetContext(display, handle);
 }
+void Note_eglTerminate(CThread&, EGLBoolean, EGLDisplay display) {
+    ForgetContexts(display);
+    const std::lock_guard held(g_windowsLock);
+    std::erase_if(Windows(), [&](const auto& window) { return window.first.first == display; });
+}
 void Note_eglReleaseThread(CThread& thread, EGLBoolean) {
-    thread.SetContext(nullptr);
+    thread.SetContext(EGL_NO_DISPLAY, EGL_NO_CONTEXT);
 }
 
 EGLSurface Call_eglCreateWindowSurface(EGLDisplay display, EGLConfig config,
@@ -351,7 +371,7 @@ void Record_eglCreatePbufferSurface(CThread& thread, EGLint error, EGLSurface re
                                     EGLDisplay display, EGLConfig config, const EGLint* list) {
     const auto isDescribed = [&] {
         const std::lock_guard held(g_windowsLock);
-        return g_described.contains({display, config});
+        return Described().contains({display, config});
     };
     // The player takes it by a configuration that a context was made with.
     if (result != EGL_NO_SURFACE && config != nullptr && !isDescribed()) {
@@ -372,7 +392,7 @@ void Record_eglCreatePbufferSurface(CThread& thread, EGLint error, EGLSurface re
 
 void Note_eglDestroySurface(CThread&, EGLBoolean, EGLDisplay display, EGLSurface surface) {
     const std::lock_guard held(g_windowsLock);
-    g_windows.erase({display, surface});
+    Windows().erase({display, surface});
 }
 
 void Record_eglCopyBuffers(CThread& thread, EGLint error, EGLBoolean result, EGLDisplay display,

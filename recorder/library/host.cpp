@@ -27,6 +27,11 @@ void* Library(ELibrary library) {
     return handle;
 }
 
+/// Stands for an entry that the machine lacks: does nothing.
+std::uintptr_t Nothing() {
+    return 0;
+}
+
 using LookUp = void* (*)(void*, const char*);
 
 /// The one of the C library, under one of the versions that it has had.
@@ -75,6 +80,18 @@ void* PlainLookUp(void* handle, const char* name) {
     return s_lookUp(handle, name);
 }
 
+bool IsLoaded(const char* name) {
+    if (PlainLookUp(RTLD_NEXT, name) != nullptr) return true;
+    for (const char* const file : kFiles) {
+        void* const handle = dlopen(file, RTLD_LAZY | RTLD_NOLOAD);
+        if (handle == nullptr) continue;
+        const bool has = PlainLookUp(handle, name) != nullptr;
+        dlclose(handle);
+        if (has) return true;
+    }
+    return false;
+}
+
 void* FindHostEntry(int entry, ELibrary library) {
     const char* const name = kEntries[entry].name;
     // The application's own library comes first, then whatever it is linked with, which is behind
@@ -95,6 +112,7 @@ void* FindHostEntry(int entry, ELibrary library) {
             reinterpret_cast<Find>(PlainLookUp(Library(kEglLibrary), "eglGetProcAddress"));
         if (find != nullptr) found = reinterpret_cast<void*>(find(name));
     }
+    if (found == nullptr) found = reinterpret_cast<void*>(&Nothing);
     g_hostEntries[library == kEs1Library][entry] = found;
     return found;
 }

@@ -37,14 +37,18 @@ ELibrary LibraryOf(const char* path);
 /// What dlsym would give without us.
 void* PlainLookUp(void* handle, const char* name);
 
-/// Found at the first call. An entry that the machine lacks gives null.
+/// Whether the process has an entry of that name without us.
+bool IsLoaded(const char* name);
+
+/// Found at the first call. For an entry that the machine lacks it is one that does nothing and
+/// gives 0.
 void* FindHostEntry(int entry, ELibrary library);
 /// Has the entry be that one, which eglGetProcAddress gave.
 void GiveHostEntry(int entry, void* address);
 
 inline void* g_hostEntries[2][kEntryCount];
 
-/// The host's entry for the API that is current, or null.
+/// The host's entry for the API that is current.
 template <typename Function>
 Function HostEntry(int entry, ELibrary library) {
     void* found = g_hostEntries[library == kEs1Library][entry];

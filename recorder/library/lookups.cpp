@@ -19,16 +19,22 @@ ELibrary LibraryBehind(void* handle) {
     return LibraryOf(map->l_name);
 }
 
-/// Our entry for a name looked up in that library; null for any other.
-void* TakeOver(void* handle, const char* name) {
+struct SAnswer {
+    bool given = false;
+    void* address = nullptr;
+};
+
+/// What a name is in our place: our entry, where it is looked up in a library that we stand for;
+/// nothing, where we alone have it. Other names, and where else it is looked up, are left alone.
+SAnswer Answer(void* handle, const char* name) {
     const bool ours = std::strncmp(name, "gl", 2) == 0 || std::strncmp(name, "egl", 3) == 0;
-    if (!ours || !CRecorder::Instance().Wanted()) return nullptr;
+    const int entry = ours ? FindEntry(name) : -1;
+    if (entry < 0) return {};
     const ELibrary library = LibraryBehind(handle);
-    if (library == kLibraries) return nullptr;
-    const int entry = FindEntry(name);
-    if (entry < 0 || PlainLookUp(handle, name) == nullptr) return nullptr;
+    if (library == kLibraries) return {!IsLoaded(name), nullptr};
+    if (!CRecorder::Instance().Wanted() || PlainLookUp(handle, name) == nullptr) return {};
     KeepLibrary(library, handle);
-    return kEntries[entry].ours;
+    return {true, kEntries[entry].ours};
 }
 
 [[gnu::constructor]] void Load() {
@@ -40,6 +46,7 @@ void* TakeOver(void* handle, const char* name) {
 
 extern "C" [[gnu::visibility("default")]] void* dlsym(void* handle, const char* name) noexcept {
     using namespace kestrail::recorder;
-    if (void* const ours = TakeOver(handle, name)) return ours;
+    const SAnswer answer = Answer(handle, name);
+    if (answer.given) return answer.address;
     return PlainLookUp(handle, name);
 }

@@ -1,27 +1,31 @@
 #include "recorder/library/recorder.h"
 
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <pthread.h>
 #include <sched.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <string>
 #include <string_view>
 
+#include "recorder/channel/meeting.h"
+
 namespace kestrail::recorder {
 namespace {
 
 constexpr long kMillisecond = 1'000'000;
 
+/// Unlike nanosleep never the end of a thread that is cancelled.
 void Sleep(long nanoseconds) {
     const timespec pause = {0, nanoseconds};
-    nanosleep(&pause, nullptr);
+    syscall(SYS_nanosleep, &pause, nullptr);
 }
 
 std::uint64_t Now() {
@@ -48,25 +52,35 @@ bool ReadSettings(const char* folder, SRecordSettings& settings) {
     return read && settings.version == SRecordSettings::kFileVersion;
 }
 
-/// Leaves the environment as it was without us: children run as if nothing were recorded.
+/// Leaves the environment as it was without us: children run as if nothing were recorded. In its
+/// place, as the main function is given it.
 void LeaveEnvironment() {
     unsetenv(kFolderVariable);
-    const char* const preload = getenv("LD_PRELOAD");
-    if (preload == nullptr) return;
-    // The command puts its library first.
-    const std::string_view libraries = preload;
-    const std::size_t first = libraries.find(':');
-    if (first == std::string_view::npos) {
-        unsetenv("LD_PRELOAD");
-    } else {
-        setenv("LD_PRELOAD", std::string(libraries.substr(first + 1)).c_str(), 1);
-    }
+    char* const preload = getenv("LD_PRELOAD");
+    Dl_info own{};
+    if (preload == nullptr || dladdr(&kFolderVariable, &own) == 0) return;
+    const std::string_view path = own.dli_fname;
+    char* const at = std::strstr(preload, own.dli_fname);
+    if (at == nullptr) return;
+    char* const rest = at + path.size() + (at[path.size()] == ':' ? 1 : 0);
+    std::memmove(at, rest, std::strlen(rest) + 1);
+    if (*preload == '\0') unsetenv("LD_PRELOAD");
+}
+
+/// Whether the command is there, which takes what is appended.
+bool IsServed(SRingHead& head) {
+    const int held = pthread_mutex_trylock(&head.served);
+    if (held == 0 || held == EOWNERDEAD) pthread_mutex_unlock(&head.served);
+    return held == EBUSY;
 }
 
 }  // namespace
 
-void CShortLock::Wait() {
-    for (int tries = 0; m_taken.exchange(true, std::memory_order_acquire); ++tries) {
+bool CShortLock::Wait(std::uint32_t thread) {
+    for (int tries = 0;; ++tries) {
+        std::uint32_t holder = 0;
+        if (m_holder.compare_exchange_strong(holder, thread, std::memory_order_acquire))
+            return true;
         if (tries < 100) continue;
         if (tries < 200) {
             sched_yield();
@@ -76,49 +90,32 @@ void CShortLock::Wait() {
     }
 }
 
-constinit CRecorder CRecorder::s_instance;
+constinit CRecorder::UInstance CRecorder::s_instance;
 
 void CRecorder::Start() {
-    const char* const folder = getenv(kFolderVariable);
-    if (folder == nullptr || !ReadSettings(folder, m_settings)) return;
-    const std::string_view only = m_settings.only;
-    m_wanted = only.empty() || only == ExecutableName();
-    m_folder = strdup(folder);
-    pthread_atfork(nullptr, nullptr, [] { s_instance.Abandon(); });
-    if (!m_settings.follow) LeaveEnvironment();
+    std::call_once(m_started, [this] {
+        const char* const folder = getenv(kFolderVariable);
+        if (folder == nullptr || !ReadSettings(folder, m_settings)) return;
+        const std::string_view only = m_settings.only;
+        m_wanted = only.empty() || only == ExecutableName();
+        m_folder = strdup(folder);
+        pthread_atfork(nullptr, nullptr, [] { Instance().Abandon(); });
+        if (!m_settings.follow) LeaveEnvironment();
+    });
 }
 
 void CRecorder::Open() {
+    // Libraries that were loaded before this one may call as they are.
+    Start();
     if (!m_wanted) return;
     std::call_once(m_opened, [this] {
-        const int memory = CRingMapping::Create();
-        if (memory < 0 || !m_ring.Map(memory)) {
-            std::fprintf(stderr, "kestrail: no memory to record with; nothing is recorded\n");
-            if (memory >= 0) close(memory);
-            return;
-        }
-        SRingHead& head = m_ring.Head();
-        head.process = getpid();
-        std::snprintf(head.executable, sizeof head.executable, "%s", ExecutableName().c_str());
-        head.magic = SRingHead::kMagic;
-        const std::string announced =
-            std::string(m_folder) + "/" + std::to_string(getpid()) + "." + std::to_string(memory);
-        const int file = open(announced.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
-        if (file >= 0) close(file);
-        // The command looks every other millisecond, and removes the file when it has the memory.
-        constexpr int kPatience = 5000;
-        int waited = 0;
-        while (file >= 0 && access(announced.c_str(), F_OK) == 0 && waited < kPatience) {
-            Sleep(kMillisecond);
-            ++waited;
-        }
-        close(memory);
-        if (file < 0 || waited == kPatience) {
+        if (TakeRing(m_folder, m_ring)) {
+            m_records.store(true);
+        } else {
             std::fprintf(stderr,
-                         "kestrail: the command that records is gone; nothing is recorded\n");
-            return;
+                         "kestrail: the command that records is gone or has no memory; "
+                         "nothing is recorded\n");
         }
-        m_records.store(true);
     });
 }
 
@@ -128,44 +125,28 @@ void CRecorder::Stop() {
 
 bool CRecorder::WaitForRoom(std::size_t size) {
     SRingHead& head = m_ring.Head();
-    const std::uint64_t start = Now();
-    std::uint32_t beat = head.beat.load();
-    std::uint64_t beatTime = start;
-    bool waited = false;
+    std::uint64_t start = 0;
     while (true) {
-        if (head.refused.load() != 0) m_records.store(false);
+        if (head.refused.load() != 0 || !IsServed(head)) m_records.store(false);
         if (!m_records.load()) return false;
         m_taken = head.taken.load(std::memory_order_acquire);
         if (m_end + size - m_taken <= kRingBytes) break;
-        waited = true;
+        if (start == 0) start = Now();
         Sleep(kMillisecond / 10);
-        const std::uint64_t now = Now();
-        if (head.beat.load() != beat) {
-            beat = head.beat.load();
-            beatTime = now;
-        } else if (now - beatTime > 1'000'000'000u && kill(m_settings.command, 0) != 0 &&
-                   errno == ESRCH) {
-            // Whoever was to write the file is gone.
-            m_records.store(false);
-            return false;
-        }
     }
-    if (waited) head.waitedNs.fetch_add(Now() - start);
+    if (start != 0) head.waitedNs.fetch_add(Now() - start);
     return true;
 }
 
-void CRecorder::Append(const std::uint8_t* record, std::size_t size) {
-    SRingHead& head = m_ring.Head();
+void CRecorder::Append(const std::uint8_t* bytes, std::size_t size) {
     for (std::size_t done = 0; done < size;) {
         const std::size_t piece = std::min(size - done, kPieceLimit);
         std::uint8_t* const room = Room(piece);
         if (room == nullptr) return;
-        std::memcpy(room, record + done, piece);
-        m_end += piece;
-        head.written.store(m_end, std::memory_order_release);
+        std::memcpy(room, bytes + done, piece);
+        Commit(piece);
         done += piece;
     }
-    head.whole.store(m_end, std::memory_order_release);
 }
 
 void CRecorder::WriteThread(std::uint32_t thread) {
@@ -181,9 +162,8 @@ void CRecorder::WriteThread(std::uint32_t thread) {
     m_thread = thread;
 }
 
-void CRecorder::CountFrame() {
-    m_ring.Head().frames.store(++m_frames, std::memory_order_relaxed);
-    if (m_settings.lastFrame == 0 || m_frames < m_settings.lastFrame) return;
+void CRecorder::EndFrame(std::uint32_t frame) {
+    if (m_settings.lastFrame == 0 || frame < m_settings.lastFrame) return;
     Stop();
     if (m_settings.exitBehindLast) _exit(0);
 }

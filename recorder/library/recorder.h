@@ -16,24 +16,28 @@ namespace kestrail::recorder {
 /// help of the system.
 class CShortLock {
 public:
-    void lock() {
-        if (m_taken.exchange(true, std::memory_order_acquire)) Wait();
+    /// False, at once, for a thread that holds it: one that was interrupted by a signal.
+    bool Take(std::uint32_t thread) {
+        std::uint32_t holder = 0;
+        if (m_holder.compare_exchange_strong(holder, thread, std::memory_order_acquire)) [[likely]]
+            return true;
+        return holder != thread && Wait(thread);
     }
-    void unlock() { m_taken.store(false, std::memory_order_release); }
+    void Release() { m_holder.store(0, std::memory_order_release); }
 
 private:
-    void Wait();
+    bool Wait(std::uint32_t thread);
 
-    std::atomic<bool> m_taken{false};
+    std::atomic<std::uint32_t> m_holder{0};
 };
 
 class CRecorder {
 public:
-    /// The process's one.
-    static CRecorder& Instance() { return s_instance; }
+    /// The process's one. It is never destroyed: applications call EGL while they end.
+    static CRecorder& Instance();
 
-    /// Reads what the command asked for, as the library is loaded. Without a command, and where
-    /// another executable is to be recorded, nothing will be.
+    /// Reads what the command asked for, as the library is loaded, once. Without a command, and
+    /// where another executable is to be recorded, nothing will be.
     void Start();
     /// Whether the process is one that is to be recorded, which its first call of EGL opens.
     bool Wanted() const { return m_wanted; }
@@ -46,7 +50,10 @@ public:
     /// Ends the recording. The application goes on.
     void Stop();
     /// In a child that was forked: it shares the ring and has to leave it alone.
-    void Abandon() { m_records.store(false); }
+    void Abandon() {
+        m_records.store(false);
+        m_wanted = m_wanted && m_settings.follow;
+    }
 
     /// Room for `size` bytes at the end of what was appended, in one piece; null when the recording
     /// has ended. For less than kPieceLimit. The lock must be held.
@@ -58,12 +65,10 @@ public:
     /// Appends the bytes that now stand in the room: whole records.
     void Commit(std::size_t size) {
         m_end += size;
-        SRingHead& head = m_ring.Head();
-        head.written.store(m_end, std::memory_order_relaxed);
-        head.whole.store(m_end, std::memory_order_release);
+        m_ring.Head().written.store(m_end, std::memory_order_release);
     }
-    /// Appends a record of any size. The lock must be held.
-    void Append(const std::uint8_t* record, std::size_t size);
+    /// Appends bytes of a record, of any number. The lock must be held.
+    void Append(const std::uint8_t* bytes, std::size_t size);
 
     /// Where the next record begins in the recording. The lock must be held.
     std::uint64_t End() const { return m_end; }
@@ -74,13 +79,14 @@ public:
     void BeThread(std::uint32_t thread) {
         if (thread != m_thread) WriteThread(thread);
     }
-    void CountCall() { m_ring.Head().calls.store(++m_calls, std::memory_order_relaxed); }
-    /// Of eglSwapBuffers, behind its record. May end the recording, or the process.
-    void CountFrame();
-    std::uint32_t Frames() const { return m_frames; }
+    /// Of eglSwapBuffers, in its record: the number of the frame that it ends. The lock must be
+    /// held.
+    std::uint32_t CountFrame() { return ++m_frames; }
+    /// Behind the record of that frame's end. May end the recording, or the process.
+    void EndFrame(std::uint32_t frame);
     /// Whether the frame that ends next is one of those whose picture is kept.
     bool WantsPicture() const {
-        return m_settings.pictureEvery != 0 && m_frames % m_settings.pictureEvery == 0;
+        return m_settings.pictureEvery != 0 && m_frames.load() % m_settings.pictureEvery == 0;
     }
 
     /// A call that a trace has no place for was made.
@@ -92,7 +98,8 @@ private:
     bool WaitForRoom(std::size_t size);
     void WriteThread(std::uint32_t thread);
 
-    static CRecorder s_instance;
+    union UInstance;
+    static UInstance s_instance;
 
     bool m_wanted = false;
     std::atomic<bool> m_records{false};
@@ -101,15 +108,26 @@ private:
     /// Of what is known of `taken` of the ring.
     std::uint64_t m_taken = 0;
     std::uint32_t m_thread = 0;
-    std::uint64_t m_calls = 0;
-    std::uint32_t m_frames = 0;
+    std::atomic<std::uint32_t> m_frames{0};
     CRingMapping m_ring;
     SRecordSettings m_settings;
     /// The rendezvous folder.
     const char* m_folder = nullptr;
+    std::once_flag m_started;
     std::once_flag m_opened;
     std::mutex m_amendLock;
     std::mutex m_leftOutLock;
 };
+
+union CRecorder::UInstance {
+    constexpr UInstance() : recorder() {}
+    ~UInstance() {}
+
+    CRecorder recorder;
+};
+
+inline CRecorder& CRecorder::Instance() {
+    return s_instance.recorder;
+}
 
 }  // namespace kestrail::recorder

@@ -11,8 +11,21 @@ namespace kestrail::recorder {
 namespace {
 
 std::mutex g_contextsLock;
-// Never destroyed: applications call EGL while they end.
-auto& g_contexts = *new std::map<std::pair<EGLDisplay, EGLContext>, std::shared_ptr<SContext>>;
+
+/// Made when it is needed, which may be before anything of this library is, and never destroyed.
+auto& Contexts() {
+    static auto& s_contexts = *new std::map<std::pair<EGLDisplay, EGLContext>, SContext*>;
+    return s_contexts;
+}
+
+SContext* Find(EGLDisplay display, EGLContext handle) {
+    const auto found = Contexts().find({display, handle});
+    return found != Contexts().end() ? found->second : nullptr;
+}
+
+void Release(SContext* context) {
+    if (context != nullptr && --context->users == 0) delete context;
+}
 
 }  // namespace
 
@@ -48,21 +61,41 @@ EGLint CThread::TakeEglError() {
     return std::exchange(m_eglError, EGL_SUCCESS);
 }
 
-std::shared_ptr<SContext> FindContext(EGLDisplay display, EGLContext handle) {
+void CThread::SetContext(EGLDisplay display, EGLContext handle) {
     const std::lock_guard held(g_contextsLock);
-    const auto found = g_contexts.find({display, handle});
-    return found != g_contexts.end() ? found->second : nullptr;
+    SContext* const context = Find(display, handle);
+    if (context != nullptr) ++context->users;
+    Release(std::exchange(m_context, context));
 }
 
-void KeepContext(std::shared_ptr<SContext> context) {
+void KeepContext(SContext context, EGLContext share) {
     const std::lock_guard held(g_contextsLock);
-    auto& place = g_contexts[{context->display, context->handle}];
-    place = std::move(context);
+    const SContext* const shared = Find(context.display, share);
+    context.objects = shared != nullptr ? shared->objects : std::make_shared<SObjects>();
+    context.users = 1;
+    SContext*& place = Contexts()[{context.display, context.handle}];
+    Release(std::exchange(place, new SContext(std::move(context))));
 }
 
 void ForgetContext(EGLDisplay display, EGLContext handle) {
     const std::lock_guard held(g_contextsLock);
-    g_contexts.erase({display, handle});
+    Release(Find(display, handle));
+    Contexts().erase({display, handle});
+}
+
+void ForgetContexts(EGLDisplay display) {
+    const std::lock_guard held(g_contextsLock);
+    std::erase_if(Contexts(), [display](const auto& known) {
+        if (known.first.first != display) return false;
+        Release(known.second);
+        return true;
+    });
+}
+
+std::optional<EGLConfig> ConfigOf(EGLDisplay display, EGLContext handle) {
+    const std::lock_guard held(g_contextsLock);
+    const SContext* const context = Find(display, handle);
+    return context != nullptr ? std::optional(context->config) : std::nullopt;
 }
 
 }  // namespace kestrail::recorder

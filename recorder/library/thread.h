@@ -41,6 +41,8 @@ struct SContext {
     std::optional<bool> readsBuffers;
     /// Buffers into which pixels were read back, which the player leaves out.
     std::set<std::uint32_t> readBack;
+    /// Threads in which it is current, and one for as long as its handle is known.
+    int users = 0;
 
     bool IsEs1() const { return version == 1; }
     ELibrary Library() const { return IsEs1() ? kEs1Library : kEs2Library; }
@@ -62,8 +64,9 @@ public:
         return m_number;
     }
     /// Null without one, or with one that isn't of OpenGL ES.
-    SContext* Context() const { return m_context.get(); }
-    void SetContext(std::shared_ptr<SContext> context) { m_context = std::move(context); }
+    SContext* Context() const { return m_context; }
+    /// Makes the context behind a handle the one that is current: null for one that isn't known.
+    void SetContext(EGLDisplay display, EGLContext handle);
     ELibrary Library() const { return m_context != nullptr ? m_context->Library() : kEs2Library; }
 
     /// The host's error after a call of GL, which stays to be asked for.
@@ -77,21 +80,22 @@ public:
 private:
     void Take();
 
-    // Needs no check of whether it was made: as cheap as any variable.
+    // Needs no check of whether it was made, and is never destroyed: threads call while they end.
     static thread_local constinit CThread s_current [[gnu::tls_model("initial-exec")]];
 
     std::uint32_t m_number = 0;
     EGLint m_eglError = EGL_SUCCESS;
-    std::shared_ptr<SContext> m_context;
+    SContext* m_context = nullptr;
 };
 
 /// The host's entry for the API that is current in the thread.
 #define KESTRAIL_HOST(thread, name) HostEntry<decltype(&::name)>(kEntry_##name, (thread).Library())
 
-/// The context behind a handle, of those that were made while the library was there; null for
-/// another.
-std::shared_ptr<SContext> FindContext(EGLDisplay display, EGLContext handle);
-void KeepContext(std::shared_ptr<SContext> context);
+/// Keeps what is known of a context that was made, as long as its handle lives or it is current.
+void KeepContext(SContext context, EGLContext share);
 void ForgetContext(EGLDisplay display, EGLContext handle);
+void ForgetContexts(EGLDisplay display);
+/// The configuration of a context; nothing for one that isn't known.
+std::optional<EGLConfig> ConfigOf(EGLDisplay display, EGLContext handle);
 
 }  // namespace kestrail::recorder

@@ -38,6 +38,7 @@ RESULTS = {
     "eglCreatePixmapSurface": 'NewHandle("surface")',
     "eglCreateWindowSurface": 'NewHandle("surface")',
     "eglGetDisplay": 'MakeHandle("display", 1)',
+    "eglGetPlatformDisplay": 'MakeHandle("display", 2)',
     "eglGetError": "0x3000",
     "eglQueryAPI": "0x30A0",
     "es1.glIsEnabled": "ClientArray(cap).enabled",
