@@ -150,8 +150,8 @@ class Host:
         self.published = published
         self.kept = []
         self.entries = {}
-        self.libraries = [ctypes.CDLL("libEGL.so"),
-                          ctypes.CDLL("libGLES_CM.so" if version == 1 else "libGLESv2.so")]
+        names = ["libEGL.so", *(["libGLES_CM.so"] if version == 1 else []), "libGLESv2.so"]
+        self.libraries = [ctypes.CDLL(name) for name in names]
 
     def entry(self, name):
         if name not in self.entries:

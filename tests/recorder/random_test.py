@@ -178,7 +178,7 @@ def main(command, host, headers, library):
         with tempfile.TemporaryDirectory() as folder:
             path = Path(folder, "plan")
             path.write_text(json.dumps(plan))
-            out, _ = run_recorded(__file__, command, host, Path(folder), script, headers, version, path)
+            out, *_ = run_recorded(__file__, command, host, Path(folder), script, headers, version, path)
             done = json.loads(path.read_text())
             found = behind_start(out, published)
         made += len(done)

@@ -12,6 +12,7 @@ says that nothing is. Beside calls there are:
     script ENTRY[:PNAME] NTH|* VALUE    an answer of the host
     write [BYTES]                       to where the last result points
     left out: NAME                      what the summary tells
+    says TEXT                           a part of what is told on standard error
 A line that ends with a `\\` goes on in the next. `= RESULT` behind a call is what the program sees, `!ERROR` an error that the host has after it. `*` stands
 for any value.
 """
@@ -48,7 +49,7 @@ def run_recorded(program, command, host, folder, script, *arguments):
                            sys.executable, "-B", program, "program", *map(str, arguments)],
                           env=environment, capture_output=True, text=True, timeout=100, check=False)
     assert done.returncode == 0, f"status {done.returncode}: {done.stderr} {done.stdout[-200:]}"
-    return out, json.loads((folder / "summary").read_text())["recordings"][0]["notInTrace"]
+    return out, json.loads((folder / "summary").read_text())["recordings"][0]["notInTrace"], done.stderr
 
 
 def behind_start(path, published):
@@ -70,7 +71,7 @@ def same(expected, found):
 class Case:
     def __init__(self, name, version):
         self.name, self.version = name, version
-        self.program, self.expected, self.left_out, self.script = [], [], {}, ""
+        self.program, self.expected, self.left_out, self.script, self.told = [], [], {}, "", ""
 
     def add(self, line):
         text = line.strip()
@@ -83,6 +84,8 @@ class Case:
                 self.expected.append(text)
         elif first == "script":
             self.script += text[7:] + "\n"
+        elif first == "says":
+            self.told = text[5:]
         elif text.startswith("left out:"):
             self.left_out[text[9:].strip()] = 1
         else:
@@ -101,12 +104,12 @@ class Case:
             folder = Path(name)
             (folder / "calls").write_text("\n".join(self.program))
             try:
-                out, left_out = run_recorded(__file__, command, host, folder, self.script, headers,
+                out, left_out, told = run_recorded(__file__, command, host, folder, self.script, headers,
                                              self.version, folder / "calls")
             except AssertionError as failure:
                 return [failure]
             found = behind_start(out, published)
-        problems = [] if left_out == self.left_out else [f"left out: {left_out}"]
+        problems = [] if left_out == self.left_out and self.told in told else [left_out, told]
         lines = [line for line, call in zip(self.expected, found)
                  if not self.matches(line, call, published)]
         if lines or len(found) != len(self.expected):
