@@ -4,7 +4,8 @@ find_package(Python3 REQUIRED COMPONENTS Interpreter)
 
 set(callgen ${PROJECT_SOURCE_DIR}/tools/callgen)
 set(generated ${PROJECT_BINARY_DIR}/generated)
-file(MAKE_DIRECTORY ${generated}/calls ${generated}/exec ${generated}/host ${generated}/state)
+file(MAKE_DIRECTORY ${generated}/calls ${generated}/exec ${generated}/host ${generated}/slicing
+     ${generated}/state)
 
 # Parts of about the same size, so that they compile side by side.
 set(parts_egl 1)
@@ -29,12 +30,14 @@ foreach(family ${families})
   list(APPEND KESTRAIL_CALL_SOURCES ${sources})
 endforeach()
 
+set(effects ${generated}/slicing/effects.cpp)
+set(rules ${PROJECT_SOURCE_DIR}/calls/effects.rules)
 add_custom_command(
-  OUTPUT ${generated}/state/effects.cpp
-  COMMAND Python3::Interpreter -B ${callgen}/effects.py ${generated}/state/effects.cpp ${tables}
-  DEPENDS ${callgen}/effects.py ${callgen}/table.py ${tables}
+  OUTPUT ${effects}
+  COMMAND Python3::Interpreter -B ${callgen}/effects.py ${effects} ${rules} ${tables}
+  DEPENDS ${callgen}/effects.py ${callgen}/table.py ${rules} ${tables}
   VERBATIM)
-list(APPEND KESTRAIL_CALL_SOURCES ${generated}/state/effects.cpp)
+list(APPEND KESTRAIL_CALL_SOURCES ${effects})
 
 add_custom_command(
   OUTPUT ${generated}/calls/identifiers.h

@@ -11,6 +11,7 @@ namespace kestrail {
 
 std::span<const SVerb> Verbs() {
     static constexpr std::array kVerbs = {
+        SVerb{"frames", "render frames of a trace, alone and right", RunFrames},
         SVerb{"record", "run a program and record its calls into a trace", RunRecord},
     };
     return kVerbs;

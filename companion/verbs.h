@@ -13,6 +13,9 @@ using Arguments = std::vector<std::string>;
 /// Runs a program and records what it asks of EGL and OpenGL ES.
 int RunRecord(Arguments arguments);
 
+/// Renders frames of a trace, each as it was when it was recorded.
+int RunFrames(Arguments arguments);
+
 struct SVerb {
     const char* name;
     const char* summary;

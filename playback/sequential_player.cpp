@@ -3,11 +3,7 @@
 #include <cstdlib>
 
 #include "base/output.h"
-#include "exec/egl_executor.h"
-#include "exec/es1_executor.h"
-#include "exec/es2_executor.h"
-#include "exec/es3_executor.h"
-#include "exec/ext_executor.h"
+#include "exec/play_call.h"
 #include "generated/calls/identifiers.h"
 
 namespace kestrail {
@@ -145,27 +141,7 @@ bool CSequentialPlayer::PlayCall(CCallEntry* call, bool checkErrorsAfter) {
     const std::uint16_t id = call->call->m_id;
     // The loader's own records are no calls.
     if (id >= 2 && id <= 4) return true;
-    bool played = false;
-    // Kept: less than what loads; readers expect the rest to be printed and told as failed.
-    switch (PlayedFamilyOf(id)) {
-        case EFamily::kEgl:
-            played = PlayEglCall(*this, *call);
-            break;
-        case EFamily::kEs1:
-            played = PlayEs1Call(*this, *call);
-            break;
-        case EFamily::kEs2:
-            played = PlayEs2Call(*this, *call);
-            break;
-        case EFamily::kEs3:
-            played = PlayEs3Call(*this, *call);
-            break;
-        case EFamily::kExt:
-            played = PlayExtCall(*this, *call);
-            break;
-        case EFamily::kNone:
-            break;
-    }
+    const bool played = PlayCallOfFamily(*this, *call);
     if (!played) output::Message("Error call:%s %d", call->call->GetName(), id);
     return played;
 }

@@ -59,8 +59,8 @@ public:
     /// Whether the call had failed when it was recorded, by the error that its family keeps.
     bool HadFailed() const;
 
-    /// Lists what the call reads and changes of contents that the driver holds. Made from its row.
-    virtual void ListEffects(CEffects&) const {}
+    /// Tells what the call reads and changes of what the driver holds, by calls/effects.rules.
+    virtual void ListEffects(CEffects& effects) const = 0;
 
     // There are millions of calls: what follows the error stands in the room that it leaves.
     /// What glGetError gave after the call when it was recorded; stays 0 for EGL and extension

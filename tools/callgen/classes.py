@@ -32,8 +32,7 @@ def declaration(row, base):
     if row.state or row.sets:
         lines.insert(2, f"    {row.class_name}() {{ m_updatesState = true; }}")
         lines.append(f"    bool UpdateState({STATES[row.family]}& state, SUpdates& updates) override;")
-    if row.effects:
-        lines.append("    void ListEffects(CEffects& effects) const override;")
+    lines.append("    void ListEffects(CEffects& effects) const override;")
     lines.append("")
     if row.returns:
         lines.append(f"    {row.returns} result;")

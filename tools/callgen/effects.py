@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Writes what calls read and change of contents, member functions of their classes.
+"""Writes what calls read and change of what a driver holds, member functions of their classes.
 
-    effects.py OUTPUT TABLE...
+    effects.py OUTPUT RULES TABLE...
 """
 
 import re
@@ -10,71 +10,55 @@ from pathlib import Path
 
 from table import load
 
-# The places of a row's effects: an operation of CEffects, and what it takes, parameters or constants.
-# Those of PART go into a struct, as far as the row has them.
-PLACES = {
-    "surface": ("Surface", ["surface"]),
-    "aged": ("AgedSurface", ["surface", "attribute"]),
-    "drawn": ("Drawn", []),
-    "cleared": ("Cleared", ["mask"]),
-    "attachments": ("Attachments", ["target", "attachments"]),
-    "blitted": ("Blitted", ["mask"]),
-    "pixels": ("Pixels", []),
-    "packed": ("Packed", []),
-    "sampled": ("Sampled", []),
-    "vertices": ("Vertices", []),
-    "elements": ("Buffer", ["GL_ELEMENT_ARRAY_BUFFER"]),
-    "texture": ("Texture", []),
-    "mipmaps": ("Mipmaps", ["target"]),
-    "foreign": ("Foreign", []),
-    "renderbuffer": ("Renderbuffer", []),
-    "buffer": ("Buffer", ["target"]),
-    "textures": ("Named", ["EContent::kTexture", "textures"]),
-    "buffers": ("Named", ["EContent::kBuffer", "buffers"]),
-    "renderbuffers": ("Named", ["EContent::kRenderbuffer", "renderbuffers"]),
-}
-PART = {"Texture": ["target", "level", "xoffset", "yoffset", "zoffset", "width", "height", "depth"],
-        "Pixels": ["x", "y", "width", "height"]}
-# What these do to contents is their whole point.
-CHANGES = re.compile(
-    r"gl(Multi)?Draw(?!Buffers)|glClear(Buffer\w+)?$|glCopy|glBlit|glReadPixels|glGenerateMipmap|"
-    r"gl(Compressed)?Tex(Sub)?Image|glTexStorage|glBuffer(Sub)?Data|glUnmap|glFlushMapped|"
-    r"glRenderbufferStorage|glInvalidateFramebuffer|glDiscard|glEGLImage|"
-    r"glDelete(Textures|Buffers|Renderbuffers)|egl(SwapBuffers|CopyBuffers|BindTexImage)")
+WORD = re.compile(r"[A-Za-z_][\w.|]*(?:::\w+)*|\"[^\"]*\"|'[^']*'")
 
 
-def operation(row, verb, word):
-    place, _, parameter = word.partition(":")
-    name, taken = PLACES[place]
-    visible = [p.name for p in row.parameters]
-    if name == "Cleared" and "mask" not in visible:
-        taken = ["buffer", "drawbuffer"]
-    if name == "Blitted":
-        side = "src" if verb == "reads" else "dst"
-        taken = taken + [f"{side}{end}" for end in ("X0", "Y0", "X1", "Y1")]
-    values = [parameter or p for p in taken]
-    arrays = {p.name for p in row.parameters if p.cls.startswith("SArrayPtr")}
-    values = [f"{v}.GetValue()" if v in visible and v not in arrays else v for v in values]
-    part = [f".{p} = {p}.GetValue()" for p in PART.get(name, []) if p in visible]
-    if name in PART:
-        values.append(f"{{{', '.join(part)}}}")
-    return f"effects.{name}({', '.join(['EAccess::k' + verb[:-1].capitalize()] + values)});"
+def rules(path):
+    """Pattern and operations of each line."""
+    for line in Path(path).read_text().splitlines():
+        if line.strip() and not line.startswith("#"):
+            pattern, operations = re.match(r"(\S+)\s+(.*)", line).groups()
+            yield re.compile(pattern), operations
+
+
+def value(word, row):
+    """A word of a rule as C++: a parameter's value, or what it is by itself."""
+    known = {p.name: p for p in row.parameters}
+    choices = word.split("|")
+    name = next((c for c in choices if c.split(".")[0] in known or c == "result"), choices[-1])
+    if name == "result":
+        return "result.GetValue()"
+    if "." in name or name not in known:
+        return name
+    return name if known[name].cls.startswith("SArrayPtr") else f"{name}.GetValue()"
 
 
 def main():
-    rows = [row for table in sys.argv[2:] for row in load(table)]
-    out = ["// Made from the tables of calls."]
+    output, rule_file, *tables = sys.argv[1:]
+    known = list(rules(rule_file))
+    rows = [row for table in tables for row in load(table)]
+    out = ["// Made from the tables of calls and their effects."]
     out += [f'#include "generated/calls/{family}_calls.h"'
             for family in dict.fromkeys(row.family for row in rows)]
-    out += ['#include "state/effects.h"', "", "namespace kestrail {", ""]
+    out += ['#include "slicing/effects.h"', "", "namespace kestrail {", ""]
+    states = {}
     for row in rows:
-        if CHANGES.match(row.entry) and not row.effects:
-            raise SystemExit(f"{row.class_name}: changes contents, and no word says which")
-        if row.effects:
-            out.append(f"void {row.class_name}::ListEffects(CEffects& effects) const {{")
-            out += [f"    {operation(row, verb, place)}" for verb, place in row.effects]
-            out += ["}", ""]
-    Path(sys.argv[1]).write_text("\n".join(out + ["}  // namespace kestrail", ""]))
+        match, operations = next(((found, text) for pattern, text in known
+                                  if (found := pattern.fullmatch(row.entry))), (None, ""))
+        if match is None:
+            raise SystemExit(f"{rule_file}: no rule for {row.entry}")
+        taken = match.expand(operations).split(" ; ") if operations != "Nothing()" else []
+        out.append(f"void {row.class_name}::ListEffects(CEffects&{' effects' if taken else ''}) const {{")
+        for operation in taken:
+            name, arguments = re.fullmatch(r"(\w+)\((.*)\)", operation).groups()
+            if name in ("State", "Faces"):
+                state, _, rest = arguments.partition(",")
+                number = states.setdefault(state, len(states))
+                arguments = f"CEffects::StatePlace({number})" + (f",{rest}" if rest else "")
+            arguments = WORD.sub(lambda found: value(found.group(), row), arguments)
+            out.append(f"    effects.{name}({arguments});")
+        out += ["}", ""]
+    Path(output).write_text("\n".join(out + ["}  // namespace kestrail", ""]))
 
 
 main()

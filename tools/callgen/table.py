@@ -2,7 +2,7 @@
 
 A row is a head line and one indented line for each parameter:
 
-    identifier entry-point vRECORD FIRST-LAST "category" play [returns CLASS] [on APIS] [state] [EFFECTS]
+    identifier entry-point vRECORD FIRST-LAST "category" play [returns CLASS] [on APIS] [state]
         name class [keywords]
 
 RECORD is the file version that brought this layout of the record; FIRST and LAST are the file
@@ -12,14 +12,6 @@ state=FUNCTION: that only hands the parameters on to a function there. Where par
 is made from them.
 A CLASS is a value class of calls/model; a type of the published headers stands for its class, which
 has a T before the name.
-
-EFFECTS, of a call that reads or changes what the driver holds of images and buffers, in their order:
-    reads=P,Q   what is left there of earlier calls counts
-    wipes=P     what was there is gone, whole
-    writes=P    the driver puts something there that only this call on that driver brings back
-    sends=P     what the call carries is put there
-
-P is one of the places that tools/callgen/effects.py knows.
 
 How a call is played:
     plain    the host entry is called with the parameters, translated where they say so
@@ -100,7 +92,6 @@ class Row:
     returns: str = ""
     apis: tuple = ()
     state: str = ""
-    effects: list = field(default_factory=list)  # pairs of a verb and a place
     parameters: list = field(default_factory=list)
 
     @property
@@ -122,7 +113,7 @@ STATES = {"egl": "CEglState", "es1": "CEs1State", "es2": "CEs2State", "es3": "CE
 PLAYS = {"plain", "bind", "gen", "genonce", "delete", "skip", "check", "test", "fail", "hand", "none"}
 HEAD = re.compile(
     r'^(\d+) (\w+) v(\d+) (\d+)-(\d*) "([^"]*)" (\w+)(?: returns (\S+))?(?: on (\S+))?'
-    r'(?: (state(?:=\w+)?))?((?: (?:reads|wipes|writes|sends)=\S+)*)$')
+    r'(?: (state(?:=\w+)?))?$')
 
 
 def cpp_class(word):
@@ -180,10 +171,7 @@ def load(path):
                             int(match.group(4)), int(match.group(5) or 0), match.group(6),
                             match.group(7), cpp_class(match.group(8) or ""),
                             tuple((match.group(9) or "").split(",")) if match.group(9) else (),
-                            match.group(10) or "",
-                            [(verb, place) for verb, _, places in
-                             (word.partition("=") for word in match.group(11).split())
-                             for place in places.split(",")]))
+                            match.group(10) or ""))
     for row in rows:
         check_reach(row, path)
     return rows

@@ -1,0 +1,91 @@
+#include "slicing/slicer.h"
+
+#include <utility>
+
+namespace kestrail {
+
+/// The way from stretches back to what they stand on.
+struct CSlicer::SWalk {
+    std::vector<std::uint32_t> waiting;
+    /// By call: what stands on it, 0 if nothing does; its own number in a stretch.
+    std::vector<std::uint32_t> reasons;
+    /// Of objects, the last stretch in which they were read whole: what happens to them from there
+    /// on, up to its end, is in there.
+    std::vector<std::uint32_t> readWhole;
+
+    void Visit(std::uint32_t call, std::uint32_t reason) {
+        if (call == 0 || call >= reasons.size() || reasons[call] != 0) return;
+        reasons[call] = reason;
+        waiting.push_back(call);
+    }
+};
+
+CSlicer::CSlicer(CFrameStore& trace)
+    : m_trace(trace), m_effects([&trace](std::uint32_t number) -> const CApiCall& {
+          return *trace.CallAt(number)->call;
+      }) {
+    for (std::uint32_t number = 1; number <= trace.CallCount(); ++number) {
+        if (!IsLeftOut(number)) m_effects.Note(*trace.CallAt(number)->call, number);
+    }
+}
+
+bool CSlicer::IsLeftOut(std::uint32_t call) const {
+    const CApiCall& known = *m_trace.CallAt(call)->call;
+    return known.HadFailed() || (known.m_edited && m_trace.Edits().IsCallDisabled(call));
+}
+
+SSlice CSlicer::Slice(const std::vector<SStretch>& stretches) {
+    SSlice slice;
+    if (stretches.empty()) return slice;
+    ++m_visit;
+    SWalk walk;
+    walk.reasons.resize(stretches.back().last + 1);
+    walk.readWhole.resize(m_effects.ObjectCount());
+    for (const SStretch& stretch : stretches) {
+        for (std::uint32_t call = stretch.first; call <= stretch.last; ++call) {
+            walk.reasons[call] = call;
+        }
+    }
+    for (std::uint32_t i = 0; i < stretches.size(); ++i) {
+        for (std::uint32_t call = stretches[i].first; call <= stretches[i].last; ++call) {
+            if (!IsLeftOut(call)) Follow(walk, call, i + 1);
+        }
+    }
+    while (!walk.waiting.empty()) {
+        const std::uint32_t call = walk.waiting.back();
+        walk.waiting.pop_back();
+        Follow(walk, call, 0);
+        const auto [begin, end] = m_effects.Endings().equal_range(call);
+        for (auto ending = begin; ending != end; ++ending) walk.Visit(ending->second, call);
+    }
+    for (std::uint32_t call = 1; call < walk.reasons.size(); ++call) {
+        if (walk.reasons[call] == 0 || walk.reasons[call] == call) continue;
+        slice.calls.push_back(call);
+        slice.reasons.push_back(walk.reasons[call]);
+    }
+    return slice;
+}
+
+void CSlicer::Follow(SWalk& walk, std::uint32_t call, std::uint32_t stretch) {
+    const auto follow = [&](std::uint32_t number) {
+        SJournal& journal = m_effects.Journal(number);
+        std::uint32_t next = journal.Find(call);
+        while (next != 0) {
+            SJournal::SEntry& entry = journal.entries[next - 1];
+            if (entry.visit == m_visit) break;
+            entry.visit = m_visit;
+            walk.Visit(entry.call, call);
+            next = entry.previous;
+        }
+    };
+    m_reads.journals.clear();
+    m_reads.objects.clear();
+    m_effects.ListReads(*m_trace.CallAt(call)->call, call, m_reads);
+    for (const std::uint32_t journal : m_reads.journals) follow(journal);
+    for (const std::uint32_t object : m_reads.objects) {
+        if (stretch != 0 && std::exchange(walk.readWhole[object], stretch) == stretch) continue;
+        for (const std::uint32_t journal : m_effects.Object(object).journals) follow(journal);
+    }
+}
+
+}  // namespace kestrail

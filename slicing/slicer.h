@@ -1,0 +1,51 @@
+// Which calls a stretch of a trace stands on: those before it without which it would draw something
+// else. Played in their order, with none of the others, they bring a driver from nothing to where
+// the stretch begins, what frames before have left in images and buffers with it.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "slicing/effects.h"
+#include "tracefile/document/frame_store.h"
+
+namespace kestrail {
+
+/// Calls of a trace, by their numbers, both of them included.
+struct SStretch {
+    std::uint32_t first = 0;
+    std::uint32_t last = 0;
+};
+
+struct SSlice {
+    /// Outside of the stretches, ascending.
+    std::vector<std::uint32_t> calls;
+    /// For each of them the later call that stands on it.
+    std::vector<std::uint32_t> reasons;
+};
+
+class CSlicer {
+public:
+    /// Goes through all calls of a trace, which has to be read whole and stays as it is.
+    explicit CSlicer(CFrameStore& trace);
+
+    /// What stretches stand on, which have to be ascending and in the trace.
+    SSlice Slice(const std::vector<SStretch>& stretches);
+
+    /// Whether the call is left out when its frame is played: it had failed, or it is disabled.
+    bool IsLeftOut(std::uint32_t call) const;
+
+private:
+    struct SWalk;
+    /// Visits what a call stands on. `stretch`: the number of the one that it is in, or 0.
+    void Follow(SWalk& walk, std::uint32_t call, std::uint32_t stretch);
+
+    CFrameStore& m_trace;
+    CEffects m_effects;
+    /// How often `Slice` was called, which tells what a journal's entry was visited for.
+    std::uint32_t m_visit = 0;
+    CEffects::SReads m_reads;
+};
+
+}  // namespace kestrail
