@@ -32,7 +32,7 @@ std::uintptr_t Nothing() {
     return 0;
 }
 
-using LookUp = void* (*)(void*, const char*);
+using LookUp = void* (*)(void*, const char*) noexcept;
 
 /// The one of the C library, under one of the versions that it has had.
 LookUp FindLookUp() {
@@ -74,8 +74,7 @@ ELibrary LibraryOf(const char* path) {
     return kLibraries;
 }
 
-// Must stay a jump: RTLD_NEXT goes by who calls.
-void* PlainLookUp(void* handle, const char* name) {
+void* PlainLookUp(void* handle, const char* name) noexcept {
     static const LookUp s_lookUp = FindLookUp();
     return s_lookUp(handle, name);
 }

@@ -34,8 +34,9 @@ void KeepLibrary(ELibrary library, void* handle);
 /// The library that goes by this file name; kLibraries for any other.
 ELibrary LibraryOf(const char* path);
 
-/// What dlsym would give without us.
-void* PlainLookUp(void* handle, const char* name);
+/// What dlsym would give without us. RTLD_NEXT is what comes behind the caller, so whoever stands
+/// for dlsym has to jump here.
+void* PlainLookUp(void* handle, const char* name) noexcept;
 
 /// Whether the process has an entry of that name without us.
 bool IsLoaded(const char* name);

@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Checks of `kestrail record` as a user runs it.
 
-    record_test.py manners COMMAND PLAYER TRACE HOST    statuses, signals, files; on the stand-in hosts
+    record_test.py manners COMMAND PLAYER TRACE HOST INTERPOSER
+                                                        statuses, signals, files; on the stand-in hosts
     record_test.py trip COMMAND PLAYER HOST TRACES...   the player, recorded while it plays, makes the same calls
     record_test.py pictures COMMAND PLAYER TRACES...    and draws the same
 
@@ -44,7 +45,7 @@ def run(*command, **settings):
                           timeout=200, check=False, **settings)
 
 
-def check_manners(command, player, trace, host):
+def check_manners(command, player, trace, host, interposer):
     environment = dict(os.environ, LD_LIBRARY_PATH=host, LC_ALL="C")
     environment.pop("LD_PRELOAD", None)
     with tempfile.TemporaryDirectory() as name:
@@ -66,6 +67,12 @@ def check_manners(command, player, trace, host):
         shown = record("--no-follow", "--", "sh", "-c", "env")
         assert "kestrail" not in shown.stdout and "KESTRAIL" not in shown.stdout, shown.stdout
         assert "nothing recorded" in shown.stderr
+
+        # Others that stand before a library find what is behind themselves.
+        behind = run(command, "record", "--", sys.executable, "-c",
+                     "import os; assert os.getppid()", cwd=folder,
+                     env=environment | {"LD_PRELOAD": interposer})
+        assert behind.returncode == 0, behind
 
         played = run(player, trace, cwd=folder, env=environment)
         whole = record("-o", out, "--summary", "summary.json", "--", player, trace)

@@ -33,6 +33,7 @@ ROOMS = {
     "tests/support": ["tests/host"],
     "tests/cases": ["tests/support"],
     "tests/program": ["tests/support", "tracefile/document"],
+    "tests/recorder": [],
     "tests/render": ["samples"],
     "tests/unit": ["playback", "tests/support"],
 }
