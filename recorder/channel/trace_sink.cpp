@@ -27,6 +27,8 @@ namespace fs = std::filesystem;
 
 /// So little that signals and other processes don't wait for long.
 constexpr std::uint64_t kPiece = std::uint64_t{4} << 20;
+/// How far in front of the application there is memory for it.
+constexpr std::uint64_t kAhead = std::uint64_t{16} << 20;
 /// A record's size and identifier, which stand before its payload.
 constexpr std::uint64_t kRecordHead = sizeof(std::uint32_t) + sizeof(std::uint16_t);
 
@@ -86,6 +88,7 @@ struct CTraceSink::SOpen {
     std::uint64_t written = 0;  ///< bytes of records in the file
     SWhole whole;
     std::uint32_t amended = 0;
+    std::uint64_t prepared = 0;  ///< bytes of the ring that have memory
 
     ~SOpen() {
         for (const int descriptor : {file, life}) {
@@ -100,6 +103,8 @@ struct CTraceSink::SOpen {
     bool IsAlive() const;
     /// True when it wrote anything.
     bool Write();
+    /// Gets memory before the application comes to it, which would wait for it. True when it did.
+    bool Prepare();
     /// Ends the file behind its last whole record.
     void Finish();
 
@@ -179,6 +184,14 @@ bool CTraceSink::SOpen::Write() {
     written += size;
     head.taken.store(written, std::memory_order_release);
     Amend();
+    return true;
+}
+
+bool CTraceSink::SOpen::Prepare() {
+    constexpr std::uint64_t kStep = std::uint64_t{1} << 20;
+    if (prepared >= std::min<std::uint64_t>(ring.Head().written + kAhead, kRingBytes)) return false;
+    madvise(ring.At(prepared), kStep, MADV_POPULATE_WRITE);
+    prepared += kStep;
     return true;
 }
 
@@ -277,7 +290,7 @@ bool CTraceSink::Work() {
         // Looked at before what it appended, so that nothing comes behind.
         const bool over = open.ring.Head().closed.load() != 0 || !open.IsAlive();
         const bool wrote = open.Write();
-        any = any || wrote;
+        any = open.Prepare() || wrote || any;
         if (over && !wrote) {
             End(open);
             m_open.erase(m_open.begin() + static_cast<std::ptrdiff_t>(i));

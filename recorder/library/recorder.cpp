@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <pthread.h>
 #include <sched.h>
+#include <sys/mman.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -123,14 +124,28 @@ void CRecorder::Stop() {
     if (m_records.exchange(false)) m_ring.Head().closed.store(1);
 }
 
+bool CRecorder::MakeRoom(std::size_t size) {
+    if (!WaitForRoom(size)) return false;
+    m_limit = m_ring.Head().taken.load(std::memory_order_acquire) + kRingBytes;
+    if (m_mapped >= kRingBytes) return true;
+    // Many pages at once take a fraction of what they take one by one.
+    constexpr std::uint64_t kStep = std::uint64_t{1} << 19;
+    const std::uint64_t wanted = (m_end + size + kStep - 1) / kStep * kStep;
+    if (wanted > m_mapped) {
+        madvise(m_ring.At(m_mapped), wanted - m_mapped, MADV_POPULATE_WRITE);
+        m_mapped = wanted;
+    }
+    m_limit = std::min(m_limit, m_mapped);
+    return true;
+}
+
 bool CRecorder::WaitForRoom(std::size_t size) {
     SRingHead& head = m_ring.Head();
     std::uint64_t start = 0;
     while (true) {
         if (head.refused.load() != 0 || !IsServed(head)) m_records.store(false);
         if (!m_records.load()) return false;
-        m_taken = head.taken.load(std::memory_order_acquire);
-        if (m_end + size - m_taken <= kRingBytes) break;
+        if (m_end + size - head.taken.load(std::memory_order_acquire) <= kRingBytes) break;
         if (start == 0) start = Now();
         Sleep(kMillisecond / 10);
     }

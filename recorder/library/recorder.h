@@ -58,7 +58,7 @@ public:
     /// Room for `size` bytes at the end of what was appended, in one piece; null when the recording
     /// has ended. For less than kPieceLimit. The lock must be held.
     std::uint8_t* Room(std::size_t size) {
-        if (m_end + size - m_taken > kRingBytes && !WaitForRoom(size)) return nullptr;
+        if (m_end + size > m_limit && !MakeRoom(size)) return nullptr;
         return m_ring.At(m_end);
     }
     static constexpr std::size_t kPieceLimit = kRingBytes / 4;
@@ -95,6 +95,7 @@ public:
     CShortLock& Lock() { return m_lock; }
 
 private:
+    bool MakeRoom(std::size_t size);
     bool WaitForRoom(std::size_t size);
     void WriteThread(std::uint32_t thread);
 
@@ -105,8 +106,9 @@ private:
     std::atomic<bool> m_records{false};
     CShortLock m_lock;
     std::uint64_t m_end = 0;
-    /// Of what is known of `taken` of the ring.
-    std::uint64_t m_taken = 0;
+    /// Up to there the ring is free, as far as that is known, and its pages are mapped.
+    std::uint64_t m_limit = 0;
+    std::uint64_t m_mapped = 0;
     std::uint32_t m_thread = 0;
     std::atomic<std::uint32_t> m_frames{0};
     CRingMapping m_ring;
