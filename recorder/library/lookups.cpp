@@ -31,7 +31,10 @@ SAnswer Answer(void* handle, const char* name) {
     const int entry = ours ? FindEntry(name) : -1;
     if (entry < 0) return {};
     const ELibrary library = LibraryBehind(handle);
-    if (library == kLibraries) return {!IsLoaded(name), nullptr};
+    if (library == kLibraries) {
+        const bool found = handle != RTLD_NEXT && PlainLookUp(handle, name) == kEntries[entry].ours;
+        return {found && !IsLoaded(name), nullptr};
+    }
     if (!CRecorder::Instance().Wanted() || PlainLookUp(handle, name) == nullptr) return {};
     KeepLibrary(library, handle);
     return {true, kEntries[entry].ours};

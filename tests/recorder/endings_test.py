@@ -6,6 +6,7 @@
 
 import os
 import resource
+import shutil
 import struct
 import subprocess
 import sys
@@ -143,11 +144,12 @@ def main():
         made = [struct.unpack_from("<I", payload, 16)[0] for identifier, payload in
                 records(folder / "windows.kstl") if identifier == MAKE_WINDOW]
         assert made == [7, 5, 6], made
-        # What is asked of the whole process, which has nothing of it without the recorder.
+        # Entries are there where they are without the recorder: none in the process, another library's in it.
+        shutil.copy(Path(host).parent / "idle" / "libGLESv2.so", folder / "libother.so")
         asked = run(command, "record", "--no-follow", "--", sys.executable, "-c",
                     "import os; from ctypes import CDLL; print(CDLL(None).dlsym(None, b'glClear'),"
-                    "os.environ['LD_PRELOAD'])", env=dict(environment, LD_PRELOAD="libm.so.6"))
-        assert asked.stdout == "0 libm.so.6\n", asked
+                    "os.environ['LD_PRELOAD'], bool(CDLL('./libother.so').glClear))", cwd=folder, env=dict(environment, LD_PRELOAD="libm.so.6"))
+        assert asked.stdout == "0 libm.so.6 True\n", asked
 
         # Records of several threads, each behind one that tells the thread.
         record(folder / "threads.kstl", THREADS)
