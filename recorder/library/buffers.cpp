@@ -46,8 +46,7 @@ SMapped Mapped(CThread& thread, GLenum target) {
 /// What a piece of a buffer holds, as if the application had put it there. False where that can't
 /// be read.
 bool RecordContents(CThread& thread, GLuint buffer, GLintptr start, GLsizeiptr size) {
-    GLint before = 0;
-    HOST(thread, glGetIntegerv)(GL_COPY_READ_BUFFER_BINDING, &before);
+    const GLint before = Integer(thread, GL_COPY_READ_BUFFER_BINDING);
     HOST(thread, glBindBuffer)(GL_COPY_READ_BUFFER, buffer);
     if (size == 0) size = BufferValue(thread, GL_COPY_READ_BUFFER, GL_BUFFER_SIZE) - start;
     const void* const data =
@@ -64,11 +63,9 @@ bool RecordContents(CThread& thread, GLuint buffer, GLintptr start, GLsizeiptr s
 }
 
 GLuint BoundBuffer(CThread& thread, GLenum target) {
-    GLint buffer = 0;
-    HOST(thread, glGetIntegerv)
-    (target == GL_ELEMENT_ARRAY_BUFFER ? GL_ELEMENT_ARRAY_BUFFER_BINDING : GL_ARRAY_BUFFER_BINDING,
-     &buffer);
-    return static_cast<GLuint>(buffer);
+    const GLenum binding = target == GL_ELEMENT_ARRAY_BUFFER ? GL_ELEMENT_ARRAY_BUFFER_BINDING
+                                                             : GL_ARRAY_BUFFER_BINDING;
+    return static_cast<GLuint>(Integer(thread, binding));
 }
 
 std::vector<std::uint8_t> Bytes(const void* data, std::size_t size) {
@@ -146,8 +143,7 @@ void Note_glDeleteBuffers(CThread& thread, GLsizei n, const GLuint* buffers) {
 
 void Note_glReadPixels(CThread& thread, GLint, GLint, GLsizei, GLsizei, GLenum, GLenum, void*) {
     if (thread.Context()->version < 3) return;
-    GLint buffer = 0;
-    HOST(thread, glGetIntegerv)(GL_PIXEL_PACK_BUFFER_BINDING, &buffer);
+    const GLint buffer = Integer(thread, GL_PIXEL_PACK_BUFFER_BINDING);
     if (buffer != 0) thread.Context()->readBack.insert(static_cast<GLuint>(buffer));
 }
 
@@ -220,8 +216,7 @@ void Record_glEndTransformFeedback(CThread& thread, GLenum error) {
         w.PutBlock(nullptr, 0);
     }
     if (error != GL_NO_ERROR) return;
-    GLint targets = 0;
-    HOST(thread, glGetIntegerv)(GL_MAX_TRANSFORM_FEEDBACK_SEPARATE_ATTRIBS, &targets);
+    const GLint targets = Integer(thread, GL_MAX_TRANSFORM_FEEDBACK_SEPARATE_ATTRIBS);
     for (GLuint i = 0; i < static_cast<GLuint>(targets); ++i) {
         GLint buffer = 0;
         GLint64 start = 0;

@@ -108,6 +108,7 @@ SImage UnpackedImage(CThread& thread, GLenum error, std::optional<GLsizei> depth
 std::int64_t PackedBytes(CThread& thread, GLenum error, GLsizei width, GLsizei height,
                          GLenum format, GLenum type);
 bool UnpackBufferBound(CThread& thread);
+SPixelStore Unpacking(CThread& thread);
 GLint UnpackAlignment(CThread& thread);
 
 // Parts of 3D images, which the player leaves out.
@@ -209,6 +210,13 @@ void Write_glVertexAttribIPointer(CThread* thread, GLenum error, GLuint index, G
 void Record_glVertexAttribI4uiv(CThread& thread, GLenum error, GLuint index, const GLuint* values);
 void Write_glVertexAttribI4ui(CThread* thread, GLenum error, GLuint index, GLuint x, GLuint y,
                               GLuint z, GLuint w);
+
+/// What the host's glGetIntegerv says; 0 where it says nothing.
+inline GLint Integer(CThread& thread, GLenum name) {
+    GLint value = 0;
+    KESTRAIL_HOST(thread, glGetIntegerv)(name, &value);
+    return value;
+}
 
 /// A name that the application doesn't have, for an object of the recorder's own.
 inline GLuint OwnName(CThread& thread) {

@@ -31,12 +31,6 @@ struct SClientArray {
     }
 };
 
-GLint Integer(CThread& thread, GLenum name) {
-    GLint value = 0;
-    HOST(thread, glGetIntegerv)(name, &value);
-    return value;
-}
-
 /// A kind of array of ES1 by the enumerants that ask for its state; 0 where it has no such state.
 struct SKind {
     GLenum enable;

@@ -12,12 +12,6 @@ namespace {
 
 #define HOST KESTRAIL_HOST
 
-GLint Integer(CThread& thread, GLenum name) {
-    GLint value = 0;
-    HOST(thread, glGetIntegerv)(name, &value);
-    return value;
-}
-
 /// A host whose context is lost doesn't answer.
 GLint Alignment(CThread& thread, GLenum name) {
     return std::max(Integer(thread, name), 1);
@@ -26,6 +20,8 @@ GLint Alignment(CThread& thread, GLenum name) {
 bool IsBound(CThread& thread, GLenum binding) {
     return thread.Context()->version >= 3 && Integer(thread, binding) != 0;
 }
+
+}  // namespace
 
 SPixelStore Unpacking(CThread& thread) {
     SPixelStore store;
@@ -42,65 +38,6 @@ SPixelStore Unpacking(CThread& thread) {
     HOST(thread, glGetError)();
     return store;
 }
-
-GLenum Binding(GLenum target) {
-    return target == GL_TEXTURE_3D ? GL_TEXTURE_BINDING_3D : GL_TEXTURE_BINDING_2D_ARRAY;
-}
-
-void KeepFormat(CThread& thread, GLenum target, GLenum format) {
-    SObjects& objects = *thread.Context()->objects;
-    const std::lock_guard held(objects.lock);
-    objects.formats[static_cast<GLuint>(Integer(thread, Binding(target)))] = format;
-}
-
-/// Whether images of that internal format can be attached to a framebuffer, to be copied from.
-bool CanBeDrawnTo(GLenum format) {
-    switch (format) {
-        case GL_RGB:
-        case GL_RGBA:
-        case GL_R8:
-        case GL_RG8:
-        case GL_RGB8:
-        case GL_RGBA8:
-        case GL_RGB565:
-        case GL_RGBA4:
-        case GL_RGB5_A1:
-        case GL_RGB10_A2:
-        case GL_RGB10_A2UI:
-        case GL_SRGB8_ALPHA8:
-        case GL_R8I:
-        case GL_R8UI:
-        case GL_R16I:
-        case GL_R16UI:
-        case GL_R32I:
-        case GL_R32UI:
-        case GL_RG8I:
-        case GL_RG8UI:
-        case GL_RG16I:
-        case GL_RG16UI:
-        case GL_RG32I:
-        case GL_RG32UI:
-        case GL_RGBA8I:
-        case GL_RGBA8UI:
-        case GL_RGBA16I:
-        case GL_RGBA16UI:
-        case GL_RGBA32I:
-        case GL_RGBA32UI:
-        // By an extension that all hosts of ES3 have.
-        case GL_R16F:
-        case GL_R32F:
-        case GL_RG16F:
-        case GL_RG32F:
-        case GL_RGBA16F:
-        case GL_RGBA32F:
-        case GL_R11F_G11F_B10F:
-            return true;
-        default:
-            return false;
-    }
-}
-
-}  // namespace
 
 void SImage::Put(CCallWriter& w) const {
     static constexpr std::uint8_t kZeros[8] = {};
@@ -133,57 +70,6 @@ SImage UnpackedImage(CThread& thread, GLenum error, std::optional<GLsizei> depth
     const auto alignment = static_cast<std::uint64_t>(store.unpackAlignment);
     image.padded = image.size + (alignment - row % alignment) % alignment;
     return image;
-}
-
-void Note_glTexImage3D(CThread& thread, GLenum target, GLint, GLint internalformat, GLsizei,
-                       GLsizei, GLsizei, GLint, GLenum, GLenum, const void*) {
-    KeepFormat(thread, target, static_cast<GLenum>(internalformat));
-}
-void Note_glTexStorage3D(CThread& thread, GLenum target, GLsizei, GLenum internalformat, GLsizei,
-                         GLsizei, GLsizei) {
-    KeepFormat(thread, target, internalformat);
-}
-
-void Record_glTexSubImage3D(CThread& thread, GLenum error, GLenum target, GLint level,
-                            GLint xoffset, GLint yoffset, GLint zoffset, GLsizei width,
-                            GLsizei height, GLsizei depth, GLenum format, GLenum type,
-                            const void* pixels) {
-    SObjects& objects = *thread.Context()->objects;
-    GLenum internalFormat = 0;
-    {
-        const std::lock_guard held(objects.lock);
-        internalFormat = objects.formats[static_cast<GLuint>(Integer(thread, Binding(target)))];
-    }
-    if (error != GL_NO_ERROR || !CanBeDrawnTo(internalFormat)) {
-        if (error == GL_NO_ERROR) CRecorder::Instance().CountLeftOut("glTexSubImage3D");
-        return Write_glTexSubImage3D(&thread, error, target, level, xoffset, yoffset, zoffset,
-                                     width, height, depth, format, type, pixels);
-    }
-    // Layer by layer through an image of our own, which is copied from.
-    const SPixelStore store = Unpacking(thread);
-    SPixelStore next = store;
-    ++next.unpackSkipImages;
-    const std::int64_t layer = ImageBytes(format, type, width, height, 1, next) -
-                               ImageBytes(format, type, width, height, 1, store);
-    const auto* from = static_cast<const std::uint8_t*>(pixels) + layer * store.unpackSkipImages;
-    const GLuint own = OwnName(thread);
-    const auto texture = static_cast<GLuint>(Integer(thread, GL_TEXTURE_BINDING_2D));
-    const auto framebuffer = static_cast<GLuint>(Integer(thread, GL_READ_FRAMEBUFFER_BINDING));
-    constexpr GLenum kGood = GL_NO_ERROR;
-    Write_glBindTexture(&thread, kGood, GL_TEXTURE_2D, own);
-    Write_glBindFramebuffer(&thread, kGood, GL_READ_FRAMEBUFFER, own);
-    for (GLsizei z = 0; z < depth; ++z, from += layer) {
-        Write_glTexImage2D(&thread, kGood, GL_TEXTURE_2D, 0, static_cast<GLint>(internalFormat),
-                           width, height, 0, format, type, from);
-        Write_glFramebufferTexture2D(&thread, kGood, GL_READ_FRAMEBUFFER, GL_COLOR_ATTACHMENT0,
-                                     GL_TEXTURE_2D, own, 0);
-        Write_glCopyTexSubImage3D(&thread, kGood, target, level, xoffset, yoffset, zoffset + z, 0,
-                                  0, width, height);
-    }
-    Write_glDeleteFramebuffers(&thread, kGood, 1, &own);
-    Write_glDeleteTextures(&thread, kGood, 1, &own);
-    Write_glBindFramebuffer(&thread, kGood, GL_READ_FRAMEBUFFER, framebuffer);
-    Write_glBindTexture(&thread, kGood, GL_TEXTURE_2D, texture);
 }
 
 std::int64_t PackedBytes(CThread& thread, GLenum error, GLsizei width, GLsizei height,

@@ -195,7 +195,7 @@ class Host:
         display = self.call("eglGetDisplay", [None])
         config, surface = 0x10, None
         if size:
-            self.call("eglInitialize", [display, None, None])
+            assert self.call("eglInitialize", [display, None, None]), "no display"
             wanted = [number(word) for word in (
                 "EGL_SURFACE_TYPE", "EGL_PBUFFER_BIT", "EGL_RENDERABLE_TYPE", "EGL_OPENGL_ES2_BIT",
                 "EGL_ALPHA_SIZE", "8", "EGL_NONE")]
