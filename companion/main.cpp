@@ -13,6 +13,7 @@ std::span<const SVerb> Verbs() {
     static constexpr std::array kVerbs = {
         SVerb{"frames", "render frames of a trace, alone and right", RunFrames},
         SVerb{"record", "run a program and record its calls into a trace", RunRecord},
+        SVerb{"trim", "cut frames out of a trace, with all that they stand on", RunTrim},
     };
     return kVerbs;
 }

@@ -16,6 +16,9 @@ int RunRecord(Arguments arguments);
 /// Renders frames of a trace, each as it was when it was recorded.
 int RunFrames(Arguments arguments);
 
+/// Cuts frames out of a trace.
+int RunTrim(Arguments arguments);
+
 struct SVerb {
     const char* name;
     const char* summary;

@@ -34,7 +34,7 @@ bool CSlicer::IsLeftOut(std::uint32_t call) const {
     return known.HadFailed() || (known.m_edited && m_trace.Edits().IsCallDisabled(call));
 }
 
-SSlice CSlicer::Slice(const std::vector<SStretch>& stretches) {
+SSlice CSlicer::Slice(const std::vector<SStretch>& stretches, EUnused unused) {
     SSlice slice;
     if (stretches.empty()) return slice;
     ++m_visit;
@@ -51,6 +51,8 @@ SSlice CSlicer::Slice(const std::vector<SStretch>& stretches) {
             if (!IsLeftOut(call)) Follow(walk, call, i + 1);
         }
     }
+    const std::uint32_t first = stretches.front().first;
+    if (unused == EUnused::kKept) CountUnused(walk, first, true);
     while (!walk.waiting.empty()) {
         const std::uint32_t call = walk.waiting.back();
         walk.waiting.pop_back();
@@ -58,6 +60,7 @@ SSlice CSlicer::Slice(const std::vector<SStretch>& stretches) {
         const auto [begin, end] = m_effects.Endings().equal_range(call);
         for (auto ending = begin; ending != end; ++ending) walk.Visit(ending->second, call);
     }
+    slice.unused = CountUnused(walk, first, false);
     for (std::uint32_t call = 1; call < walk.reasons.size(); ++call) {
         if (walk.reasons[call] == 0 || walk.reasons[call] == call) continue;
         slice.calls.push_back(call);
@@ -66,26 +69,43 @@ SSlice CSlicer::Slice(const std::vector<SStretch>& stretches) {
     return slice;
 }
 
+void CSlicer::FollowJournal(SWalk& walk, std::uint32_t number, std::uint32_t call) {
+    SJournal& journal = m_effects.Journal(number);
+    std::uint32_t next = journal.Find(call);
+    while (next != 0) {
+        SJournal::SEntry& entry = journal.entries[next - 1];
+        if (entry.visit == m_visit) break;
+        entry.visit = m_visit;
+        walk.Visit(entry.call, call);
+        next = entry.previous;
+    }
+}
+
 void CSlicer::Follow(SWalk& walk, std::uint32_t call, std::uint32_t stretch) {
-    const auto follow = [&](std::uint32_t number) {
-        SJournal& journal = m_effects.Journal(number);
-        std::uint32_t next = journal.Find(call);
-        while (next != 0) {
-            SJournal::SEntry& entry = journal.entries[next - 1];
-            if (entry.visit == m_visit) break;
-            entry.visit = m_visit;
-            walk.Visit(entry.call, call);
-            next = entry.previous;
-        }
-    };
     m_reads.journals.clear();
     m_reads.objects.clear();
     m_effects.ListReads(*m_trace.CallAt(call)->call, call, m_reads);
-    for (const std::uint32_t journal : m_reads.journals) follow(journal);
+    for (const std::uint32_t journal : m_reads.journals) FollowJournal(walk, journal, call);
     for (const std::uint32_t object : m_reads.objects) {
         if (stretch != 0 && std::exchange(walk.readWhole[object], stretch) == stretch) continue;
-        for (const std::uint32_t journal : m_effects.Object(object).journals) follow(journal);
+        for (const std::uint32_t journal : m_effects.Object(object).journals) {
+            FollowJournal(walk, journal, call);
+        }
     }
+}
+
+std::uint32_t CSlicer::CountUnused(SWalk& walk, std::uint32_t call, bool keep) {
+    std::uint32_t count = 0;
+    for (std::uint32_t number = 1; number < m_effects.ObjectCount(); ++number) {
+        const SObject& object = m_effects.Object(number);
+        const bool there = object.born != 0 && object.born < call && object.name != 0 &&
+                           (object.died == 0 || object.died >= call);
+        if (!there || walk.reasons[object.born] != 0) continue;
+        ++count;
+        if (!keep) continue;
+        for (const std::uint32_t journal : object.journals) FollowJournal(walk, journal, call);
+    }
+    return count;
 }
 
 }  // namespace kestrail

@@ -18,11 +18,16 @@ struct SStretch {
     std::uint32_t last = 0;
 };
 
+/// Objects that are there where a stretch begins, and that it doesn't use.
+enum class EUnused { kLeftOut, kKept };
+
 struct SSlice {
     /// Outside of the stretches, ascending.
     std::vector<std::uint32_t> calls;
     /// For each of them the later call that stands on it.
     std::vector<std::uint32_t> reasons;
+    /// Objects that are there where the first stretch begins and that no call of the slice makes.
+    std::uint32_t unused = 0;
 };
 
 class CSlicer {
@@ -31,7 +36,7 @@ public:
     explicit CSlicer(CFrameStore& trace);
 
     /// What stretches stand on, which have to be ascending and in the trace.
-    SSlice Slice(const std::vector<SStretch>& stretches);
+    SSlice Slice(const std::vector<SStretch>& stretches, EUnused unused = EUnused::kLeftOut);
 
     /// Whether the call is left out when its frame is played: it had failed, or it is disabled.
     bool IsLeftOut(std::uint32_t call) const;
@@ -40,6 +45,11 @@ private:
     struct SWalk;
     /// Visits what a call stands on. `stretch`: the number of the one that it is in, or 0.
     void Follow(SWalk& walk, std::uint32_t call, std::uint32_t stretch);
+    /// Visits what counts of a journal in front of a call.
+    void FollowJournal(SWalk& walk, std::uint32_t number, std::uint32_t call);
+    /// Objects that are there in front of the call and were made by calls that nobody visited;
+    /// `keep`: visits them and all that was done to them.
+    std::uint32_t CountUnused(SWalk& walk, std::uint32_t call, bool keep);
 
     CFrameStore& m_trace;
     CEffects m_effects;

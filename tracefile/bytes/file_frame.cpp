@@ -44,8 +44,11 @@ std::vector<std::uint8_t> TraceFileHeader() {
     return out;
 }
 
-std::vector<std::uint8_t> TraceFileFooter() {
-    return {19, 16, 0, 0, 0, 0, 0, 0, 0, 0};
+std::vector<std::uint8_t> TraceFileFooter(std::uint64_t stateOffset) {
+    std::vector<std::uint8_t> out = {19, 16};
+    AppendUInt32(out, static_cast<std::uint32_t>(stateOffset));
+    AppendUInt32(out, static_cast<std::uint32_t>(stateOffset >> 32));
+    return out;
 }
 
 }  // namespace kestrail

@@ -10,7 +10,7 @@ namespace kestrail {
 std::vector<std::uint8_t> TraceFileStart(bool dataFlag, bool secondFlag);
 /// The whole header of a file with data and without edits.
 std::vector<std::uint8_t> TraceFileHeader();
-/// The end of a file without state records.
-std::vector<std::uint8_t> TraceFileFooter();
+/// The end of a file whose block of state begins at that offset; without one at 0.
+std::vector<std::uint8_t> TraceFileFooter(std::uint64_t stateOffset = 0);
 
 }  // namespace kestrail

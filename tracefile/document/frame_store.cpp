@@ -76,6 +76,7 @@ void CFrameStore::AppendCall(std::unique_ptr<CApiCall>&& call, std::uint64_t off
         Track(appended);
     }
     m_calls->list.emplace_back().call = std::move(call);
+    if (m_keepsOffsets) m_offsets.push_back(offset);
     CFrameRecord& current = m_frames[m_currentFrame];
     if (current.firstCall == m_callCount - 1) current.startOffset = offset;
     CFrameRecord& last = m_frames.back();

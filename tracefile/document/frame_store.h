@@ -86,6 +86,10 @@ public:
     void AppendCall(std::unique_ptr<CApiCall>&& call, std::uint64_t offset, bool inStateBlock,
                     bool trackState);
     void SetMultiThread() { m_multiThread = true; }
+    /// Has calls that are appended from now on keep where their records begin in the file.
+    void KeepOffsets() { m_keepsOffsets = true; }
+    /// Of calls by number, the first at 0; empty unless they are kept.
+    const std::vector<std::uint64_t>& Offsets() const { return m_offsets; }
 
     /// To the first frame.
     void Rewind();
@@ -177,6 +181,8 @@ private:
     bool m_dataFlag = false;
     bool m_hasStateBlock = false;
     bool m_multiThread = false;
+    bool m_keepsOffsets = false;
+    std::vector<std::uint64_t> m_offsets;
     std::uint32_t m_version = 0;
     /// Where the last answer of `FrameOfCall` stood, one of `m_frames`: the next one is there or
     /// behind it.

@@ -94,6 +94,7 @@ EOpenResult CTraceDocument::Load(const CKSTLString& name) {
     m_observers.Notify(kLoadProgressEvent, *this);
     progressValue = 0;
     m_store = std::make_unique<CFrameStore>(m_diagnostics);
+    if (m_keepOffsets) m_store->KeepOffsets();
     if (!ReadTraceStart()) {
         m_stream.Close();
         m_store.reset();

@@ -45,6 +45,11 @@ public:
     /// which seeking needs and which report images that are updated out of their limits. They do
     /// unless told otherwise; streamed ones never do.
     void SetTrackState(bool on) { m_trackState = on; }
+    /// Has traces that are opened from now on keep where their records stand.
+    void SetKeepOffsets(bool on) { m_keepOffsets = on; }
+    /// Of the open trace, where its first record stands, and the entries of its width table.
+    std::uint32_t FirstRecordOffset() const { return m_firstRecordOffset; }
+    std::int32_t TypeCount() const { return m_typeCount; }
     /// Reads all records, or while streaming the next call. `kOpened`, or what `OpenTrace` gives
     /// for a record that overruns the file. Throws what reading a record throws.
     EOpenResult LoadRecords();
@@ -123,6 +128,7 @@ private:
     bool m_multiThread = false;
     bool m_noMemory = false;
     bool m_trackState = true;
+    bool m_keepOffsets = false;
 };
 
 }  // namespace kestrail
