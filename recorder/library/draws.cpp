@@ -326,18 +326,22 @@ void Record_glDrawElementsInstanced(CThread& thread, GLenum error, GLenum mode, 
 
 void Record_glMultiDrawArraysEXT(CThread& thread, GLenum error, GLenum mode, const GLint* first,
                                  const GLsizei* count, GLsizei draws) {
+    if (first == nullptr || count == nullptr) return;
     for (GLsizei i = 0; i < draws; ++i)
         Record_glDrawArrays(thread, error, mode, first[i], count[i]);
 }
 
 void Record_glMultiDrawElementsEXT(CThread& thread, GLenum error, GLenum mode, const GLsizei* count,
                                    GLenum type, const void* const* indices, GLsizei draws) {
+    if (count == nullptr || indices == nullptr) return;
     for (GLsizei i = 0; i < draws; ++i) {
         Record_glDrawElements(thread, error, mode, count[i], type, indices[i]);
     }
 }
 
 void Record_glVertexAttribI4uiv(CThread& thread, GLenum error, GLuint index, const GLuint* values) {
+    constexpr GLuint kNone[4] = {};
+    if (values == nullptr) values = kNone;
     Write_glVertexAttribI4ui(&thread, error, index, values[0], values[1], values[2], values[3]);
 }
 
