@@ -85,7 +85,14 @@ const GLubyte* Call_glGetStringi(GLenum name, GLuint index);
 void Call_glGetIntegerv(GLenum name, GLint* values);
 GLenum Call_glGetError();
 
-// Shaders.
+// Programs and shaders.
+
+/// Where another context has used a program since: records this one's again, for its uniforms.
+void TellProgram(CThread& thread);
+void Write_glUseProgram(CThread* thread, GLenum error, GLuint program);
+inline void Note_glUseProgram(CThread& thread, GLuint) {
+    CRecorder::Instance().UsesProgram(thread.Context());
+}
 void Record_glShaderSource(CThread& thread, GLenum error, GLuint shader, GLsizei count,
                            const GLchar* const* strings, const GLint* lengths);
 

@@ -20,6 +20,11 @@ std::int64_t Pointed(const Number* pointer, std::int64_t room) {
     return pointer != nullptr ? *pointer : room;
 }
 
+/// The name of an object in the recording; 0 stays what it is.
+inline std::uint32_t Raised(GLuint name, std::uint32_t by) {
+    return name != 0 ? name + by : 0;
+}
+
 /// Holds the lock of the recording for as long as it lives: what takes time is found out before.
 /// What is put has to stay as long.
 class CCallWriter {
@@ -28,7 +33,8 @@ public:
         const std::uint32_t number = thread.Number();
         const bool taken = m_recorder.Lock().Take(number);
         if (taken) [[likely]] {
-            m_recorder.BeThread(number);
+            if (!m_recorder.IsThread(number)) [[unlikely]]
+                thread.BeRecorded();
             m_start = m_recorder.Room(kUsualRoom);
         }
         if (m_start == nullptr) [[unlikely]]
@@ -43,10 +49,7 @@ public:
             AppendElsewhere();
             return;
         }
-        const auto size = static_cast<std::size_t>(m_at - m_start);
-        const auto payload = static_cast<std::uint32_t>(size - kFrameBytes);
-        std::memcpy(m_start, &payload, sizeof payload);
-        m_recorder.Commit(size);
+        m_recorder.Commit(Finish());
         m_recorder.Lock().Release();
     }
     CCallWriter(const CCallWriter&) = delete;
@@ -97,6 +100,14 @@ public:
         Put<TPointer>(elements);
         PutNumber<4>(count);
         PutElements<Value>(elements, count * kItemSize);
+    }
+    /// The same of names of objects, raised.
+    void PutNames(const GLuint* names, std::int64_t items, std::uint32_t raised) {
+        const std::size_t count =
+            names == nullptr || items < 0 ? 0 : static_cast<std::size_t>(items);
+        Put<TPointer>(names);
+        PutNumber<4>(count);
+        for (std::size_t i = 0; i < count; ++i) PutNumber<4>(Raised(names[i], raised));
     }
     /// One item without a count.
     template <typename Value, unsigned kItemSize, typename Given>
@@ -167,6 +178,12 @@ public:
         }
     }
 
+    /// The record, small as it is, to which nothing is put any more.
+    std::vector<std::uint8_t> Bytes() {
+        Finish();
+        return {m_start, m_at};
+    }
+
     /// Where in the recording what is put next will stand.
     std::uint64_t Place() const {
         return m_recorder.End() + static_cast<std::uint64_t>(m_at - m_start);
@@ -204,6 +221,13 @@ private:
         bool dropped = false;
     };
 
+    /// Fills in the size of a record that stands in one piece.
+    std::size_t Finish() {
+        const auto size = static_cast<std::size_t>(m_at - m_start);
+        const auto payload = static_cast<std::uint32_t>(size - kFrameBytes);
+        std::memcpy(m_start, &payload, sizeof payload);
+        return size;
+    }
     /// Makes room for more bytes, in the ring or, for large records, beside it. False when `bytes`
     /// are left where they are until the record is appended.
     bool MakeRoom(std::size_t size, const void* bytes = nullptr) {

@@ -318,6 +318,7 @@ EGLBoolean Call_eglMakeCurrent(EGLDisplay display, EGLSurface draw, EGLSurface r
     w.Put<TEGLSurface>(known != EGL_NO_CONTEXT ? read : EGL_NO_SURFACE);
     w.Put<TEGLContext, TEGLConfig>(known, config);
     w.PutAttributes(Data(description));
+    if (result == EGL_TRUE) thread.BeCurrent(w.Bytes());
     return result;
 }
 
@@ -331,6 +332,7 @@ void Note_eglTerminate(CThread&, EGLBoolean, EGLDisplay display) {
 }
 void Note_eglReleaseThread(CThread& thread, EGLBoolean) {
     thread.SetContext(EGL_NO_DISPLAY, EGL_NO_CONTEXT);
+    CRecorder::Instance().BeCurrent(nullptr);
 }
 
 EGLSurface Call_eglCreateWindowSurface(EGLDisplay display, EGLConfig config,

@@ -75,9 +75,17 @@ public:
     /// Has two numbers that were appended there be others in the file.
     void Amend(std::uint64_t place, std::uint32_t first, std::uint32_t second);
 
-    /// Has the next record be known as one of this thread. The lock must be held.
-    void BeThread(std::uint32_t thread) {
-        if (thread != m_thread) WriteThread(thread);
+    /// Whether what is recorded next is known as of this thread. The lock must be held.
+    bool IsThread(std::uint32_t thread) const { return thread == m_thread; }
+    void WriteThread(std::uint32_t thread);
+    /// The context that is current in the recording, which is played by one thread.
+    void BeCurrent(const void* context) { m_current.store(context); }
+    bool IsCurrent(const void* context) const { return m_current.load() == context; }
+    /// The context that has last used a program. The player takes that program for every context's.
+    void UsesProgram(const void* context) { m_programs.store(context, std::memory_order_relaxed); }
+    bool TakesProgramOfOther(const void* context) const {
+        const void* const last = m_programs.load(std::memory_order_relaxed);
+        return last != context && last != nullptr;
     }
     /// Of eglSwapBuffers, in its record: the number of the frame that it ends. The lock must be
     /// held.
@@ -97,7 +105,6 @@ public:
 private:
     bool MakeRoom(std::size_t size);
     bool WaitForRoom(std::size_t size);
-    void WriteThread(std::uint32_t thread);
 
     union UInstance;
     static UInstance s_instance;
@@ -110,6 +117,8 @@ private:
     std::uint64_t m_limit = 0;
     std::uint64_t m_mapped = 0;
     std::uint32_t m_thread = 0;
+    std::atomic<const void*> m_current{nullptr};
+    std::atomic<const void*> m_programs{nullptr};
     std::atomic<std::uint32_t> m_frames{0};
     CRingMapping m_ring;
     SRecordSettings m_settings;

@@ -36,6 +36,20 @@ void CThread::Take() {
     m_number = ++s_last;
 }
 
+void CThread::BeRecorded() {
+    CRecorder& recorder = CRecorder::Instance();
+    recorder.WriteThread(m_number);
+    if (m_context == nullptr || recorder.IsCurrent(m_context)) return;
+    const std::vector<std::uint8_t>& record = m_context->madeCurrent;
+    recorder.Append(record.data(), record.size());
+    recorder.BeCurrent(m_context);
+}
+
+void CThread::BeCurrent(std::vector<std::uint8_t> record) {
+    CRecorder::Instance().BeCurrent(m_context);
+    if (m_context != nullptr) m_context->madeCurrent = std::move(record);
+}
+
 std::uint32_t CThread::KeepGlError() {
     const auto ask = HostEntry<decltype(&::glGetError)>(kEntry_glGetError, Library());
     const std::uint32_t error = ask();
@@ -64,14 +78,21 @@ EGLint CThread::TakeEglError() {
 void CThread::SetContext(EGLDisplay display, EGLContext handle) {
     const std::lock_guard held(g_contextsLock);
     SContext* const context = Find(display, handle);
-    if (context != nullptr) ++context->users;
+    if (context != nullptr) {
+        ++context->users;
+        context->madeCurrent.clear();
+    }
     Release(std::exchange(m_context, context));
 }
 
 void KeepContext(SContext context, EGLContext share) {
+    constexpr std::uint32_t kNameBits = 20;
+    static std::uint32_t s_kept = 0;
     const std::lock_guard held(g_contextsLock);
+    context.raised = s_kept++ << kNameBits;
     const SContext* const shared = Find(context.display, share);
     context.objects = shared != nullptr ? shared->objects : std::make_shared<SObjects>();
+    if (shared == nullptr) context.objects->raised = context.raised;
     context.users = 1;
     SContext*& place = Contexts()[{context.display, context.handle}];
     Release(std::exchange(place, new SContext(std::move(context))));

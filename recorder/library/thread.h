@@ -19,6 +19,9 @@ namespace kestrail::recorder {
 /// What is known of the objects that contexts share, by their names.
 struct SObjects {
     std::mutex lock;
+    /// What their names are raised by in the recording: the player has one table of names for all
+    /// contexts.
+    std::uint32_t raised = 0;
     /// What buffers hold, for hosts that don't give it back.
     std::map<std::uint32_t, std::vector<std::uint8_t>> contents;
     /// The internal formats of 3D images.
@@ -44,6 +47,11 @@ struct SContext {
     /// Threads in which it is current, and one for as long as its handle is known.
     int users = 0;
 
+    /// The record that made it current.
+    std::vector<std::uint8_t> madeCurrent;
+    /// What the names of objects that it doesn't share are raised by in the recording.
+    std::uint32_t raised = 0;
+
     bool IsEs1() const { return version == 1; }
     ELibrary Library() const { return IsEs1() ? kEs1Library : kEs2Library; }
 };
@@ -67,6 +75,12 @@ public:
     SContext* Context() const { return m_context; }
     /// Makes the context behind a handle the one that is current: null for one that isn't known.
     void SetContext(EGLDisplay display, EGLContext handle);
+    /// Has what is recorded next be of this thread, with its context current again. The lock of the
+    /// recording must be held.
+    void BeRecorded();
+    /// The context was made current, or none, by the call with this record. The lock of the
+    /// recording must be held.
+    void BeCurrent(std::vector<std::uint8_t> record);
     ELibrary Library() const { return m_context != nullptr ? m_context->Library() : kEs2Library; }
 
     /// The host's error after a call of GL, which stays to be asked for.

@@ -183,6 +183,14 @@ GLenum Call_glGetError() {
     return result;
 }
 
+void TellProgram(CThread& thread) {
+    GLint program = 0;
+    HOST(thread, glGetIntegerv)(GL_CURRENT_PROGRAM, &program);
+    if (program == 0) return;
+    Write_glUseProgram(&thread, GL_NO_ERROR, static_cast<GLuint>(program));
+    CRecorder::Instance().UsesProgram(thread.Context());
+}
+
 void Record_glShaderSource(CThread& thread, GLenum error, GLuint shader, GLsizei count,
                            const GLchar* const* strings, const GLint* lengths) {
     const auto parts = error == GL_NO_ERROR && strings != nullptr && count > 0
@@ -190,7 +198,7 @@ void Record_glShaderSource(CThread& thread, GLenum error, GLuint shader, GLsizei
                            : 0;
     CCallWriter w(thread, es2_id::glShaderSource);
     w.Put<TGLError>(error);
-    w.Put<TGLuint>(shader);
+    w.Put<TGLuint>(Raised(shader, thread.Context()->objects->raised));
     w.Put<TGLsizei>(count);
     w.Put<TPointer>(strings);
     w.PutNumber<4>(parts);

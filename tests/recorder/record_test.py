@@ -23,6 +23,25 @@ sys.path.insert(0, str(Path(__file__).parents[1] / "support"))
 import trace_file
 from trace_file import SWAP, records
 
+USE_PROGRAM = 2131
+MAKE_CURRENT = 1018
+UNIFORM = 2112
+# Two threads take turns, each in a context that shares nothing with the other's.
+TURNS = """
+from concurrent.futures import ThreadPoolExecutor
+from ctypes import CDLL, c_float, c_void_p
+egl, gl = CDLL("libEGL.so"), CDLL("libGLESv2.so")
+use, uniform = gl.glUseProgram, gl.glUniform1f
+egl.eglGetDisplay.restype = egl.eglCreateContext.restype = c_void_p
+display = c_void_p(egl.eglGetDisplay(None))
+threads = [ThreadPoolExecutor(1), ThreadPoolExecutor(1)]
+for thread in threads:
+    context = c_void_p(egl.eglCreateContext(display, c_void_p(1), None, None))
+    thread.submit(egl.eglMakeCurrent, display, None, None, context).result()
+for call, *arguments in (use, 3), *2 * [(uniform, 0, c_float(1))]:
+    for thread in threads:
+        thread.submit(call, *arguments).result()
+"""
 # What the player asks or sets of itself around the calls that it plays, what is recorded in other words, and
 # arrays that it has no bytes for: zeros at an address of the recording.
 OF_ITSELF = re.compile(r"live |(es1\.)?(egl|gl)(Get|Is|Query|Check|ChooseConfig|Initialize|BindBuffer\(|ClientActive"
@@ -90,6 +109,19 @@ def check_manners(command, player, trace, host, interposer):
         # Children have files of their own; the first that draws has the plain name.
         record("-o", out, "--force", "--", "sh", "-c", f"'{player}' '{trace}'; '{player}' '{trace}'")
         assert len(list(folder.glob("out*.kstl"))) == 2
+
+        # A player has one thread and one table of names.
+        (folder / "two").write_text("eglQueryContext:EGL_CONTEXT_CLIENT_VERSION * 2\n"
+                                    "glGetIntegerv:0x8B8D * 3\n")
+        turns = run(command, "record", "-o", out, "--force", "--", sys.executable, "-c", TURNS,
+                    cwd=folder, env=environment | {"KESTRAIL_HOST_SCRIPT": "two"})
+        assert turns.returncode == 0, turns.stderr
+        taken = [(identifier, int.from_bytes(payload[4:8], "little") if identifier == USE_PROGRAM else None)
+                 for identifier, payload in records(out)
+                 if identifier in (MAKE_CURRENT, USE_PROGRAM, UNIFORM)]
+        current, uniform = (MAKE_CURRENT, None), (UNIFORM, None)
+        uses = [[current, (USE_PROGRAM, name)] for name in (3, 3 + (1 << 20))]
+        assert taken == sum([[current], [current], *uses, *[[*use, uniform] for use in uses * 2]], []), taken
 
         # A program that is killed leaves what it had done.
         script = f"while :; do '{player}' '{trace}' >/dev/null 2>&1; done"

@@ -39,6 +39,9 @@ def newest(rows):
     return {row.entry: row for row in rows if not row.last}
 
 
+# Entries that the player has act on the program that it takes for the current one.
+UNIFORMS = re.compile(r"glUniform\d|glUniformMatrix")
+
 # How much an enumerant stands for, by the parameter's name.
 ENUMERANTS = {"buffer": "ClearValueCount", "pname": "ParameterCount", "target": "ParameterCount",
               "type": "ComponentBytes"}
@@ -83,9 +86,21 @@ def found_before(row, names):
     return lines
 
 
+def raised(name):
+    """By what names of objects are raised that the player translates, by the parameter's name."""
+    if re.fullmatch("(program|shader|texture|buffer|renderbuffer|sampler)s?", name):
+        return "thread->Context()->objects->raised"
+    return "thread->Context()->raised" if re.fullmatch("(framebuffer|array)s?", name) else None
+
+
 def put(parameter, name, row, names):
     """The C++ statement that writes one parameter."""
     cls = parameter.cls
+    if by := raised(parameter.name):
+        if cls == "TGLuint":
+            return f"record.Put<{cls}>(Raised({name}, {by}));"
+        if cls == "SArrayPtr<TGLuint, 1, 1>":
+            return f"record.PutNames({name}, {reach(parameter, row, names)}, {by});"
     if parameter.image:
         return f"record.PutBlock({name}, captured);" if parameter.out else "captured.Put(record);"
     if parameter.unpack:
@@ -120,8 +135,9 @@ def record(row, prototype, indent):
     if row.family == "ext":
         lines.append("record.Put<TGLubyte>(thread->Context()->IsEs1() ? 1 : 2);")
     if row.returns:
+        made = f"Raised(result, {raised('program')})" if row.entry.startswith("glCreate") else "result"
         lines.append("record.PutString(result);" if row.returns == "SString"
-                     else f"record.Put<{row.returns}>(result);")
+                     else f"record.Put<{row.returns}>({made});")
     for p in row.parameters:
         if not p.notread and not p.joins and not p.copies and not p.arrays:
             lines.append(put(p, names[p.name], row, names))
@@ -175,6 +191,9 @@ def entry(name, prototype, rows, by_hand):
         out.append("    CThread* const thread = CThread::Recording();")
         out.append(f"    if (thread == nullptr) {done}")
         out.append("    const std::uint32_t error = thread->KeepGlError();")
+        if UNIFORMS.match(name):
+            out.append("    if (CRecorder::Instance().TakesProgramOfOther(thread->Context())) [[unlikely]]")
+            out.append("        TellProgram(*thread);")
     result = ", result" if returns else ""
     if f"Record_{name}" in by_hand:
         out.append(f"    Record_{name}(*thread, error{result}{and_words});")
