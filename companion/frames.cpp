@@ -1,9 +1,17 @@
+#include <unistd.h>
+
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
+#include <filesystem>
 #include <string>
 
 #include "companion/exit_status.h"
+#include "companion/frame_list.h"
+#include "companion/frame_report.h"
+#include "companion/jobs.h"
 #include "companion/verbs.h"
 #include "host/host_lib.h"
 #include "playback/frame_renderer.h"
@@ -12,72 +20,112 @@
 namespace kestrail {
 namespace {
 
+namespace fs = std::filesystem;
+
 class CQuiet : public Diagnostics {
     void OnTold(EDiagnostic, const char*, std::va_list) override {}
 };
 
-struct SDifference {
-    std::size_t pixels = 0;
-    int largest = 0;
+struct SFramesOptions {
+    std::string trace;
+    std::string list = "all";
+    SFrameOutputs outputs;
+    bool inOrder = false;
+    std::size_t jobs = 1;
+    std::size_t shard = 1;
+    std::size_t shards = 1;
 };
 
-/// Alpha doesn't count: windows without have whatever the driver makes of it.
-SDifference Compare(const SPicture& left, const SPicture& right) {
-    SDifference found;
-    for (std::size_t pixel = 0; pixel < left.pixels.size(); pixel += 4) {
-        int largest = 0;
-        for (std::size_t i = pixel; i < pixel + 3; ++i) {
-            largest = std::max(largest, std::abs(left.pixels[i] - right.pixels[i]));
-        }
-        if (largest != 0) ++found.pixels;
-        found.largest = std::max(found.largest, largest);
+/// Standard output for data alone: what libraries print there goes to standard error.
+class CDataStream {
+public:
+    CDataStream() : m_file(fdopen(dup(STDOUT_FILENO), "w")) {
+        if (m_file == nullptr) throw std::runtime_error("there is no standard output");
+        std::fflush(stdout);
+        dup2(STDERR_FILENO, STDOUT_FILENO);
     }
-    return found;
+    ~CDataStream() {
+        if (m_file != nullptr) std::fclose(m_file);
+    }
+    CDataStream(const CDataStream&) = delete;
+    CDataStream& operator=(const CDataStream&) = delete;
+
+    std::FILE* File() { return m_file; }
+    /// Whether all has been written.
+    bool Close() {
+        const bool failed = std::ferror(m_file) != 0;
+        return std::fclose(std::exchange(m_file, nullptr)) == 0 && !failed;
+    }
+
+private:
+    std::FILE* m_file;
+};
+
+void AddOptions(CLI::App& app, SFramesOptions& options, std::string& size, std::string& shard,
+                std::string& compareWith) {
+    SFrameOutputs& outputs = options.outputs;
+    app.add_option("TRACE", options.trace, "the trace")->required();
+    app.add_option("--frames", options.list,
+                   "which: 1,8,100-120,every:50 as an example, or all (default)")
+        ->type_name("LIST");
+    app.add_option("-o,--output", outputs.folder,
+                   "write pictures into this folder, frame-00000008.png for frame 8")
+        ->type_name("DIR");
+    app.add_option("--size", size, "scale written pictures to fit into W by H")->type_name("WxH");
+    auto* const compare =
+        app.add_flag("--compare{}", compareWith,
+                     "compare with the pictures in the trace, or with those in a folder with "
+                     "--compare=DIR; what is done without -o and --checksums");
+    app.add_option("--threshold", outputs.threshold,
+                   "let pass what is off by no more than this, of 255")
+        ->type_name("N")
+        ->check(CLI::Range(0, 255));
+    app.add_flag("--checksums", outputs.checksums, "print a line with each frame's checksum")
+        ->excludes(compare);
+    app.add_flag("--json", outputs.json, "print a JSON object a line for each frame");
+    app.add_flag("--sequential", options.inOrder,
+                 "play all that is in front of the frames, instead of what they stand on");
+    app.add_option("--jobs", options.jobs, "share the work among N processes")
+        ->type_name("N")
+        ->check(CLI::Range(1, 1024));
+    app.add_option("--shard", shard, "take part I of N of the frames alone")->type_name("I/N");
 }
 
-/// "1,8,100-120", of so many frames; empty for what is no list of them.
-std::vector<std::uint32_t> FramesOf(const std::string& text, std::uint32_t count) {
-    std::vector<std::uint32_t> frames;
-    if (text == "all") {
-        for (std::uint32_t frame = 1; frame <= count; ++frame) frames.push_back(frame);
-        return frames;
-    }
-    const char* at = text.c_str();
-    while (*at != '\0') {
-        unsigned first = 0;
-        unsigned last = 0;
-        int used = 0;
-        if (std::sscanf(at, "%u-%u%n", &first, &last, &used) != 2 || used == 0) {
-            if (std::sscanf(at, "%u%n", &first, &used) != 1) return {};
-            last = first;
-        }
-        if (first == 0 || last < first || last > count) return {};
-        for (unsigned frame = first; frame <= last; ++frame) frames.push_back(frame);
-        at += used;
-        if (*at == ',') {
-            ++at;
-        } else if (*at != '\0') {
-            return {};
-        }
-    }
-    std::sort(frames.begin(), frames.end());
-    frames.erase(std::unique(frames.begin(), frames.end()), frames.end());
-    return frames;
+bool ParseSize(const std::string& text, SFrameOutputs& outputs) {
+    constexpr unsigned kMost = 1 << 15;
+    int used = 0;
+    return std::sscanf(text.c_str(), "%5ux%5u%n", &outputs.width, &outputs.height, &used) == 2 &&
+           static_cast<std::size_t>(used) == text.size() && outputs.width >= 1 &&
+           outputs.width <= kMost && outputs.height >= 1 && outputs.height <= kMost;
 }
 
-}  // namespace
-
-int RunFrames(Arguments arguments) {
+/// The status to exit with when there is nothing to do.
+std::optional<int> Parse(Arguments arguments, SFramesOptions& options) {
     CLI::App app("Renders frames of a trace, each alone, as they were when they were recorded.",
                  "kestrail frames");
-    std::string file;
-    std::string list = "all";
-    app.add_option("TRACE", file, "the trace")->required();
-    app.add_option("--frames", list, "which frames: numbers and ranges, or all (default)")
-        ->type_name("LIST");
+    std::string size;
+    std::string shard;
+    std::string compareWith;
+    AddOptions(app, options, size, shard, compareWith);
+    SFrameOutputs& outputs = options.outputs;
     std::reverse(arguments.begin(), arguments.end());
     try {
         app.parse(arguments);
+        if (!size.empty() && !ParseSize(size, outputs)) {
+            throw CLI::ValidationError("--size", "is WxH, such as 320x240");
+        }
+        if (!shard.empty() && !ParseShard(shard, options.shard, options.shards)) {
+            throw CLI::ValidationError("--shard", "is I/N, I from 1 to N");
+        }
+        const bool compares = app.count("--compare") != 0;
+        if (compares || (outputs.folder.empty() && !outputs.checksums)) {
+            outputs.compareWith = compareWith;
+        }
+        std::error_code none;
+        if (!compareWith.empty() && !outputs.folder.empty() &&
+            fs::equivalent(compareWith, outputs.folder, none)) {
+            throw CLI::ValidationError("-o", "is the folder to compare with");
+        }
     } catch (const CLI::CallForHelp&) {
         std::fputs(app.help().c_str(), stdout);
         return kExitDone;
@@ -85,50 +133,105 @@ int RunFrames(Arguments arguments) {
         std::fprintf(stderr, "kestrail frames: %s\nSee kestrail frames --help\n", wrong.what());
         return kExitUsage;
     }
+    return {};
+}
+
+/// Null without any call; says what is wrong.
+CFrameStore* Open(CTraceDocument& document, const std::string& path, int& status) {
+    document.SetTrackState(false);
+    const EOpenResult opened = document.OpenTrace(CKSTLString(path.c_str()), true);
+    CFrameStore* const trace = document.GetFrameStore();
+    const bool any = trace != nullptr && trace->CallCount() != 0;
+    if (any && opened == kOpened) return trace;
+    status = kExitTrace;
+    if (any) {
+        std::fprintf(stderr, "kestrail frames: %s is damaged; it ends behind %u calls\n",
+                     path.c_str(), trace->CallCount());
+        return trace;
+    }
+    const char* reason = "it is no trace";
+    if (access(path.c_str(), R_OK) != 0) {
+        reason = std::strerror(errno);
+    } else if (opened == kOpenEmpty) {
+        reason = "there are no calls in it";
+    }
+    std::fprintf(stderr, "kestrail frames: %s can't be read: %s\n", path.c_str(), reason);
+    return nullptr;
+}
+
+int Render(CFrameStore& trace, const Frames& frames, const SFramesOptions& options,
+           std::FILE* lines) {
+    CQuiet quiet;
+    std::optional<CSlicer> slicer;
+    if (!options.inOrder) slicer.emplace(trace);
+    const CSharedCounts counts;
+    const std::size_t jobs = std::min(options.jobs, frames.size());
+    const Job job = [&](std::size_t number, std::FILE* out) {
+        CFrameReport report(trace, options.outputs, out);
+        const auto take = [&](const SRenderedFrame& rendered) {
+            report.Take(rendered);
+            ++counts->done;
+        };
+        const Frames part = PartOf(frames, number + 1, jobs);
+        CFrameRenderer renderer(trace, quiet);
+        try {
+            if (slicer) {
+                renderer.Render(*slicer, part, take);
+            } else {
+                renderer.RenderInOrder(part, take);
+            }
+        } catch (const CHostLibException&) {
+            std::fprintf(stderr, "kestrail frames: there is no driver to render with\n");
+            return static_cast<int>(kExitDriver);
+        } catch (const char* reason) {
+            std::fprintf(stderr, "kestrail frames: there is nothing to render on: %s\n", reason);
+            return static_cast<int>(kExitDriver);
+        }
+        counts->compared += report.Compared();
+        return report.Status();
+    };
+    const auto total = static_cast<std::uint32_t>(frames.size());
+    const int status = RunJobs(jobs, job, lines, counts, total, kExitDriver);
+    if (!options.outputs.compareWith || counts->compared != 0 || status > kExitFound) return status;
+    std::fprintf(stderr, "kestrail frames: no frame had a picture to compare with\n");
+    return kExitFound;
+}
+
+}  // namespace
+
+int RunFrames(Arguments arguments) {
+    SFramesOptions options;
+    if (const std::optional<int> status = Parse(std::move(arguments), options)) return *status;
+    int status = kExitDone;
     CQuiet quiet;
     CTraceDocument document(quiet);
-    document.SetTrackState(false);
-    const EOpenResult opened = document.OpenTrace(CKSTLString(file.c_str()), true);
-    CFrameStore* const trace = document.GetFrameStore();
-    if (trace == nullptr || trace->CallCount() == 0) {
-        std::fprintf(stderr, "kestrail frames: %s can't be read (%d)\n", file.c_str(), opened);
-        return kExitTrace;
-    }
-    const std::vector<std::uint32_t> frames = FramesOf(list, trace->FrameCount());
+    CFrameStore* const trace = Open(document, options.trace, status);
+    if (trace == nullptr) return status;
+    const std::uint32_t count = ShownFrames(*trace);
+    Frames frames = ParseFrames(options.list, count);
     if (frames.empty()) {
         std::fprintf(stderr, "kestrail frames: --frames: '%s' is no list of frames from 1 to %u\n",
-                     list.c_str(), trace->FrameCount());
+                     options.list.c_str(), count);
         return kExitUsage;
     }
-    CSlicer slicer(*trace);
-    bool different = false;
-    const auto compare = [&](const SRenderedFrame& rendered) {
-        const SPicture kept = PictureInTrace(*trace, rendered.frame);
-        if (kept.pixels.empty()) return;
-        const bool sized =
-            kept.width == rendered.picture.width && kept.height == rendered.picture.height;
-        const SDifference found = sized ? Compare(kept, rendered.picture) : SDifference{};
-        different = different || !sized || found.pixels != 0;
-        if (!sized) {
-            std::printf("frame %u: %ux%u instead of %ux%u\n", rendered.frame,
-                        rendered.picture.width, rendered.picture.height, kept.width, kept.height);
-        } else if (found.pixels != 0) {
-            std::printf("frame %u: %zu pixels differ, by up to %d\n", rendered.frame, found.pixels,
-                        found.largest);
-        } else {
-            std::printf("frame %u: equal\n", rendered.frame);
+    frames = PartOf(frames, options.shard, options.shards);
+    if (frames.empty()) return status;
+    if (!options.outputs.folder.empty()) {
+        std::error_code problem;
+        fs::create_directories(options.outputs.folder, problem);
+        if (problem) {
+            std::fprintf(stderr, "kestrail frames: %s can't be made: %s\n",
+                         options.outputs.folder.c_str(), problem.message().c_str());
+            return kExitOutput;
         }
-    };
-    try {
-        CFrameRenderer(*trace, slicer, quiet).Render(frames, compare);
-    } catch (const CHostLibException&) {
-        std::fprintf(stderr, "kestrail frames: there is no driver to render with\n");
-        return kExitDriver;
-    } catch (const char* reason) {
-        std::fprintf(stderr, "kestrail frames: %s\n", reason);
-        return kExitDriver;
     }
-    return different ? kExitFound : kExitDone;
+    CDataStream data;
+    status = std::max(status, Render(*trace, frames, options, data.File()));
+    if (!data.Close()) {
+        std::fprintf(stderr, "kestrail frames: standard output can't be written\n");
+        status = kExitOutput;
+    }
+    return status;
 }
 
 }  // namespace kestrail

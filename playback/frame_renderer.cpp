@@ -1,7 +1,5 @@
 #include "playback/frame_renderer.h"
 
-#include <algorithm>
-
 #include "exec/play_call.h"
 #include "generated/calls/egl_calls.h"
 #include "generated/calls/identifiers.h"
@@ -9,12 +7,31 @@
 namespace kestrail {
 namespace {
 
+bool IsSwap(CFrameStore& trace, std::uint32_t call) {
+    return trace.CallAt(call)->call->m_id == egl_id::eglSwapBuffers;
+}
+
+std::vector<SStretch> StretchesOf(CFrameStore& trace, const std::vector<std::uint32_t>& frames) {
+    std::vector<SStretch> stretches;
+    for (const std::uint32_t frame : frames) {
+        const CFrameRecord* const record = trace.GetFrameRecord(frame);
+        if (record == nullptr || record->lastCall == CFrameRecord::kNoCall) continue;
+        stretches.push_back({record->firstCall + 1, record->lastCall + 1});
+    }
+    return stretches;
+}
+
+SPicture ReadWindow(SPlayerState& session);
+
 /// A session that begins with nothing and leaves nothing to the driver.
 struct SRenderSession : SPlayerState {
-    explicit SRenderSession(Diagnostics& told) : SPlayerState{{CHosts(), told, {}, {}, {}, {}}} {
+    SRenderSession(CFrameStore& trace, Diagnostics& told)
+        : SPlayerState{{CHosts(), told, {}, {}, {}, {}}} {
         es1Names.ResetNames();
         es2Names.ResetNames();
+        store = &trace;
         sync = true;
+        checkErrors = true;
     }
     ~SRenderSession() {
         SEglHost& egl = hosts.Egl();
@@ -26,6 +43,24 @@ struct SRenderSession : SPlayerState {
     }
     SRenderSession(const SRenderSession&) = delete;
     SRenderSession& operator=(const SRenderSession&) = delete;
+
+    void Play(std::uint32_t number) {
+        CCallEntry& entry = *store->CallAt(number);
+        const std::uint16_t id = entry.call->m_id;
+        // The loader's own records are no calls.
+        if ((id >= 2 && id <= 4) || IsLeftOut(*store, number)) return;
+        currentCallNumber = number;
+        if (!PlayCallOfFamily(*this, entry)) rendered.failed.push_back(number);
+    }
+
+    void Take(std::uint32_t frame, const CFrameRenderer::Take& take) {
+        rendered.frame = frame;
+        rendered.picture = ReadWindow(*this);
+        take(rendered);
+        rendered.failed.clear();
+    }
+
+    SRenderedFrame rendered;
 };
 
 /// Sets a value of the host, and what it was at the end.
@@ -66,7 +101,8 @@ SPicture ReadWindow(SPlayerState& session) {
                           static_cast<std::size_t>(height));
     const auto read = [&](auto& host) {
         host.glPixelStorei(GL_PACK_ALIGNMENT, 1);
-        while (host.glGetError() != GL_NO_ERROR) continue;
+        // There are less kinds of errors than that; some drivers repeat one for ever.
+        for (int errors = 0; errors < 16 && host.glGetError() != GL_NO_ERROR; ++errors) continue;
         host.glReadPixels(0, 0, width, height, GL_RGBA, GL_UNSIGNED_BYTE, picture.pixels.data());
         if (host.glGetError() != GL_NO_ERROR) picture.pixels.clear();
     };
@@ -123,35 +159,38 @@ SPicture ReadWindow(SPlayerState& session) {
 
 }  // namespace
 
-void CFrameRenderer::Render(const std::vector<std::uint32_t>& frames, const Take& take) {
-    std::vector<SStretch> stretches;
-    for (const std::uint32_t frame : frames) {
-        const CFrameRecord* const record = m_trace.GetFrameRecord(frame);
-        if (record == nullptr || record->lastCall == CFrameRecord::kNoCall) continue;
-        stretches.push_back({record->firstCall + 1, record->lastCall + 1});
-    }
-    const SSlice slice = m_slicer.Slice(stretches);
-    SRenderSession session(m_diagnostics);
-    session.SPlayerState::store = &m_trace;
-    SRenderedFrame rendered;
-    const auto play = [&](std::uint32_t number) {
-        if (m_slicer.IsLeftOut(number)) return;
-        session.checkErrors = true;
-        session.currentCallNumber = number;
-        CCallEntry& call = *m_trace.CallAt(number);
-        if (!PlayCallOfFamily(session, call)) rendered.failed.push_back(number);
-    };
+void CFrameRenderer::Render(CSlicer& slicer, const std::vector<std::uint32_t>& frames,
+                            const Take& take) {
+    const std::vector<SStretch> stretches = StretchesOf(m_trace, frames);
+    const SSlice slice = slicer.Slice(stretches);
+    SRenderSession session(m_trace, m_diagnostics);
     auto next = slice.calls.begin();
     for (const SStretch& stretch : stretches) {
-        for (; next != slice.calls.end() && *next < stretch.first; ++next) play(*next);
-        rendered.frame = m_trace.FrameOfCall(stretch.first - 1);
-        rendered.failed.clear();
+        for (; next != slice.calls.end() && *next < stretch.first; ++next) session.Play(*next);
         for (std::uint32_t call = stretch.first; call <= stretch.last; ++call) {
-            if (m_trace.CallAt(call)->call->m_id != egl_id::eglSwapBuffers) play(call);
+            if (!IsSwap(m_trace, call)) session.Play(call);
         }
-        rendered.picture = ReadWindow(session);
-        take(rendered);
+        session.Take(m_trace.FrameOfCall(stretch.first - 1), take);
     }
+}
+
+void CFrameRenderer::RenderInOrder(const std::vector<std::uint32_t>& frames, const Take& take) {
+    SRenderSession session(m_trace, m_diagnostics);
+    std::uint32_t next = 1;
+    for (const SStretch& stretch : StretchesOf(m_trace, frames)) {
+        const bool swaps = IsSwap(m_trace, stretch.last);
+        const std::uint32_t end = swaps ? stretch.last : stretch.last + 1;
+        while (next < end) session.Play(next++);
+        session.Take(m_trace.FrameOfCall(stretch.first - 1), take);
+    }
+}
+
+std::uint32_t ShownFrames(CFrameStore& trace) {
+    const std::uint32_t count = trace.FrameCount();
+    const CFrameRecord* const last = trace.GetFrameRecord(count);
+    const bool shown = last != nullptr && last->lastCall != CFrameRecord::kNoCall &&
+                       IsSwap(trace, last->lastCall + 1);
+    return shown || count <= 1 ? count : count - 1;
 }
 
 SPicture PictureInTrace(CFrameStore& trace, std::uint32_t frame) {

@@ -6,23 +6,17 @@
 #include <functional>
 #include <vector>
 
+#include "pictures/picture.h"
 #include "slicing/slicer.h"
 #include "tracefile/document/frame_store.h"
 
 namespace kestrail {
 
-/// What a window holds: rows of R, G, B, A bytes from the bottom on, tightly packed.
-struct SPicture {
-    std::uint32_t width = 0;
-    std::uint32_t height = 0;
-    std::vector<std::uint8_t> pixels;
-};
-
 /// A frame without its picture has no pixels: it ends in no swap, or its window can't be read.
 struct SRenderedFrame {
     std::uint32_t frame = 0;
     SPicture picture;
-    /// Calls that failed here, by number.
+    /// Calls that failed since the frame before, by number.
     std::vector<std::uint32_t> failed;
 };
 
@@ -31,19 +25,25 @@ public:
     using Take = std::function<void(const SRenderedFrame&)>;
 
     /// `diagnostics` is told what playing calls tells. The trace stays as it is.
-    CFrameRenderer(CFrameStore& trace, CSlicer& slicer, Diagnostics& diagnostics)
-        : m_trace(trace), m_slicer(slicer), m_diagnostics(diagnostics) {}
+    CFrameRenderer(CFrameStore& trace, Diagnostics& diagnostics)
+        : m_trace(trace), m_diagnostics(diagnostics) {}
 
-    /// Renders frames, 1-based and ascending, on a driver that begins with nothing, and hands them
-    /// to `take` one after the other. Frames that there aren't are left out. Throws
-    /// CHostLibException without a driver.
-    void Render(const std::vector<std::uint32_t>& frames, const Take& take);
+    // Both render frames, 1-based and ascending, on a driver that begins with nothing, and hand
+    // them to `take` one after the other. Frames that there aren't are left out. Both throw
+    // CHostLibException without a driver, and a text where it can't render.
+
+    /// With what the frames stand on, and nothing else.
+    void Render(CSlicer& slicer, const std::vector<std::uint32_t>& frames, const Take& take);
+    /// With all that is in front of them, as it was recorded.
+    void RenderInOrder(const std::vector<std::uint32_t>& frames, const Take& take);
 
 private:
     CFrameStore& m_trace;
-    CSlicer& m_slicer;
     Diagnostics& m_diagnostics;
 };
+
+/// How many frames were shown: those that end in a swap, all but what may follow the last one.
+std::uint32_t ShownFrames(CFrameStore& trace);
 
 /// The picture that a frame has in the trace; without pixels if it has none.
 SPicture PictureInTrace(CFrameStore& trace, std::uint32_t frame);

@@ -6,7 +6,7 @@
 build=build/release
 
 build_packages=(g++ cmake ninja-build pkg-config python3 libxcb1-dev libegl-dev libgles-dev
-                libcli11-dev nlohmann-json3-dev)
+                libcli11-dev nlohmann-json3-dev libpng-dev)
 run_packages=(libegl1 libgles1 libgles2 libegl-mesa0 libgl1-mesa-dri)
 display_packages=(xvfb)
 test_packages=(libgtest-dev libgmock-dev libbenchmark-dev scdoc)

@@ -4,6 +4,11 @@
 
 namespace kestrail {
 
+bool IsLeftOut(CFrameStore& trace, std::uint32_t call) {
+    const CApiCall& known = *trace.CallAt(call)->call;
+    return known.HadFailed() || (known.m_edited && trace.Edits().IsCallDisabled(call));
+}
+
 /// The way from stretches back to what they stand on.
 struct CSlicer::SWalk {
     std::vector<std::uint32_t> waiting;
@@ -25,13 +30,8 @@ CSlicer::CSlicer(CFrameStore& trace)
           return *trace.CallAt(number)->call;
       }) {
     for (std::uint32_t number = 1; number <= trace.CallCount(); ++number) {
-        if (!IsLeftOut(number)) m_effects.Note(*trace.CallAt(number)->call, number);
+        if (!IsLeftOut(trace, number)) m_effects.Note(*trace.CallAt(number)->call, number);
     }
-}
-
-bool CSlicer::IsLeftOut(std::uint32_t call) const {
-    const CApiCall& known = *m_trace.CallAt(call)->call;
-    return known.HadFailed() || (known.m_edited && m_trace.Edits().IsCallDisabled(call));
 }
 
 SSlice CSlicer::Slice(const std::vector<SStretch>& stretches, EUnused unused) {
@@ -48,7 +48,7 @@ SSlice CSlicer::Slice(const std::vector<SStretch>& stretches, EUnused unused) {
     }
     for (std::uint32_t i = 0; i < stretches.size(); ++i) {
         for (std::uint32_t call = stretches[i].first; call <= stretches[i].last; ++call) {
-            if (!IsLeftOut(call)) Follow(walk, call, i + 1);
+            if (!IsLeftOut(m_trace, call)) Follow(walk, call, i + 1);
         }
     }
     const std::uint32_t first = stretches.front().first;

@@ -30,6 +30,9 @@ struct SSlice {
     std::uint32_t unused = 0;
 };
 
+/// Whether the call is left out when its frame is played: it had failed, or it is disabled.
+bool IsLeftOut(CFrameStore& trace, std::uint32_t call);
+
 class CSlicer {
 public:
     /// Goes through all calls of a trace, which has to be read whole and stays as it is.
@@ -37,9 +40,6 @@ public:
 
     /// What stretches stand on, which have to be ascending and in the trace.
     SSlice Slice(const std::vector<SStretch>& stretches, EUnused unused = EUnused::kLeftOut);
-
-    /// Whether the call is left out when its frame is played: it had failed, or it is disabled.
-    bool IsLeftOut(std::uint32_t call) const;
 
 private:
     struct SWalk;

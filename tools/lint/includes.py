@@ -22,10 +22,11 @@ ROOMS = {
     "rewrite": ["slicing"],
     "exec": ["tracefile/document", "host"],
     "transitions": ["exec"],
-    "playback": ["transitions", "slicing"],
+    "pictures": [],
+    "playback": ["transitions", "slicing", "pictures"],
     "recorder/channel": ["tracefile/bytes"],
     "recorder/library": ["recorder/channel", "calls"],
-    "companion": ["playback", "rewrite", "recorder/channel"],
+    "companion": ["playback", "rewrite", "pictures", "recorder/channel"],
     "samples": ["tests/support"],
     "bench": ["playback", "tests/support"],
     "fuzz": ["playback", "tests/program"],
@@ -36,7 +37,7 @@ ROOMS = {
     "tests/program": ["tests/support", "tracefile/document"],
     "tests/recorder": [],
     "tests/render": ["samples"],
-    "tests/unit": ["playback", "tests/support"],
+    "tests/unit": ["playback", "pictures", "tests/support"],
 }
 SOURCES = ["*.h", "*.cpp"]
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.MULTILINE)
