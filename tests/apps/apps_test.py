@@ -8,6 +8,7 @@ packages of all that were asked for are missing.
 """
 
 import argparse
+import ctypes
 import json
 import os
 import re
@@ -25,6 +26,7 @@ HERE = Path(__file__).resolve().parent
 sys.path.insert(0, str(HERE.parent / "support"))
 import trace_file
 
+LIBC = ctypes.CDLL(None)
 SKIPPED = 77
 MODES = {"whole": [], "streamed": ["--noMemory"]}
 COMPLAINT = re.compile("Error call:|Error Code|Error loading|Exception|No enought Data|dlopen failed|"
@@ -52,11 +54,18 @@ def filled(text):
     return text.replace("{here}", str(HERE))
 
 
+def end_with_us():
+    """In the child that ends all others: it is asked to if this program is killed itself."""
+    set_death_signal = 1
+    LIBC.prctl(set_death_signal, signal.SIGTERM)
+
+
 def run_whole(words, seconds, log, **settings):
     """The status of a program that is asked to end after so many seconds, if it hasn't by itself."""
+    limited = ["timeout", "--kill-after=5", str(seconds + 30), *words]
     with open(log, "wb") as output, subprocess.Popen(
-            words, stdin=subprocess.DEVNULL, stdout=output, stderr=subprocess.STDOUT,
-            start_new_session=True, **settings) as running:
+            limited, stdin=subprocess.DEVNULL, stdout=output, stderr=subprocess.STDOUT, start_new_session=True,
+            preexec_fn=end_with_us, **settings) as running:
         try:
             for patience in (seconds, 10):
                 with suppress(subprocess.TimeoutExpired):
@@ -158,6 +167,8 @@ def main():
     parser.add_argument("build", nargs="?", type=Path)
     parser.add_argument("names", nargs="*", help="programs; all without any")
     asked = parser.parse_args()
+    for ending in (signal.SIGTERM, signal.SIGHUP):
+        signal.signal(ending, lambda number, _: sys.exit(128 + number))
     rows = [row for row in programs() if not asked.names or row["name"] in asked.names]
     if asked.packages:
         print(*sorted({package for row in rows for package in row["packages"]}), sep="\n")

@@ -1,7 +1,7 @@
 -- What a 2D game draws with: sprite batches, canvases, shaders, meshes, particles, stencils, text.
 local g = love.graphics
 local frame = 0
-local image, batch, canvas, shader, mesh, particles, text, places, many
+local image, batch, canvas, shader, mesh, particles, text, places, many, layers
 
 function love.load()
     local pixels = love.image.newImageData(16, 16)
@@ -10,6 +10,7 @@ function love.load()
     image:setWrap("repeat", "mirroredrepeat")
     batch = g.newSpriteBatch(image, 32, "stream")
     canvas = g.newCanvas(64, 64, {msaa = 4})
+    layers = g.newArrayImage({pixels, pixels})
     shader = g.newShader([[
         uniform float time;
         uniform vec2 points[3];
@@ -67,6 +68,7 @@ function love.draw()
     g.setShader(many)
     g.drawInstanced(mesh, 3, 150, 10, 0, 0.4)
     g.setShader()
+    g.drawLayer(layers, 2, 10, 40)
     g.setLineWidth(3)
     g.line(5, 140, 60, 120, 120 + frame, 145)
     text:set("frame " .. frame)
