@@ -1,6 +1,7 @@
 // What buffers hold, and those that are written otherwise than by calls that are played: through a
 // pointer, by transform feedback, by pixels that are read back. What was written there is recorded
 // as glBufferSubData.
+#include <algorithm>
 #include <cstring>
 #include <string_view>
 
@@ -62,10 +63,27 @@ bool RecordContents(CThread& thread, GLuint buffer, GLintptr start, GLsizeiptr s
     return data != nullptr;
 }
 
+GLenum Binding(GLenum target) {
+    switch (target) {
+        case GL_ELEMENT_ARRAY_BUFFER:
+            return GL_ELEMENT_ARRAY_BUFFER_BINDING;
+        case GL_PIXEL_PACK_BUFFER:
+            return GL_PIXEL_PACK_BUFFER_BINDING;
+        case GL_PIXEL_UNPACK_BUFFER:
+            return GL_PIXEL_UNPACK_BUFFER_BINDING;
+        case GL_UNIFORM_BUFFER:
+            return GL_UNIFORM_BUFFER_BINDING;
+        case GL_TRANSFORM_FEEDBACK_BUFFER:
+            return GL_TRANSFORM_FEEDBACK_BUFFER_BINDING;
+        case GL_COPY_READ_BUFFER:
+        case GL_COPY_WRITE_BUFFER:
+            return target;
+        default:
+            return GL_ARRAY_BUFFER_BINDING;
+    }
+}
 GLuint BoundBuffer(CThread& thread, GLenum target) {
-    const GLenum binding = target == GL_ELEMENT_ARRAY_BUFFER ? GL_ELEMENT_ARRAY_BUFFER_BINDING
-                                                             : GL_ARRAY_BUFFER_BINDING;
-    return static_cast<GLuint>(Integer(thread, binding));
+    return static_cast<GLuint>(Integer(thread, Binding(target)));
 }
 
 std::vector<std::uint8_t> Bytes(const void* data, std::size_t size) {
@@ -73,7 +91,53 @@ std::vector<std::uint8_t> Bytes(const void* data, std::size_t size) {
     return {bytes, bytes + size};
 }
 
+/// The lock of the objects must be held.
+void RecordWritten(CThread& thread, GLuint buffer, SStaysMapped& piece) {
+    const auto changed = std::mismatch(piece.recorded.begin(), piece.recorded.end(), piece.data);
+    const auto start = static_cast<std::size_t>(changed.first - piece.recorded.begin());
+    std::size_t end = piece.recorded.size();
+    if (start == end) return;
+    while (piece.recorded[end - 1] == piece.data[end - 1]) --end;
+    std::copy(piece.data + start, piece.data + end, changed.first);
+    const auto before = static_cast<GLuint>(Integer(thread, GL_COPY_READ_BUFFER_BINDING));
+    Write_glBindBuffer(&thread, GL_NO_ERROR, GL_COPY_READ_BUFFER, buffer);
+    RecordSubData(thread, GL_COPY_READ_BUFFER, static_cast<GLintptr>(piece.offset + start),
+                  static_cast<GLsizeiptr>(end - start), piece.recorded.data() + start);
+    Write_glBindBuffer(&thread, GL_NO_ERROR, GL_COPY_READ_BUFFER, before);
+}
+
+bool StaysMapped(CThread& thread, GLenum target) {
+    SObjects& objects = *thread.Context()->objects;
+    const std::lock_guard held(objects.lock);
+    return objects.anyStaysMapped && objects.stayMapped.count(BoundBuffer(thread, target)) != 0;
+}
+
+/// Records the rest of a buffer that stayed mapped and will be so no longer. False for another.
+bool EndMapping(CThread& thread, GLuint buffer) {
+    SObjects& objects = *thread.Context()->objects;
+    const std::lock_guard held(objects.lock);
+    const auto found = objects.stayMapped.find(buffer);
+    if (found == objects.stayMapped.end()) return false;
+    RecordWritten(thread, buffer, found->second);
+    objects.stayMapped.erase(found);
+    objects.anyStaysMapped = !objects.stayMapped.empty();
+    return true;
+}
+
 }  // namespace
+
+void RecordStillMapped(CThread& thread) {
+    SObjects& objects = *thread.Context()->objects;
+    const std::lock_guard held(objects.lock);
+    for (auto& [buffer, piece] : objects.stayMapped) RecordWritten(thread, buffer, piece);
+}
+
+void Call_glBufferStorageEXT(GLenum target, GLsizeiptr size, const void* data, GLbitfield flags) {
+    CThread& thread = CThread::Current();
+    HOST(thread, glBufferStorageEXT)(target, size, data, flags);
+    if (CThread::Recording() == nullptr) return;
+    Write_glBufferData(&thread, thread.KeepGlError(), target, size, data, GL_DYNAMIC_DRAW);
+}
 
 bool ReadsBuffers(CThread& thread) {
     SContext& context = *thread.Context();
@@ -137,6 +201,7 @@ void Note_glDeleteBuffers(CThread& thread, GLsizei n, const GLuint* buffers) {
     const std::lock_guard held(objects.lock);
     for (GLsizei i = 0; i < n; ++i) {
         objects.contents.erase(buffers[i]);
+        objects.stayMapped.erase(buffers[i]);
         thread.Context()->readBack.erase(buffers[i]);
     }
 }
@@ -156,7 +221,17 @@ void RecordReadBack(CThread& thread, GLenum target, GLuint buffer) {
 void* Call_glMapBufferRange(GLenum target, GLintptr offset, GLsizeiptr length, GLbitfield access) {
     CThread& thread = CThread::Current();
     void* const result = HOST(thread, glMapBufferRange)(target, offset, length, access);
-    if (CThread::Recording() != nullptr) thread.KeepGlError();
+    if (CThread::Recording() == nullptr) return result;
+    thread.KeepGlError();
+    constexpr GLbitfield kStays = GL_MAP_WRITE_BIT | GL_MAP_PERSISTENT_BIT_EXT;
+    if (result != nullptr && (access & kStays) == kStays) {
+        SObjects& objects = *thread.Context()->objects;
+        const std::lock_guard held(objects.lock);
+        objects.stayMapped[BoundBuffer(thread, target)] = {
+            static_cast<const std::uint8_t*>(result), static_cast<std::size_t>(offset),
+            Bytes(result, static_cast<std::size_t>(length))};
+        objects.anyStaysMapped = true;
+    }
     return result;
 }
 
@@ -165,7 +240,8 @@ void Call_glFlushMappedBufferRange(GLenum target, GLintptr offset, GLsizeiptr le
     HOST(thread, glFlushMappedBufferRange)(target, offset, length);
     if (CThread::Recording() == nullptr || thread.KeepGlError() != GL_NO_ERROR) return;
     const SMapped mapped = Mapped(thread, target);
-    if (mapped.data == nullptr) return;
+    RecordMapped(thread);
+    if (mapped.data == nullptr || StaysMapped(thread, target)) return;
     RecordSubData(thread, target, mapped.offset + offset, length, mapped.data + offset);
 }
 
@@ -177,7 +253,11 @@ GLboolean Call_glUnmapBuffer(GLenum target) {
                              (mapped.access & GL_MAP_FLUSH_EXPLICIT_BIT) == 0;
         // A question about a target that isn't one fails as the call does.
         HOST(thread, glGetError)();
-        if (written) RecordSubData(thread, target, mapped.offset, mapped.size, mapped.data);
+        const bool stayed =
+            mapped.data != nullptr && EndMapping(thread, BoundBuffer(thread, target));
+        if (written && !stayed) {
+            RecordSubData(thread, target, mapped.offset, mapped.size, mapped.data);
+        }
     }
     const GLboolean result = HOST(thread, glUnmapBuffer)(target);
     if (CThread::Recording() != nullptr) thread.KeepGlError();

@@ -114,6 +114,7 @@ SImage UnpackedImage(CThread& thread, GLenum error, std::optional<GLsizei> depth
 /// Bytes that the host writes of an image that is read back; 0 with a buffer bound.
 std::int64_t PackedBytes(CThread& thread, GLenum error, GLsizei width, GLsizei height,
                          GLenum format, GLenum type);
+/// Ahead of the record of a call that reads from it, if so.
 bool UnpackBufferBound(CThread& thread);
 SPixelStore Unpacking(CThread& thread);
 GLint UnpackAlignment(CThread& thread);
@@ -181,6 +182,14 @@ void Write_glBufferSubData(CThread* thread, GLenum error, GLenum target, GLintpt
 void Write_glDeleteBuffers(CThread* thread, GLenum error, GLsizei n, const GLuint* buffers);
 
 // Buffers that the application writes through a pointer.
+void Call_glBufferStorageEXT(GLenum target, GLsizeiptr size, const void* data, GLbitfield flags);
+void RecordStillMapped(CThread& thread);
+/// Ahead of the record of a call that reads buffers: what the application wrote to those that stay
+/// mapped.
+inline void RecordMapped(CThread& thread) {
+    if (thread.Context()->objects->anyStaysMapped.load(std::memory_order_relaxed)) [[unlikely]]
+        RecordStillMapped(thread);
+}
 GLboolean Call_glUnmapBufferOES(GLenum target);
 void* Call_glMapBufferRange(GLenum target, GLintptr offset, GLsizeiptr length, GLbitfield access);
 void Call_glFlushMappedBufferRange(GLenum target, GLintptr offset, GLsizeiptr length);

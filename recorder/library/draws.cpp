@@ -127,8 +127,10 @@ std::vector<SClientArray> Es2Arrays(CThread& thread) {
     return arrays;
 }
 
-/// The enabled arrays in the application's memory. Those who never have any are asked once.
+/// The enabled arrays in the application's memory, once for each draw. Those who never have any are
+/// asked once.
 std::vector<SClientArray> ClientArrays(CThread& thread) {
+    RecordMapped(thread);
     SContext& context = *thread.Context();
     if (!context.arraysChanged && !context.clientArrays) return {};
     std::vector<SClientArray> arrays = context.IsEs1() ? Es1Arrays(thread) : Es2Arrays(thread);

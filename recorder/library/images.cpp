@@ -48,7 +48,9 @@ void SImage::Put(CCallWriter& w) const {
 }
 
 bool UnpackBufferBound(CThread& thread) {
-    return IsBound(thread, GL_PIXEL_UNPACK_BUFFER_BINDING);
+    const bool bound = IsBound(thread, GL_PIXEL_UNPACK_BUFFER_BINDING);
+    if (bound) RecordMapped(thread);
+    return bound;
 }
 
 GLint UnpackAlignment(CThread& thread) {
@@ -59,8 +61,8 @@ SImage UnpackedImage(CThread& thread, GLenum error, std::optional<GLsizei> depth
                      GLsizei height, GLenum format, GLenum type, const void* pixels) {
     SImage image;
     image.pointer = pixels;
-    if (pixels == nullptr || error != GL_NO_ERROR || width <= 0 || height <= 0) return image;
-    if (UnpackBufferBound(thread)) return image;
+    if (error != GL_NO_ERROR || width <= 0 || height <= 0) return image;
+    if (UnpackBufferBound(thread) || pixels == nullptr) return image;
     const SPixelStore store = Unpacking(thread);
     const std::int64_t bytes = depth ? ImageBytes(format, type, width, height, *depth, store)
                                      : ImageBytes(format, type, width, height, store);

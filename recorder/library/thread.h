@@ -3,6 +3,7 @@
 
 #include <EGL/egl.h>
 
+#include <atomic>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -16,12 +17,22 @@
 
 namespace kestrail::recorder {
 
+/// A piece of a buffer that the application writes while the host reads it, and what of it was
+/// recorded.
+struct SStaysMapped {
+    const std::uint8_t* data = nullptr;
+    std::size_t offset = 0;
+    std::vector<std::uint8_t> recorded;
+};
+
 /// What is known of the objects that contexts share, by their names.
 struct SObjects {
     std::mutex lock;
     /// What their names are raised by in the recording: the player has one table of names for all
     /// contexts.
     std::uint32_t raised = 0;
+    std::map<std::uint32_t, SStaysMapped> stayMapped;
+    std::atomic<bool> anyStaysMapped{false};
     /// What buffers hold, for hosts that don't give it back.
     std::map<std::uint32_t, std::vector<std::uint8_t>> contents;
     /// The internal formats of 3D images.

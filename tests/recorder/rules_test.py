@@ -10,7 +10,7 @@ A case is a line `case NAME [es1|es2|es3]` and, indented by two, the calls that 
 expected to be recorded as it is written, or as the lines say that stand below it, indented by four; `-`
 says that nothing is. Beside calls there are:
     script ENTRY[:PNAME] NTH|* VALUE    an answer of the host
-    write [BYTES]                       to where the last result points
+    write [BYTES]                       to where the last map of a buffer is
     left out: NAME                      what the summary tells
     says TEXT                           a part of what is told on standard error
 A line that ends with a `\\` goes on in the next. `= RESULT` behind a call is what the program sees, `!ERROR` an error that the host has after it. `*` stands
@@ -165,7 +165,7 @@ def run_scenes(command, player, headers, path):
     first, cases = read_cases(path)
 
     def pictures(folder, name, *program):
-        done = subprocess.run([command, "record", "--pictures", "-o", folder / name, "--", *map(str, program)],
+        done = subprocess.run([command, "record", "--pictures", "--no-limit", "-o", folder / name, "--", *map(str, program)],
                               capture_output=True, text=True, timeout=100, check=False)
         assert done.returncode == 0, done.stderr
         return list(trace_file.pictures(folder / name))
@@ -191,13 +191,14 @@ def be_program(*arguments):
     for name in {name for name, *_ in lines} - {"write"}:
         host.entry(name)
     display, surface = host.make_context(int(version), 8 if window else 0)
-    last = None
+    mapped = None
     for name, words, result, _ in lines:
         values = [calls.value_of(word, published) for word in words]
         if name == "write":
-            ctypes.memmove(last, values[0], len(values[0]))
+            ctypes.memmove(mapped, values[0], len(values[0]))
             continue
         last = host.call(name, values)
+        mapped = last if name.startswith("glMap") else mapped
         if result and result[0] == '"':
             last = ctypes.string_at(last).decode()
         assert not result or same(calls.value_of(result, published), last), f"{name} {words}: {last}"

@@ -29,6 +29,8 @@ NOT_PLAYED = ("none", "test", "fail")
 # player doesn't play, of devices and streams, which a trace has no place for.
 OF_OTHERS = re.compile(r"^EGL_.*_image|_EGL_image|^EGL_(EXT|NV|ANGLE)_(device|output|stream)_"
                        r"|_extension_pack_")
+# What only --no-limit tells of: buffers that stay mapped are looked through at each draw.
+COSTLY = {"glBufferStorageEXT"}
 # Entries behind which a draw has to ask again where its arrays stand.
 ARRAYS = re.compile(r"gl(\w+Pointer(OES)?|VertexAttribIPointer|(En|Dis)able(ClientState|VertexAttribArray)"
                     r"|BindVertexArray(OES)?|DeleteVertexArrays(OES)?|DeleteBuffers)$")
@@ -234,6 +236,7 @@ def main():
     held = {name for name in names
             if f"Call_{name}" in by_hand or f"Record_{name}" in by_hand and name.startswith("gl")
             or any(row.play not in NOT_PLAYED for row in rows.get(name, []))}
+    held -= COSTLY
     for name in names:
         lines.append(f'    {{"{name}", reinterpret_cast<void*>(&::{name}), '
                      f'{"true" if name in held else "false"}}},')
