@@ -236,7 +236,7 @@ inline GLint Integer(CThread& thread, GLenum name) {
 
 /// A name that the application doesn't have, for an object of the recorder's own.
 inline GLuint OwnName(CThread& thread) {
-    return 0xFFFF0000u + thread.Number();
+    return 0xF0000u + thread.Number();
 }
 
 }  // namespace kestrail::recorder

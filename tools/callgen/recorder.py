@@ -98,7 +98,8 @@ def raised(name):
 def put(parameter, name, row, names):
     """The C++ statement that writes one parameter."""
     cls = parameter.cls
-    if by := raised(parameter.name):
+    untranslated = row.play == "plain" and not parameter.table
+    if (by := raised(parameter.name)) and not untranslated:
         if cls == "TGLuint":
             return f"record.Put<{cls}>(Raised({name}, {by}));"
         if cls == "SArrayPtr<TGLuint, 1, 1>":
