@@ -163,6 +163,8 @@ def run_rules(command, host, headers, path):
 
 def run_scenes(command, player, headers, path):
     first, cases = read_cases(path)
+    # An X server may start anew, and refuse programs meanwhile, when its last client leaves.
+    ctypes.CDLL("libX11.so.6").XOpenDisplay(None)
 
     def pictures(folder, name, *program):
         done = subprocess.run([command, "record", "--pictures", "--no-limit", "-o", folder / name, "--", *map(str, program)],
