@@ -21,7 +21,7 @@ from rules_test import behind_start, run_recorded, same
 ROUNDS = 6
 ERROR = 0x502
 # It ends the context, or has arrays read that aren't there.
-UNSAFE = re.compile("eglReleaseThread|glPixelStorei|glDraw|gl(En|Dis)able.*(Array|State)")
+UNSAFE = re.compile("eglReleaseThread|glPixelStorei|gl(En|Dis)able.*(Array|State)")
 COUNTS = {"n", "count", "size", "imageSize", "length", "numAttachments", "primcount", "uniformCount",
           "maxCount", "bufSize", "bufsize", "maxLength", "config_size"}
 PARTS = {"GL_RGBA": 4, "GL_RGB": 3, "GL_LUMINANCE": 1, "GL_LUMINANCE_ALPHA": 2}
@@ -174,9 +174,9 @@ def main(command, host, headers, library):
                  if name in published.hosted and name not in by_hand and not UNSAFE.match(name)]
         dice = random.Random(version)
         plan = []
-        for _ in range(ROUNDS):
+        for turn in range(ROUNDS):
             dice.shuffle(names)
-            plan += [(name, ERROR if name[:2] == "gl" and name not in asked and dice.random() < 0.2 else 0)
+            plan += [(name, ERROR if turn % 3 == 1 and name[:2] == "gl" and name not in asked else 0)
                      for name in names]
         script = "".join(f"{name} {sum(other == name for other, _ in plan[:at + 1])} error {error}\n"
                          for at, (name, error) in enumerate(plan) if error)
