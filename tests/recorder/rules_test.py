@@ -178,9 +178,10 @@ def run_scenes(command, player, headers, path):
             (folder / "calls").write_text("\n".join(first.program + case.program))
             drawn = pictures(folder, "drawn", sys.executable, "-B", __file__, "program", "window", headers, 3,
                              folder / "calls")
-            played = pictures(folder, "played", player, folder / "drawn")
+            played = [pictures(folder, f"played{mode}", player, folder / "drawn", *mode)
+                      for mode in ([], ["--noMemory"])]
         blank = len(set(drawn[0][2])) == 1
-        return ["drawn:", drawn, "played:", played] if drawn != played or blank else []
+        return ["drawn:", drawn, "played:", played] if played != [drawn, drawn] or blank else []
 
     tell(cases, run)
 
