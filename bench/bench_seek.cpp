@@ -9,7 +9,9 @@
 
 #include "bench/bench_traces.h"
 #include "exec/es2_names.h"
+#include "exec/play_call.h"
 #include "playback/advanced_playback_interface.h"
+#include "slicing/slicer.h"
 #include "tracefile/document/trace_document.h"
 #include "transitions/egl_transition.h"
 #include "transitions/es1_transition.h"
@@ -398,6 +400,53 @@ void BM_PlayFrameBehindNeighbour(benchmark::State& state) {
     }
 }
 BENCHMARK(BM_PlayFrameBehindNeighbour)->Unit(benchmark::kMillisecond);
+
+/// What the calls of a loaded trace read and change.
+void BM_FindEffects(benchmark::State& state) {
+    const CSilence silence;
+    CTraceDocument& document = *CTraceDocument::Instance();
+    document.SetTrackState(false);
+    document.OpenTrace(SeekTrace().path.c_str(), true);
+    double before = 0;
+    double resident = 0;
+    for ([[maybe_unused]] const auto turn : state) {
+        state.PauseTiming();
+        before = ResidentMiB();
+        state.ResumeTiming();
+        const CSlicer slicer(*document.GetFrameStore());
+        state.PauseTiming();
+        resident = ResidentMiB();
+        state.ResumeTiming();
+    }
+    document.CloseTrace();
+    document.SetTrackState(true);
+    state.counters["resident_MiB"] = resident;
+    state.counters["before_MiB"] = before;
+}
+BENCHMARK(BM_FindEffects)->Unit(benchmark::kMillisecond);
+
+/// Finds what a frame stands on, and plays it on a host that has nothing yet; or finds it alone.
+void BM_RestoreBySlice(benchmark::State& state) {
+    const CSilence silence;
+    CLoaded loaded;
+    CSlicer slicer(loaded.Store());
+    const CFrameRecord& frame = *loaded.Store().GetFrameRecord(kSought);
+    const std::vector<SStretch> stretch = {{frame.firstCall + 1, frame.lastCall + 1}};
+    const SSlice known = slicer.Slice(stretch);
+    for ([[maybe_unused]] const auto turn : state) {
+        if (state.range(0) == 0) benchmark::DoNotOptimize(slicer.Slice(stretch));
+        if (state.range(0) == 0) continue;
+        state.PauseTiming();
+        const auto player = std::make_unique<SPlayerState>();
+        player->store = &loaded.Store();
+        state.ResumeTiming();
+        for (const std::uint32_t call : known.calls) {
+            PlayCallOfFamily(*player, *loaded.Store().CallAt(call));
+        }
+    }
+    state.counters["calls"] = static_cast<double>(known.calls.size());
+}
+BENCHMARK(BM_RestoreBySlice)->ArgName("played")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
 
 /// A record with one small image for each texture; the images of all such records share contents.
 CEs2State Textured(std::uint32_t count, const std::vector<std::uint8_t>& contents, bool backwards) {

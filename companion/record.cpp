@@ -17,6 +17,7 @@
 #include "companion/exit_status.h"
 #include "companion/verbs.h"
 #include "recorder/channel/trace_sink.h"
+#include "rewrite/trim.h"
 
 namespace kestrail {
 namespace {
@@ -28,19 +29,20 @@ struct SRecordOptions {
     std::string summary;
     std::vector<std::string> program;
     bool force = false;
+    unsigned firstFrame = 1;
     SRecordSettings settings;
 };
 
 /// Signals that someone who asks the command to end, or to do something, means for the program.
 constexpr int kPassedOn[] = {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGUSR1, SIGUSR2, SIGCONT, SIGWINCH};
 
-bool TakeFrames(const std::string& range, SRecordSettings& settings) {
-    unsigned first = 0;
+/// "A-B"; A goes to `first`.
+bool TakeFrames(const std::string& range, unsigned& first, SRecordSettings& settings) {
     unsigned last = 0;
     int used = 0;
     const bool whole = std::sscanf(range.c_str(), "%u-%u%n", &first, &last, &used) == 2 &&
                        static_cast<std::size_t>(used) == range.size();
-    if (!whole || first != 1 || last < first) return false;
+    if (!whole || first < 1 || last < first) return false;
     settings.lastFrame = last;
     return true;
 }
@@ -66,7 +68,7 @@ std::optional<int> Parse(Arguments arguments, SRecordOptions& options) {
     app.add_flag("--force", options.force, "write over a file that is there");
     app.add_flag("--pictures{1}", options.settings.pictureEvery,
                  "keep the picture of every Nth frame with --pictures=N, else of every one");
-    app.add_option("--frames", frames, "record frames 1 to B alone")->type_name("1-B");
+    app.add_option("--frames", frames, "record frames A to B alone")->type_name("A-B");
     app.add_flag("--exit", options.settings.exitBehindLast, "end PROGRAM behind the last frame");
     app.add_option("--only", only, "record processes of this executable alone")->type_name("NAME");
     app.add_flag("--follow", options.settings.follow,
@@ -85,8 +87,8 @@ std::optional<int> Parse(Arguments arguments, SRecordOptions& options) {
             throw CLI::ExtrasError({options.program[0]});
         }
         if (options.program.empty()) throw CLI::RequiredError("PROGRAM");
-        if (!frames.empty() && !TakeFrames(frames, options.settings)) {
-            throw CLI::ValidationError("--frames", "is 1-B, B at least 1");
+        if (!frames.empty() && !TakeFrames(frames, options.firstFrame, options.settings)) {
+            throw CLI::ValidationError("--frames", "is A-B, A at least 1 and B at least A");
         }
         if (only.size() >= sizeof options.settings.only) {
             throw CLI::ValidationError("--only", "is too long");
@@ -178,12 +180,37 @@ int Serve(CTraceSink& sink, pid_t program, const sigset_t& awaited) {
     return status;
 }
 
-void PrintSummary(const CTraceSink& sink, const SRecordOptions& options, double seconds) {
-    if (sink.Recordings().empty()) {
+/// Cuts off what was recorded in front of the first frame that is wanted.
+void TrimToFirst(unsigned first, SRecording& recording) {
+    if (recording.frames < first) {
+        std::fprintf(stderr, "kestrail record: %s is whole: it has no frame %u\n",
+                     recording.file.c_str(), first);
+        return;
+    }
+    STrim wanted;
+    wanted.trace = recording.file;
+    wanted.output = recording.file.string() + ".part";
+    wanted.firstFrame = first;
+    wanted.lastFrame = static_cast<std::uint32_t>(recording.frames);
+    try {
+        const STrimmed done = Trim(wanted);
+        fs::rename(wanted.output, wanted.trace);
+        recording.frames -= first - 1;
+        recording.calls = done.stateCalls + done.calls;
+        recording.bytes = done.bytes;
+    } catch (const STrimFailure& failure) {
+        std::fprintf(stderr, "kestrail record: %s is whole: %s\n", recording.file.c_str(),
+                     failure.text.c_str());
+    }
+}
+
+void PrintSummary(const std::vector<SRecording>& recordings, const SRecordOptions& options,
+                  double seconds) {
+    if (recordings.empty()) {
         std::fprintf(stderr, "kestrail: nothing recorded: %s made no calls of EGL or OpenGL ES\n",
                      options.program[0].c_str());
     }
-    for (const SRecording& r : sink.Recordings()) {
+    for (const SRecording& r : recordings) {
         std::fprintf(stderr, "%s: %llu frames, %llu calls, %llu bytes, %.1f seconds",
                      r.file.c_str(), static_cast<unsigned long long>(r.frames),
                      static_cast<unsigned long long>(r.calls),
@@ -199,9 +226,10 @@ void PrintSummary(const CTraceSink& sink, const SRecordOptions& options, double 
     }
 }
 
-bool WriteSummary(const CTraceSink& sink, const std::string& path, double seconds) {
+bool WriteSummary(const std::vector<SRecording>& recordings, const std::string& path,
+                  double seconds) {
     nlohmann::ordered_json all = nlohmann::ordered_json::array();
-    for (const SRecording& r : sink.Recordings()) {
+    for (const SRecording& r : recordings) {
         nlohmann::ordered_json leftOut = nlohmann::ordered_json::object();
         for (const SLeftOut& call : r.leftOut) leftOut[call.name] = call.count;
         all.push_back({{"file", r.file.string()},
@@ -252,9 +280,13 @@ int RunRecord(Arguments arguments) {
     const int status = Serve(sink, program, awaited);
     sink.Finish();
     const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
+    std::vector<SRecording> recordings = sink.Recordings();
+    if (options.firstFrame > 1) {
+        for (SRecording& recording : recordings) TrimToFirst(options.firstFrame, recording);
+    }
     const bool ran = !(WIFEXITED(status) && WEXITSTATUS(status) >= kExitNotRun);
-    if (ran || !sink.Recordings().empty()) PrintSummary(sink, options, seconds.count());
-    if (!options.summary.empty() && !WriteSummary(sink, options.summary, seconds.count())) {
+    if (ran || !recordings.empty()) PrintSummary(recordings, options, seconds.count());
+    if (!options.summary.empty() && !WriteSummary(recordings, options.summary, seconds.count())) {
         std::fprintf(stderr, "kestrail record: %s can't be written\n", options.summary.c_str());
     }
     return WIFSIGNALED(status) ? kExitSignal + WTERMSIG(status) : WEXITSTATUS(status);

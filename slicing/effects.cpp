@@ -44,6 +44,10 @@ std::uint32_t Packed(std::int32_t width, std::int32_t height) {
     return fits ? static_cast<std::uint32_t>(width) << 16 | static_cast<std::uint32_t>(height) : 0;
 }
 
+std::uint32_t HashOf(EObject kind, std::uint32_t scope, std::uint32_t name) {
+    return CFlatIndex::Hash(name, std::uint64_t{scope} << 8 | static_cast<std::uint64_t>(kind));
+}
+
 }  // namespace
 
 std::uint32_t SJournal::Find(std::uint32_t call) const {
@@ -57,7 +61,7 @@ CEffects::CEffects(FindCall findCall)
     : m_findCall(std::move(findCall)), m_objects(1), m_journals(1) {
     MakeObject(EObject::kProcess, 0, 0);
     MakeObject(EObject::kContext, 0, 0);
-    m_objects[kNoContext].scope = kNoContext;
+    m_objects[kNoContext].group = kNoContext;
     m_current = kNoContext;
 }
 
@@ -87,14 +91,25 @@ std::uint32_t CEffects::MakeObject(EObject kind, std::uint32_t scope, std::uint3
     object.name = name;
     object.scope = scope;
     object.born = m_at;
-    const auto [found, first] = m_names.try_emplace({kind, scope, name}, made);
-    if (!first) object.previous = std::exchange(found->second, made);
+    const std::uint32_t hash = HashOf(kind, scope, name);
+    object.previous = LastNamed(kind, scope, name);
+    if (object.previous != 0) {
+        m_names.Replace(hash, object.previous, made);
+    } else {
+        m_names.Add(hash, made);
+    }
     return made;
 }
 
+std::uint32_t CEffects::LastNamed(EObject kind, std::uint32_t scope, std::uint32_t name) const {
+    return m_names.Find(HashOf(kind, scope, name), [&](std::uint32_t number) {
+        const SObject& object = m_objects[number];
+        return object.name == name && object.scope == scope && object.kind == kind;
+    });
+}
+
 std::uint32_t CEffects::Find(EObject kind, std::uint32_t scope, std::uint32_t name) {
-    const auto found = m_names.find({kind, scope, name});
-    std::uint32_t object = found != m_names.end() ? found->second : 0;
+    std::uint32_t object = LastNamed(kind, scope, name);
     if (Resolves()) {
         while (object != 0 && m_objects[object].born > m_at) object = m_objects[object].previous;
         return object;
@@ -114,7 +129,7 @@ std::uint32_t CEffects::Scope(EObject kind) {
         case EObject::kFeedback:
             return m_context;
         default:
-            return m_objects[m_context].scope;
+            return m_objects[m_context].group;
     }
 }
 
@@ -134,17 +149,30 @@ std::uint32_t CEffects::Named(EObject kind, std::uint32_t name) {
 
 std::uint32_t CEffects::Place(std::uint32_t object, ESlot slot, std::uint64_t place, bool make) {
     if (object == 0) return 0;
-    const SPlace key = {object, slot, place};
-    const auto found = m_places.find(key);
-    if (found != m_places.end()) return found->second;
-    if (!make) return 0;
+    std::uint32_t* kept = nullptr;
+    if (place == 0 && object == m_context) {
+        if (m_keptContext != object) {
+            m_keptContext = object;
+            m_keptPlaces = {};
+        }
+        kept = &m_keptPlaces[static_cast<std::size_t>(slot)];
+        if (*kept != 0) return *kept;
+    }
+    const std::uint32_t hash =
+        CFlatIndex::Hash(place, std::uint64_t{object} << 8 | static_cast<std::uint64_t>(slot));
+    const std::uint32_t found = m_places.Find(hash, [&](std::uint32_t number) {
+        const SJournal& journal = m_journals[number];
+        return journal.object == object && journal.slot == slot && journal.place == place;
+    });
+    if (found != 0 && kept != nullptr) *kept = found;
+    if (found != 0 || !make) return found;
     const auto made = static_cast<std::uint32_t>(m_journals.size());
     SJournal& journal = m_journals.emplace_back();
     journal.object = object;
     journal.slot = slot;
     journal.place = place;
     m_objects[object].journals.push_back(made);
-    m_places.emplace(key, made);
+    m_places.Add(hash, made);
     return made;
 }
 
@@ -221,7 +249,6 @@ void CEffects::LeaveOutCovered(SJournal& journal) {
         SJournal::SEntry copy = journal.entries[number - 1];
         copy.since = m_at;
         copy.previous = previous;
-        copy.visit = 0;
         const SJournal::SArea part = area(number);
         journal.entries.push_back(copy);
         journal.areas.resize(journal.entries.size() - 1);
@@ -263,7 +290,7 @@ void CEffects::CreateContext(std::uint32_t display, std::uint32_t share, std::ui
     Create(EObject::kContext, context);
     const std::uint32_t made = Find(EObject::kContext, context);
     if (!Resolves() && made != 0)
-        m_objects[made].scope = other != 0 ? m_objects[other].scope : made;
+        m_objects[made].group = other != 0 ? m_objects[other].group : made;
 }
 
 void CEffects::CreateSurface(std::uint32_t display, std::uint32_t surface) {
@@ -323,7 +350,13 @@ void CEffects::BindSurface(std::uint32_t surface) {
 
 void CEffects::Create(EObject kind, std::uint32_t name) {
     if (Resolves() || name == 0) return;
-    Set(MakeObject(kind, Scope(kind), name), ESlot::kExistence);
+    const std::uint32_t scope = Scope(kind);
+    Set(MakeObject(kind, scope, name), ESlot::kExistence);
+    Add(scope, ESlot::kNames, static_cast<std::uint64_t>(kind), 0);
+}
+
+void CEffects::PassedName(EObject kind) {
+    ReadPlace(Scope(kind), ESlot::kNames, static_cast<std::uint64_t>(kind));
 }
 
 void CEffects::Generate(EObject kind, const Names& names) {
@@ -336,12 +369,12 @@ void CEffects::Delete(EObject kind, const Names& names) {
 
 void CEffects::Delete(EObject kind, std::uint32_t name) {
     if (name == 0) return;
-    const auto found = m_names.find({kind, Scope(kind), name});
-    if (found == m_names.end()) return;
+    if (LastNamed(kind, Scope(kind), name) == 0) return;
     const std::uint32_t object = Find(kind, name);
     if (object == 0) return;
     Unbind(kind, object);
     if (Resolves()) return;
+    Add(Scope(kind), ESlot::kNames, static_cast<std::uint64_t>(kind), 0);
     m_objects[object].died = m_at;
     m_endings.emplace(m_objects[object].born, m_at);
 }

@@ -4,6 +4,7 @@
 // calls that a stretch of a trace needs in front of it.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <unordered_map>
@@ -12,6 +13,7 @@
 #include "base/enumerants.h"
 #include "calls/model/api_call.h"
 #include "calls/model/array_values.h"
+#include "slicing/flat_index.h"
 
 namespace kestrail {
 
@@ -34,6 +36,7 @@ enum class EObject : std::uint8_t {
 /// What there is of an object. Behind each, what tells its places apart.
 enum class ESlot : std::uint8_t {
     kExistence,
+    kNames,  ///< kind: all names that were made and deleted within
     // Of the process.
     kCurrentContext,
     kBoundApi,
@@ -97,7 +100,6 @@ struct SJournal {
         std::uint32_t call = 0;      ///< what did it; 0 if nothing has to be done
         std::uint32_t previous = 0;  ///< the entry that counts too, from 1; 0 for none
         std::uint32_t value = 0;     ///< what the place holds, as far as others have to know
-        std::uint32_t visit = 0;     ///< for whoever goes through
     };
     /// The part of an image, or bytes from x on.
     struct SArea {
@@ -117,6 +119,8 @@ struct SJournal {
     std::uint32_t parts = 0;
     std::vector<SEntry> entries;
     std::vector<SArea> areas;  ///< of the entries; may end before them
+    std::vector<std::uint32_t>
+        visits;  ///< of the entries, for whoever goes through; may end before
 
     /// The entry that counts in front of that call, from 1; 0 for none.
     std::uint32_t Find(std::uint32_t call) const;
@@ -125,8 +129,10 @@ struct SJournal {
 struct SObject {
     EObject kind = EObject::kProcess;
     std::uint32_t name = 0;
-    /// The context that it belongs to, or the first of those that share it.
+    /// Within what its name is its own.
     std::uint32_t scope = 0;
+    /// Of a context, the first one of those that it shares objects with.
+    std::uint32_t group = 0;
     std::uint32_t born = 0;      ///< the first call that named it
     std::uint32_t died = 0;      ///< the call that deleted it
     std::uint32_t previous = 0;  ///< the object that had the name before
@@ -180,6 +186,9 @@ public:
     void Delete(EObject kind, const Names& names);
     void Delete(EObject kind, std::uint32_t name);
     void Use(EObject kind, std::uint32_t name);
+    /// Players pass the recorded name on as it is: it has to be the driver's, which it is as long
+    /// as the driver is asked for all names.
+    void PassedName(EObject kind);
 
     void ActiveTexture(std::uint32_t texture);
     void ClientTexture(std::uint32_t texture);
@@ -288,6 +297,8 @@ private:
     static constexpr std::uint32_t kAllColors = 0xFFFFFFFFu;
 
     bool Resolves() const { return m_reads != nullptr; }
+    /// The last object that had the name; 0 if there was none.
+    std::uint32_t LastNamed(EObject kind, std::uint32_t scope, std::uint32_t name) const;
     /// The object that has the name now, made if it is new.
     std::uint32_t Find(EObject kind, std::uint32_t name);
     std::uint32_t Find(EObject kind, std::uint32_t scope, std::uint32_t name);
@@ -355,33 +366,13 @@ private:
     std::vector<SObject> m_objects;
     std::vector<SJournal> m_journals;
     std::vector<SAttached> m_attached;
-    /// The last object that had a name, by kind, scope and name.
-    struct SName {
-        EObject kind;
-        std::uint32_t scope;
-        std::uint32_t name;
-        bool operator==(const SName&) const = default;
-    };
-    struct SPlace {
-        std::uint32_t object;
-        ESlot slot;
-        std::uint64_t place;
-        bool operator==(const SPlace&) const = default;
-    };
-    struct SHash {
-        std::size_t operator()(const SName& key) const {
-            return Mix(key.name, key.scope << 4 | static_cast<std::uint32_t>(key.kind));
-        }
-        std::size_t operator()(const SPlace& key) const {
-            return Mix(key.place, key.object << 6 | static_cast<std::uint32_t>(key.slot));
-        }
-        static std::size_t Mix(std::uint64_t low, std::uint64_t high) {
-            const std::uint64_t mixed = (high << 32 | low) * 0x9E3779B97F4A7C15u;
-            return static_cast<std::size_t>(mixed ^ mixed >> 29);
-        }
-    };
-    std::unordered_map<SName, std::uint32_t, SHash> m_names;
-    std::unordered_map<SPlace, std::uint32_t, SHash> m_places;
+    /// The last objects that had the names, by kind, scope and name, and journals by their places.
+    CFlatIndex m_names;
+    CFlatIndex m_places;
+    /// The journals of the context at hand that have no place but their slot, which are wanted
+    /// most.
+    std::uint32_t m_keptContext = 0;
+    std::array<std::uint32_t, 64> m_keptPlaces{};
     /// Of matrices, the entries that pushes have put aside, by journal.
     std::unordered_map<std::uint32_t, std::vector<std::uint32_t>> m_pushed;
     std::unordered_multimap<std::uint32_t, std::uint32_t> m_endings;

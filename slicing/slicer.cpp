@@ -1,5 +1,6 @@
 #include "slicing/slicer.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace kestrail {
@@ -9,101 +10,94 @@ bool IsLeftOut(CFrameStore& trace, std::uint32_t call) {
     return known.HadFailed() || (known.m_edited && trace.Edits().IsCallDisabled(call));
 }
 
-/// The way from stretches back to what they stand on.
-struct CSlicer::SWalk {
-    std::vector<std::uint32_t> waiting;
-    /// By call: what stands on it, 0 if nothing does; its own number in a stretch.
-    std::vector<std::uint32_t> reasons;
-    /// Of objects, the last stretch in which they were read whole: what happens to them from there
-    /// on, up to its end, is in there.
-    std::vector<std::uint32_t> readWhole;
-
-    void Visit(std::uint32_t call, std::uint32_t reason) {
-        if (call == 0 || call >= reasons.size() || reasons[call] != 0) return;
-        reasons[call] = reason;
-        waiting.push_back(call);
-    }
-};
-
 CSlicer::CSlicer(CFrameStore& trace)
     : m_trace(trace), m_effects([&trace](std::uint32_t number) -> const CApiCall& {
           return *trace.CallAt(number)->call;
       }) {
-    for (std::uint32_t number = 1; number <= trace.CallCount(); ++number) {
-        if (!IsLeftOut(trace, number)) m_effects.Note(*trace.CallAt(number)->call, number);
+    std::uint32_t number = 0;
+    for (const CCallEntry& entry : trace.Calls()->list) {
+        ++number;
+        if (entry.call->m_edited && trace.Edits().IsCallDisabled(number)) continue;
+        m_effects.Note(*entry.call, number);
     }
+}
+
+void CSlicer::Visit(std::uint32_t call, std::uint32_t reason) {
+    if (call == 0 || call >= m_end || IsVisited(call)) return;
+    m_reasons[call] = {m_visit, reason};
+    m_visited.push_back(call);
+    m_waiting.push_back(call);
 }
 
 SSlice CSlicer::Slice(const std::vector<SStretch>& stretches, EUnused unused) {
     SSlice slice;
     if (stretches.empty()) return slice;
     ++m_visit;
-    SWalk walk;
-    walk.reasons.resize(stretches.back().last + 1);
-    walk.readWhole.resize(m_effects.ObjectCount());
+    m_end = stretches.back().last + 1;
+    m_reasons.resize(m_trace.CallCount() + 1);
+    m_visited.clear();
+    m_readWhole.assign(m_effects.ObjectCount(), 0);
     for (const SStretch& stretch : stretches) {
         for (std::uint32_t call = stretch.first; call <= stretch.last; ++call) {
-            walk.reasons[call] = call;
+            m_reasons[call] = {m_visit, call};
         }
     }
     for (std::uint32_t i = 0; i < stretches.size(); ++i) {
         for (std::uint32_t call = stretches[i].first; call <= stretches[i].last; ++call) {
-            if (!IsLeftOut(m_trace, call)) Follow(walk, call, i + 1);
+            if (!IsLeftOut(m_trace, call)) Follow(call, i + 1);
         }
     }
     const std::uint32_t first = stretches.front().first;
-    if (unused == EUnused::kKept) CountUnused(walk, first, true);
-    while (!walk.waiting.empty()) {
-        const std::uint32_t call = walk.waiting.back();
-        walk.waiting.pop_back();
-        Follow(walk, call, 0);
+    if (unused == EUnused::kKept) CountUnused(first, true);
+    while (!m_waiting.empty()) {
+        const std::uint32_t call = m_waiting.back();
+        m_waiting.pop_back();
+        Follow(call, 0);
         const auto [begin, end] = m_effects.Endings().equal_range(call);
-        for (auto ending = begin; ending != end; ++ending) walk.Visit(ending->second, call);
+        for (auto ending = begin; ending != end; ++ending) Visit(ending->second, call);
     }
-    slice.unused = CountUnused(walk, first, false);
-    for (std::uint32_t call = 1; call < walk.reasons.size(); ++call) {
-        if (walk.reasons[call] == 0 || walk.reasons[call] == call) continue;
-        slice.calls.push_back(call);
-        slice.reasons.push_back(walk.reasons[call]);
-    }
+    slice.unused = CountUnused(first, false);
+    std::sort(m_visited.begin(), m_visited.end());
+    slice.calls = m_visited;
+    for (const std::uint32_t call : m_visited) slice.reasons.push_back(m_reasons[call].call);
     return slice;
 }
 
-void CSlicer::FollowJournal(SWalk& walk, std::uint32_t number, std::uint32_t call) {
+void CSlicer::FollowJournal(std::uint32_t number, std::uint32_t call) {
     SJournal& journal = m_effects.Journal(number);
     std::uint32_t next = journal.Find(call);
+    if (next > journal.visits.size()) journal.visits.resize(journal.entries.size());
     while (next != 0) {
-        SJournal::SEntry& entry = journal.entries[next - 1];
-        if (entry.visit == m_visit) break;
-        entry.visit = m_visit;
-        walk.Visit(entry.call, call);
+        const SJournal::SEntry& entry = journal.entries[next - 1];
+        if (std::exchange(journal.visits[next - 1], m_visit) == m_visit) break;
+        Visit(entry.call, call);
         next = entry.previous;
     }
 }
 
-void CSlicer::Follow(SWalk& walk, std::uint32_t call, std::uint32_t stretch) {
+void CSlicer::Follow(std::uint32_t call, std::uint32_t stretch) {
     m_reads.journals.clear();
     m_reads.objects.clear();
     m_effects.ListReads(*m_trace.CallAt(call)->call, call, m_reads);
-    for (const std::uint32_t journal : m_reads.journals) FollowJournal(walk, journal, call);
+    for (const std::uint32_t journal : m_reads.journals) FollowJournal(journal, call);
     for (const std::uint32_t object : m_reads.objects) {
-        if (stretch != 0 && std::exchange(walk.readWhole[object], stretch) == stretch) continue;
+        if (stretch != 0 && std::exchange(m_readWhole[object], stretch) == stretch) continue;
         for (const std::uint32_t journal : m_effects.Object(object).journals) {
-            FollowJournal(walk, journal, call);
+            FollowJournal(journal, call);
         }
     }
 }
 
-std::uint32_t CSlicer::CountUnused(SWalk& walk, std::uint32_t call, bool keep) {
+std::uint32_t CSlicer::CountUnused(std::uint32_t call, bool keep) {
     std::uint32_t count = 0;
     for (std::uint32_t number = 1; number < m_effects.ObjectCount(); ++number) {
         const SObject& object = m_effects.Object(number);
         const bool there = object.born != 0 && object.born < call && object.name != 0 &&
                            (object.died == 0 || object.died >= call);
-        if (!there || walk.reasons[object.born] != 0) continue;
+        if (!there || IsVisited(object.born)) continue;
         ++count;
         if (!keep) continue;
-        for (const std::uint32_t journal : object.journals) FollowJournal(walk, journal, call);
+        for (const std::uint32_t journal : object.journals) FollowJournal(journal, call);
     }
     return count;
 }

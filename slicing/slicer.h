@@ -42,19 +42,34 @@ public:
     SSlice Slice(const std::vector<SStretch>& stretches, EUnused unused = EUnused::kLeftOut);
 
 private:
-    struct SWalk;
+    /// What a call is in the slice for.
+    struct SReason {
+        std::uint32_t visit = 0;
+        std::uint32_t call = 0;  ///< itself in a stretch
+    };
+
+    bool IsVisited(std::uint32_t call) const { return m_reasons[call].visit == m_visit; }
+    void Visit(std::uint32_t call, std::uint32_t reason);
     /// Visits what a call stands on. `stretch`: the number of the one that it is in, or 0.
-    void Follow(SWalk& walk, std::uint32_t call, std::uint32_t stretch);
+    void Follow(std::uint32_t call, std::uint32_t stretch);
     /// Visits what counts of a journal in front of a call.
-    void FollowJournal(SWalk& walk, std::uint32_t number, std::uint32_t call);
+    void FollowJournal(std::uint32_t number, std::uint32_t call);
     /// Objects that are there in front of the call and were made by calls that nobody visited;
     /// `keep`: visits them and all that was done to them.
-    std::uint32_t CountUnused(SWalk& walk, std::uint32_t call, bool keep);
+    std::uint32_t CountUnused(std::uint32_t call, bool keep);
 
     CFrameStore& m_trace;
     CEffects m_effects;
-    /// How often `Slice` was called, which tells what a journal's entry was visited for.
+    /// How often `Slice` was called, which tells what was visited this time.
     std::uint32_t m_visit = 0;
+    /// Behind the last call of the last stretch.
+    std::uint32_t m_end = 0;
+    std::vector<SReason> m_reasons;  ///< by call
+    std::vector<std::uint32_t> m_visited;
+    std::vector<std::uint32_t> m_waiting;
+    /// Of objects, the last stretch in which they were read whole: what happens to them from there
+    /// on, up to its end, is in there.
+    std::vector<std::uint32_t> m_readWhole;
     CEffects::SReads m_reads;
 };
 

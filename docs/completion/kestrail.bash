@@ -3,7 +3,16 @@ _kestrail() {
     local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]}
     COMPREPLY=()
     if ((COMP_CWORD == 1)); then
-        mapfile -t COMPREPLY < <(compgen -W "record help --help --version" -- "$word")
+        mapfile -t COMPREPLY < <(compgen -W "record trim help --help --version" -- "$word")
+        return
+    fi
+    if [[ ${COMP_WORDS[1]} == trim ]]; then
+        if [[ $word == -* ]]; then
+            mapfile -t COMPREPLY < <(compgen -W "--frames -o --output --force --drop-unused
+                --no-drop-unused --help" -- "$word")
+        else
+            compopt -o default
+        fi
         return
     fi
     [[ ${COMP_WORDS[1]} == record ]] || return
