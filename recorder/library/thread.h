@@ -10,6 +10,7 @@
 #include <mutex>
 #include <optional>
 #include <set>
+#include <string_view>
 #include <vector>
 
 #include "recorder/library/host.h"
@@ -55,6 +56,8 @@ struct SContext {
     std::optional<bool> readsBuffers;
     /// Buffers into which pixels were read back, which the player leaves out.
     std::set<std::uint32_t> readBack;
+    /// Of ES3, in the texts of the host.
+    std::vector<std::string_view> toldExtensions;
     /// Threads in which it is current, and one for as long as its handle is known.
     int users = 0;
 

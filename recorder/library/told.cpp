@@ -64,8 +64,10 @@ std::string Lowered(std::string text, std::string_view before, std::string_view 
     return text;
 }
 
-std::vector<std::string_view> Es3Extensions(CThread& thread) {
-    std::vector<std::string_view> held;
+/// Found out once: applications go through all of them for each that they want to know of.
+const std::vector<std::string_view>& Es3Extensions(CThread& thread) {
+    std::vector<std::string_view>& held = thread.Context()->toldExtensions;
+    if (!held.empty()) return held;
     const auto ask = HOST(thread, glGetStringi);
     GLint count = 0;
     HOST(thread, glGetIntegerv)(GL_NUM_EXTENSIONS, &count);
@@ -129,7 +131,7 @@ const GLubyte* Call_glGetStringi(GLenum name, GLuint index) {
     CThread& thread = CThread::Current();
     const GLubyte* result = nullptr;
     if (name == GL_EXTENSIONS && Limits() && thread.Context() != nullptr) {
-        const std::vector<std::string_view> held = Es3Extensions(thread);
+        const std::vector<std::string_view>& held = Es3Extensions(thread);
         if (index < held.size()) {
             // Each ends where the host's own text does.
             result = reinterpret_cast<const GLubyte*>(held[index].data());
