@@ -20,9 +20,19 @@ constexpr const char* kStems[kLibraries][2] = {
 
 std::atomic<void*> g_libraries[kLibraries];
 
+/// dlopen of the C library itself: tools that stand before it give themselves for the host.
+void* Open(const char* file, int flags) {
+    static const auto s_open = [] {
+        void* const library = dlopen("libc.so.6", RTLD_LAZY | RTLD_NOLOAD);
+        void* const found = library != nullptr ? PlainLookUp(library, "dlopen") : nullptr;
+        return found != nullptr ? reinterpret_cast<decltype(&dlopen)>(found) : &dlopen;
+    }();
+    return s_open(file, flags);
+}
+
 void* Library(ELibrary library) {
     void* handle = g_libraries[library].load();
-    if (handle == nullptr) handle = dlopen(kFiles[library], RTLD_LAZY | RTLD_LOCAL);
+    if (handle == nullptr) handle = Open(kFiles[library], RTLD_LAZY | RTLD_LOCAL);
     g_libraries[library].store(handle);
     return handle;
 }
@@ -82,7 +92,7 @@ void* PlainLookUp(void* handle, const char* name) noexcept {
 bool IsLoaded(const char* name) {
     if (PlainLookUp(RTLD_NEXT, name) != nullptr) return true;
     for (const char* const file : kFiles) {
-        void* const handle = dlopen(file, RTLD_LAZY | RTLD_NOLOAD);
+        void* const handle = Open(file, RTLD_LAZY | RTLD_NOLOAD);
         if (handle == nullptr) continue;
         const bool has = PlainLookUp(handle, name) != nullptr;
         dlclose(handle);

@@ -5,6 +5,11 @@ Each program of programs.toml is recorded with pictures and its trace played in 
 player's frames are caught by a host library that knows nothing of the recorder, and have to be equal
 to the pictures byte for byte. A line for each program tells what was seen; exit status 77 if the
 packages of all that were asked for are missing.
+
+With --peer the programs are recorded by apitrace at the same time, which stands between them and the
+recorder, and the calls are compared by name and number. Of getters apitrace writes few, and it makes
+many more for itself: it may have seen less than the recorder. What it adds to its file it marks as
+fake; arrays in the application's memory are in there as such calls alone, one for each draw.
 """
 
 import argparse
@@ -32,7 +37,13 @@ MODES = {"whole": [], "streamed": ["--noMemory"]}
 COMPLAINT = re.compile("Error call:|Error Code|Error loading|Exception|No enought Data|dlopen failed|"
                        "Playback Link Status|Aborting Playback|not available on this platform")
 CALL = re.compile(r"KESTRAIL\(M\) Frame\(P\): \d+ Call:\d+ (\w+)")
+PEER_PACKAGES = ["apitrace", "apitrace-tracers"]
+PEER_CALL = re.compile(rb"\d+ (?:@\d+ )?(\w+)\(")
+# The recorder writes the first as they were called before EGL 1.5, or without an extension.
+LATER = re.compile(r"(egl\w*?)(?:Platform|WithDamage)(\w*?)(?:EXT|KHR)?$")
+GETTER = re.compile("gl(Get|Is|CheckFramebufferStatus)|egl(Get|Query)")
 LINE = "{:<26}{:>7}{:>8}{:>8}  {:<16}{}"
+PEER_LINE = "{:<26}{:>7}{:>8}{:>7}  {}"
 
 
 def programs():
@@ -78,8 +89,9 @@ def run_whole(words, seconds, log, **settings):
                 os.killpg(running.pid, signal.SIGKILL)
 
 
-def record(row, build, folder):
-    """What the command tells of the recordings."""
+def record(row, build, folder, peer=None):
+    """What the command tells of the recordings. With a peer the program goes on behind the last frame,
+    since the peer's file is whole only when it is asked to end."""
     for name in ("XDG_RUNTIME_DIR", "HOME"):
         (folder / name).mkdir(mode=0o700)
     environment = dict(os.environ, LC_ALL="C.UTF-8", HOME=str(folder / "HOME"),
@@ -88,12 +100,15 @@ def record(row, build, folder):
     environment |= {name: filled(value) for name, value in row["environment"].items()}
     if "prepare" in row:
         subprocess.run(filled(row["prepare"]), shell=True, check=True, cwd=folder, env=environment)
-    words = [build / "bin/kestrail", "record", "--pictures", f"--frames=1-{row['frames']}", "--exit",
+    way, loaded = ((["--pictures", "--exit"], []) if peer is None else
+                   ([], ["sh", "-c", f'LD_PRELOAD="{peer}:$LD_PRELOAD" exec "$0" "$@"']))
+    words = [build / "bin/kestrail", "record", f"--frames=1-{row['frames']}", *way,
              "--summary=summary.json", "-o", "app.kstl", *row.get("options", []), "--",
-             *shlex.split(filled(row["command"]))]
-    status = run_whole(words, row.get("seconds", 60), folder / "log", cwd=folder, env=environment)
+             *loaded, *shlex.split(filled(row["command"]))]
+    status = run_whole(words, 10 if peer else row.get("seconds", 60), folder / "log", cwd=folder,
+                       env=environment)
     told = (folder / "log").read_text(errors="replace")
-    assert status == row.get("status", 0), f"ended with {status}:\n{told[-2000:]}"
+    assert peer or status == row.get("status", 0), f"ended with {status}:\n{told[-2000:]}"
     recordings = json.loads((folder / "summary.json").read_text())["recordings"]
     assert recordings, told
     return recordings
@@ -160,21 +175,74 @@ def check(row, build, folder):
                                f"{equal['whole']} and {equal['streamed']}", told)
 
 
+def peer_calls(trace, frames):
+    """The names of the calls up to the end of that frame as the peer saw them, with their numbers, and
+    the same of those that it has added."""
+    calls, added = Counter(), Counter()
+    with subprocess.Popen(["apitrace", "dump", "--color=never", trace], stdout=subprocess.PIPE,
+                          stderr=subprocess.DEVNULL) as dump:
+        for line in dump.stdout:
+            if not (found := PEER_CALL.match(line)):
+                continue
+            (added if line.endswith(b"// fake\n") else calls)[LATER.sub(r"\1\2", found[1].decode())] += 1
+            if calls["eglSwapBuffers"] == frames:
+                dump.kill()
+                break
+    return calls, added
+
+
+def check_peer(row, build, folder):
+    """What the recorder and its peer saw otherwise, as texts, and the program's line of the table."""
+    listed = subprocess.run(["dpkg", "-L", "apitrace-tracers"], capture_output=True, text=True, check=True)
+    peer = next(path for path in listed.stdout.split() if path.endswith("/egltrace.so"))
+    faults = []
+    frames = 0
+    ours, theirs, fake = Counter(), Counter(), Counter()
+    for recording in record(row, build, folder, peer):
+        if not recording["frames"]:
+            continue
+        trace = folder / recording["file"]
+        play(build, trace, [], folder / trace.stem)
+        ours += Counter(CALL.findall((folder / trace.stem / "log").read_text(errors="replace")))
+        seen, added = peer_calls(folder / f"{recording['executable']}.trace", recording["frames"])
+        theirs += seen
+        fake += Counter({name: number for name, number in added.items() if name.endswith("Pointer")})
+        frames += recording["frames"]
+    if frames < row["frames"]:
+        faults.append(f"{frames} frames")
+    names = [name for name in sorted(ours | theirs)
+             if not any(re.fullmatch(otherwise, name) for otherwise in row.get("peer", {}))]
+    faults += [f"{name}: {ours[name]} calls, the peer saw {theirs[name]}" for name in names
+               if ours[name] < theirs[name] or
+               (ours[name] > theirs[name] + fake[name] and not GETTER.match(name))]
+    getters = [name for name in names if GETTER.match(name)]
+    told = ", ".join(f"{name} {ours[name]} {theirs[name]}" for name in getters if ours[name] != theirs[name])
+    number = sum(ours[name] for name in names if name not in getters)
+    return faults, PEER_LINE.format(row["name"], frames, number, len(names) - len(getters), told)
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__.split("\n", maxsplit=1)[0])
     parser.add_argument("--packages", action="store_true", help="print what is to be installed")
     parser.add_argument("--keep", type=Path, help="a new folder for traces and logs")
+    parser.add_argument("--peer", action="store_true",
+                        help="compare the calls with those that apitrace saw, of rows that say so")
     parser.add_argument("build", nargs="?", type=Path)
     parser.add_argument("names", nargs="*", help="programs; all without any")
     asked = parser.parse_args()
     for ending in (signal.SIGTERM, signal.SIGHUP):
         signal.signal(ending, lambda number, _: sys.exit(128 + number))
-    rows = [row for row in programs() if not asked.names or row["name"] in asked.names]
+    rows = [row for row in programs() if row["name"] in asked.names or
+            not asked.names and (not asked.peer or "peer" in row)]
+    if asked.peer:
+        rows = [row | {"packages": row["packages"] + PEER_PACKAGES} for row in rows]
     if asked.packages:
         print(*sorted({package for row in rows for package in row["packages"]}), sep="\n")
         return 0
     assert len(rows) >= max(len(asked.names), 1), f"{asked.names}: not all are in programs.toml"
-    print(LINE.format("program", "frames", "calls", "MB", "equal", "not in the trace"))
+    print(PEER_LINE.format("program", "frames", "calls", "names", "getters, and what the peer saw of them")
+          if asked.peer else
+          LINE.format("program", "frames", "calls", "MB", "equal", "not in the trace"))
     skipped = failed = 0
     for row in rows:
         if missing := [package for package in row["packages"] if not is_installed(package)]:
@@ -187,7 +255,7 @@ def main():
                 folder = asked.keep.resolve() / row["name"]
                 folder.mkdir(parents=True)
             try:
-                faults, line = check(row, asked.build.resolve(), folder)
+                faults, line = (check_peer if asked.peer else check)(row, asked.build.resolve(), folder)
             except AssertionError as error:
                 faults, line = [str(error)], row["name"]
         print(line, *(f"    {fault}" for fault in faults), sep="\n", flush=True)
