@@ -81,7 +81,7 @@ def check_manners(command, player, trace, host, interposer):
                                   (["--", "sh", "-c", "kill -9 $$"], 128 + 9),
                                   (["--", "./absent"], 127), (["--", "./plain"], 126),
                                   ([], 2), (["--nonsense", "true"], 2),
-                                  (["--frames=2-3", "true"], 2), (["-o", "plain", "true"], 5)):
+                                  (["--frames=3-2", "true"], 2), (["-o", "plain", "true"], 5)):
             assert record(*arguments).returncode == status, (arguments, status)
         # The program's output is its own, and what it isn't told of stays away.
         shown = record("--no-follow", "--", "sh", "-c", "env")
