@@ -10,9 +10,11 @@
 
 #include "companion/exit_status.h"
 #include "companion/frame_list.h"
+#include "companion/frame_reasons.h"
 #include "companion/frame_report.h"
 #include "companion/jobs.h"
 #include "companion/verbs.h"
+#include "host/headless.h"
 #include "host/host_lib.h"
 #include "playback/frame_renderer.h"
 #include "tracefile/document/trace_document.h"
@@ -31,6 +33,8 @@ struct SFramesOptions {
     std::string list = "all";
     SFrameOutputs outputs;
     bool inOrder = false;
+    EScreen screen = EScreen::kWindows;
+    std::uint32_t why = 0;  ///< the frame to tell of; 0 for none
     std::size_t jobs = 1;
     std::size_t shard = 1;
     std::size_t shards = 1;
@@ -62,7 +66,7 @@ private:
 };
 
 void AddOptions(CLI::App& app, SFramesOptions& options, std::string& size, std::string& shard,
-                std::string& compareWith) {
+                std::string& compareWith, bool& headless) {
     SFrameOutputs& outputs = options.outputs;
     app.add_option("TRACE", options.trace, "the trace")->required();
     app.add_option("--frames", options.list,
@@ -89,6 +93,10 @@ void AddOptions(CLI::App& app, SFramesOptions& options, std::string& size, std::
         ->type_name("N")
         ->check(CLI::Range(1, 1024));
     app.add_option("--shard", shard, "take part I of N of the frames alone")->type_name("I/N");
+    app.add_flag("--headless", headless,
+                 "render without a window system, as is done where there is no display");
+    app.add_option("--why", options.why, "tell what frame N stands on, and for what")
+        ->type_name("N");
 }
 
 bool ParseSize(const std::string& text, SFrameOutputs& outputs) {
@@ -106,7 +114,8 @@ std::optional<int> Parse(Arguments arguments, SFramesOptions& options) {
     std::string size;
     std::string shard;
     std::string compareWith;
-    AddOptions(app, options, size, shard, compareWith);
+    bool headless = !HasDisplay();
+    AddOptions(app, options, size, shard, compareWith, headless);
     SFrameOutputs& outputs = options.outputs;
     std::reverse(arguments.begin(), arguments.end());
     try {
@@ -117,6 +126,7 @@ std::optional<int> Parse(Arguments arguments, SFramesOptions& options) {
         if (!shard.empty() && !ParseShard(shard, options.shard, options.shards)) {
             throw CLI::ValidationError("--shard", "is I/N, I from 1 to N");
         }
+        if (headless) options.screen = EScreen::kNone;
         const bool compares = app.count("--compare") != 0;
         if (compares || (outputs.folder.empty() && !outputs.checksums)) {
             outputs.compareWith = compareWith;
@@ -173,7 +183,7 @@ int Render(CFrameStore& trace, const Frames& frames, const SFramesOptions& optio
             ++counts->done;
         };
         const Frames part = PartOf(frames, number + 1, jobs);
-        CFrameRenderer renderer(trace, quiet);
+        CFrameRenderer renderer(trace, quiet, options.screen);
         try {
             if (slicer) {
                 renderer.Render(*slicer, part, take);
@@ -197,6 +207,15 @@ int Render(CFrameStore& trace, const Frames& frames, const SFramesOptions& optio
     return kExitFound;
 }
 
+bool MakeFolder(const std::string& folder) {
+    std::error_code problem;
+    if (!folder.empty()) fs::create_directories(folder, problem);
+    if (!problem) return true;
+    std::fprintf(stderr, "kestrail frames: %s can't be made: %s\n", folder.c_str(),
+                 problem.message().c_str());
+    return false;
+}
+
 }  // namespace
 
 int RunFrames(Arguments arguments) {
@@ -208,6 +227,10 @@ int RunFrames(Arguments arguments) {
     CFrameStore* const trace = Open(document, options.trace, status);
     if (trace == nullptr) return status;
     const std::uint32_t count = ShownFrames(*trace);
+    if (options.why > count) {
+        std::fprintf(stderr, "kestrail frames: --why: there are frames from 1 to %u\n", count);
+        return kExitUsage;
+    }
     Frames frames = ParseFrames(options.list, count);
     if (frames.empty()) {
         std::fprintf(stderr, "kestrail frames: --frames: '%s' is no list of frames from 1 to %u\n",
@@ -215,18 +238,13 @@ int RunFrames(Arguments arguments) {
         return kExitUsage;
     }
     frames = PartOf(frames, options.shard, options.shards);
-    if (frames.empty()) return status;
-    if (!options.outputs.folder.empty()) {
-        std::error_code problem;
-        fs::create_directories(options.outputs.folder, problem);
-        if (problem) {
-            std::fprintf(stderr, "kestrail frames: %s can't be made: %s\n",
-                         options.outputs.folder.c_str(), problem.message().c_str());
-            return kExitOutput;
-        }
-    }
+    if (!MakeFolder(options.outputs.folder)) return kExitOutput;
     CDataStream data;
-    status = std::max(status, Render(*trace, frames, options, data.File()));
+    if (options.why != 0) {
+        PrintReasons(*trace, options.why, options.outputs.json, data.File());
+    } else if (!frames.empty()) {
+        status = std::max(status, Render(*trace, frames, options, data.File()));
+    }
     if (!data.Close()) {
         std::fprintf(stderr, "kestrail frames: standard output can't be written\n");
         status = kExitOutput;

@@ -40,6 +40,8 @@ class CHosts {
 public:
     /// The platform's, each from when it is first needed.
     CHosts() = default;
+    /// The platform's but for EGL, whose table someone else has filled, not owned.
+    explicit CHosts(SEglHost& egl) : m_egl(&egl) {}
     /// Tables that someone else has filled, not owned.
     CHosts(SEglHost& egl, SEs1Host& es1, SEs2Host& es2, SEs3Host& es3)
         : m_egl(&egl), m_es1(&es1), m_es2(&es2), m_es3(&es3) {}

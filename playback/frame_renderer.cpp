@@ -3,6 +3,7 @@
 #include "exec/play_call.h"
 #include "generated/calls/egl_calls.h"
 #include "generated/calls/identifiers.h"
+#include "host/headless.h"
 
 namespace kestrail {
 namespace {
@@ -25,8 +26,14 @@ SPicture ReadWindow(SPlayerState& session);
 
 /// A session that begins with nothing and leaves nothing to the driver.
 struct SRenderSession : SPlayerState {
-    SRenderSession(CFrameStore& trace, Diagnostics& told)
-        : SPlayerState{{CHosts(), told, {}, {}, {}, {}}} {
+    SRenderSession(CFrameStore& trace, Diagnostics& told, EScreen screen)
+        : SPlayerState{{screen == EScreen::kNone ? CHosts(HostWithoutWindows()) : CHosts(),
+                        told,
+                        {},
+                        {},
+                        {},
+                        {}}} {
+        if (screen == EScreen::kNone) GiveNoWindows(environment);
         es1Names.ResetNames();
         es2Names.ResetNames();
         store = &trace;
@@ -163,7 +170,7 @@ void CFrameRenderer::Render(CSlicer& slicer, const std::vector<std::uint32_t>& f
                             const Take& take) {
     const std::vector<SStretch> stretches = StretchesOf(m_trace, frames);
     const SSlice slice = slicer.Slice(stretches);
-    SRenderSession session(m_trace, m_diagnostics);
+    SRenderSession session(m_trace, m_diagnostics, m_screen);
     auto next = slice.calls.begin();
     for (const SStretch& stretch : stretches) {
         for (; next != slice.calls.end() && *next < stretch.first; ++next) session.Play(*next);
@@ -175,7 +182,7 @@ void CFrameRenderer::Render(CSlicer& slicer, const std::vector<std::uint32_t>& f
 }
 
 void CFrameRenderer::RenderInOrder(const std::vector<std::uint32_t>& frames, const Take& take) {
-    SRenderSession session(m_trace, m_diagnostics);
+    SRenderSession session(m_trace, m_diagnostics, m_screen);
     std::uint32_t next = 1;
     for (const SStretch& stretch : StretchesOf(m_trace, frames)) {
         const bool swaps = IsSwap(m_trace, stretch.last);

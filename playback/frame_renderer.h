@@ -20,13 +20,16 @@ struct SRenderedFrame {
     std::vector<std::uint32_t> failed;
 };
 
+/// Where is rendered: in windows, or in pbuffers of their sizes, without a window system.
+enum class EScreen { kWindows, kNone };
+
 class CFrameRenderer {
 public:
     using Take = std::function<void(const SRenderedFrame&)>;
 
     /// `diagnostics` is told what playing calls tells. The trace stays as it is.
-    CFrameRenderer(CFrameStore& trace, Diagnostics& diagnostics)
-        : m_trace(trace), m_diagnostics(diagnostics) {}
+    CFrameRenderer(CFrameStore& trace, Diagnostics& diagnostics, EScreen screen)
+        : m_trace(trace), m_diagnostics(diagnostics), m_screen(screen) {}
 
     // Both render frames, 1-based and ascending, on a driver that begins with nothing, and hand
     // them to `take` one after the other. Frames that there aren't are left out. Both throw
@@ -40,6 +43,7 @@ public:
 private:
     CFrameStore& m_trace;
     Diagnostics& m_diagnostics;
+    EScreen m_screen;
 };
 
 /// How many frames were shown: those that end in a swap, all but what may follow the last one.

@@ -22,9 +22,9 @@ CSlicer::CSlicer(CFrameStore& trace)
     }
 }
 
-void CSlicer::Visit(std::uint32_t call, std::uint32_t reason) {
+void CSlicer::Visit(std::uint32_t call, const SReason& reason) {
     if (call == 0 || call >= m_end || IsVisited(call)) return;
-    m_reasons[call] = {m_visit, reason};
+    m_reasons[call] = reason;
     m_visited.push_back(call);
     m_waiting.push_back(call);
 }
@@ -39,7 +39,7 @@ SSlice CSlicer::Slice(const std::vector<SStretch>& stretches, EUnused unused) {
     m_readWhole.assign(m_effects.ObjectCount(), 0);
     for (const SStretch& stretch : stretches) {
         for (std::uint32_t call = stretch.first; call <= stretch.last; ++call) {
-            m_reasons[call] = {m_visit, call};
+            m_reasons[call] = {m_visit, call, 0};
         }
     }
     for (std::uint32_t i = 0; i < stretches.size(); ++i) {
@@ -54,13 +54,40 @@ SSlice CSlicer::Slice(const std::vector<SStretch>& stretches, EUnused unused) {
         m_waiting.pop_back();
         Follow(call, 0);
         const auto [begin, end] = m_effects.Endings().equal_range(call);
-        for (auto ending = begin; ending != end; ++ending) Visit(ending->second, call);
+        for (auto ending = begin; ending != end; ++ending)
+            Visit(ending->second, {m_visit, call, 0});
     }
     slice.unused = CountUnused(first, false);
     std::sort(m_visited.begin(), m_visited.end());
     slice.calls = m_visited;
-    for (const std::uint32_t call : m_visited) slice.reasons.push_back(m_reasons[call].call);
+    for (const std::uint32_t call : m_visited) {
+        slice.reasons.push_back(m_reasons[call].call);
+        slice.journals.push_back(m_reasons[call].journal);
+    }
     return slice;
+}
+
+std::string CSlicer::ContentsOf(std::uint32_t journal) {
+    const SJournal& known = m_effects.Journal(journal);
+    if (known.slot != ESlot::kContent) return {};
+    const SObject& object = m_effects.Object(known.object);
+    const std::string name = std::to_string(object.name);
+    static constexpr const char* kAspects[] = {"", " (depth)", " (stencil)"};
+    const char* const aspect = kAspects[std::min<std::uint64_t>(known.place & 15, 2)];
+    const std::uint64_t layer = known.place >> 4 & 0xFFFFFFF;
+    switch (object.kind) {
+        case EObject::kTexture:
+            return "texture " + name + " (level " + std::to_string(known.place >> 32) +
+                   (layer != 0 ? ", layer " + std::to_string(layer - 1) : "") + ")";
+        case EObject::kBuffer:
+            return "buffer " + name;
+        case EObject::kRenderbuffer:
+            return "renderbuffer " + name + aspect;
+        case EObject::kSurface:
+            return std::string("the window") + aspect;
+        default:
+            return {};
+    }
 }
 
 void CSlicer::FollowJournal(std::uint32_t number, std::uint32_t call) {
@@ -70,7 +97,7 @@ void CSlicer::FollowJournal(std::uint32_t number, std::uint32_t call) {
     while (next != 0) {
         const SJournal::SEntry& entry = journal.entries[next - 1];
         if (std::exchange(journal.visits[next - 1], m_visit) == m_visit) break;
-        Visit(entry.call, call);
+        Visit(entry.call, {m_visit, call, number});
         next = entry.previous;
     }
 }

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "slicing/effects.h"
@@ -26,6 +27,8 @@ struct SSlice {
     std::vector<std::uint32_t> calls;
     /// For each of them the later call that stands on it.
     std::vector<std::uint32_t> reasons;
+    /// For each of them the journal of what that call stands on it for; 0 if it has none.
+    std::vector<std::uint32_t> journals;
     /// Objects that are there where the first stretch begins and that no call of the slice makes.
     std::uint32_t unused = 0;
 };
@@ -41,15 +44,20 @@ public:
     /// What stretches stand on, which have to be ascending and in the trace.
     SSlice Slice(const std::vector<SStretch>& stretches, EUnused unused = EUnused::kLeftOut);
 
+    /// Of a slice's journal, the image or buffer whose contents it is of, such as "texture 4 (level
+    /// 0)"; empty for what isn't contents.
+    std::string ContentsOf(std::uint32_t journal);
+
 private:
     /// What a call is in the slice for.
     struct SReason {
         std::uint32_t visit = 0;
         std::uint32_t call = 0;  ///< itself in a stretch
+        std::uint32_t journal = 0;
     };
 
     bool IsVisited(std::uint32_t call) const { return m_reasons[call].visit == m_visit; }
-    void Visit(std::uint32_t call, std::uint32_t reason);
+    void Visit(std::uint32_t call, const SReason& reason);
     /// Visits what a call stands on. `stretch`: the number of the one that it is in, or 0.
     void Follow(std::uint32_t call, std::uint32_t stretch);
     /// Visits what counts of a journal in front of a call.
