@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <type_traits>
 
 #include "base/kstl_string.h"
 #include "base/text_writer.h"
@@ -50,17 +51,6 @@ inline float ReadStored(CTrace& trace, std::int32_t width, float) {
     if (width != sizeof(float)) ThrowFloatWidth();
     return ReadFloat(trace.Stream(), 0, true);
 }
-/// The same the other way.
-inline void WriteStored(CRecordWriter& out, std::int32_t width, std::uint32_t value) {
-    out.Number(width, value);
-}
-inline void WriteStored(CRecordWriter& out, std::int32_t width, std::int32_t value) {
-    out.Number(width, value);
-}
-inline void WriteStored(CRecordWriter& out, std::int32_t width, float value) {
-    if (width != sizeof(float)) ThrowFloatWidth();
-    out.Bytes(&value, sizeof(value));
-}
 
 template <unsigned N, typename T>
 class TApiType : public SApiTypeBase {
@@ -74,7 +64,25 @@ public:
 
     static T ReadValue(CTrace& trace) { return ReadStored(trace, trace.GetEsTypeSize(N), T{}); }
     void Read(CTrace& trace) { value = ReadValue(trace); }
-    void Write(CRecordWriter& out) const { WriteStored(out, out.Widths()[N], value); }
+    void Write(CRecordWriter& out) const { Put(out, value); }
+    /// What is written of a value that isn't held here. `Sink` is a CRecordWriter or has the same:
+    /// the widths of types, Number, UInt32 and Bytes. Of a pointer, or a handle, the lower half is
+    /// kept, but never 0 for one that isn't null.
+    template <typename Sink, typename Given>
+    static void Put(Sink& out, Given given) {
+        const std::int32_t width = out.Widths()[N];
+        if constexpr (std::is_floating_point_v<T>) {
+            if (width != sizeof(T)) ThrowFloatWidth();
+            const T stored = given;
+            out.Bytes(&stored, sizeof(stored));
+        } else if constexpr (std::is_pointer_v<Given>) {
+            const auto address = reinterpret_cast<std::uintptr_t>(given);
+            const auto low = static_cast<std::uint32_t>(address);
+            out.Number(width, low == 0 && address != 0 ? 1 : low);
+        } else {
+            out.Number(width, static_cast<std::int64_t>(given));
+        }
+    }
     /// Takes the value from bytes of the usual width, and passes them.
     void Take(const std::uint8_t*& from) {
         constexpr std::uint32_t kWidth = CWidthTable::Usual(N);

@@ -37,11 +37,19 @@ void ReadElements(CTrace& trace, typename T::ValueType* elements, std::size_t co
     }
 }
 
-template <typename T>
-void WriteElements(CRecordWriter& out, const typename T::ValueType* elements, std::size_t count) {
-    const std::int32_t width = out.Widths()[T::kTag];
-    if (width == sizeof(*elements)) return out.Bytes(elements, count * sizeof(*elements));
-    for (std::size_t i = 0; i < count; ++i) WriteStored(out, width, elements[i]);
+template <typename T, typename Sink, typename Given>
+void WriteElements(Sink& out, const Given* elements, std::size_t count) {
+    if constexpr (std::is_arithmetic_v<Given>) {
+        if (std::abs(out.Widths()[T::kTag]) == sizeof(Given)) {
+            return out.Bytes(elements, count * sizeof(Given));
+        }
+    }
+    for (std::size_t i = 0; i < count; ++i) T::Put(out, elements[i]);
+}
+
+/// How many items of an application's array there are.
+inline std::uint32_t HeldItems(const void* items, std::int64_t count) {
+    return items == nullptr || count < 0 ? 0 : static_cast<std::uint32_t>(count);
 }
 
 /// The pointer and the count of an array that holds `items`. False when no items follow.
@@ -138,6 +146,14 @@ public:
         if (!WriteArrayHead(out, pointer, count, m_items)) return;
         WriteElements<T>(out, m_elements.get(), std::size_t{m_items} * kItemSize);
     }
+    /// What is written of an application's array.
+    template <typename Sink, typename Given>
+    static void Put(Sink& out, const Given* elements, std::int64_t items) {
+        const std::uint32_t held = HeldItems(elements, items);
+        TPointer::Put(out, elements);
+        out.UInt32(held);
+        WriteElements<T>(out, elements, std::size_t{held} * kItemSize);
+    }
 
     void AppendText(TextWriter& out) const override {
         if (!m_elements) return pointer.AppendText(out);
@@ -190,6 +206,13 @@ public:
 
     void Read(CTrace& trace);
     void Write(CRecordWriter& out) const;
+    template <typename Sink>
+    static void Put(Sink& out, const char* const* texts, std::int64_t items) {
+        const std::uint32_t held = HeldItems(texts, items);
+        TPointer::Put(out, texts);
+        out.UInt32(held);
+        for (std::uint32_t i = 0; i < held; ++i) SString::Put(out, texts[i]);
+    }
     void AppendText(TextWriter& out) const override;
     void AppendNumericText(TextWriter& out) const override;
     void AppendDetailText(TextWriter& out) const override;
@@ -217,6 +240,11 @@ public:
     void Write(CRecordWriter& out) const {
         out << pointer;
         if (pointer.value != 0) WriteElements<T>(out, m_elements, N * M);
+    }
+    template <typename Sink, typename Given>
+    static void Put(Sink& out, const Given* elements) {
+        TPointer::Put(out, elements);
+        if (elements != nullptr) WriteElements<T>(out, elements, N * M);
     }
 
     void AppendText(TextWriter& out) const override {

@@ -56,10 +56,10 @@ void SBlock::Read(CTrace& trace) {
 }
 
 void SBlock::Write(CRecordWriter& out) const {
+    if (size <= MemoryManager::kBlockSize) return Put(out, pointer.value, m_data, size);
     out << pointer;
     out.UInt32(size);
-    if (size > MemoryManager::kBlockSize) return out.Claim(size);
-    out.Bytes(m_data, size);
+    out.Claim(size);
 }
 
 void SBlock::Release() {

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <utility>
 
@@ -39,6 +40,18 @@ public:
     /// Pointer by width, size in 4 bytes, then the bytes, whether the pointer is null or not.
     void Read(CTrace& trace);
     void Write(CRecordWriter& out) const;
+    /// What is written of a pointer and of bytes for it, or of none.
+    template <typename Sink, typename Pointer>
+    static void Put(Sink& out, Pointer given, const void* bytes, std::size_t length) {
+        const std::size_t held = bytes == nullptr ? 0 : length;
+        TPointer::Put(out, given);
+        out.UInt32(static_cast<std::uint32_t>(held));
+        out.Bytes(bytes, held);
+    }
+    template <typename Sink>
+    static void Put(Sink& out, const void* bytes, std::int64_t length) {
+        Put(out, bytes, bytes, length < 0 ? 0 : static_cast<std::size_t>(length));
+    }
     void AppendNumericText(TextWriter& out) const override { pointer.AppendText(out); }
 
 private:
@@ -76,6 +89,15 @@ public:
     /// Pointer by width, length in 4 bytes, then the characters unless the pointer is null.
     void Read(CTrace& trace);
     void Write(CRecordWriter& out) const;
+    /// What is written of an application's text.
+    template <typename Sink>
+    static void Put(Sink& out, const void* text, std::size_t length) {
+        SBlock::Put(out, text, text, length);
+    }
+    template <typename Sink>
+    static void Put(Sink& out, const void* text) {
+        Put(out, text, text != nullptr ? std::strlen(static_cast<const char*>(text)) : 0);
+    }
     /// Takes the strings of `parts` in their order, without separators.
     void Join(const SArrayPtr<SString, 1, 1>& parts);
 

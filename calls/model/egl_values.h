@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "base/enumerants.h"
 #include "base/kstl_string.h"
 #include "calls/model/array_values.h"
 
@@ -18,6 +19,16 @@ public:
     /// The value of the first pair of that name into `out`, which stays as it is without one.
     void GetAttribute(std::int32_t name, std::int32_t& out) const;
     void Read(CTrace& trace);
+    /// What is written of an application's list: up to and including its EGL_NONE.
+    template <typename Sink, typename Given>
+    static void Put(Sink& out, const Given* list) {
+        std::uint32_t count = 0;
+        if (list != nullptr) {
+            while (list[count] != EGL_NONE) count += 2;
+            ++count;
+        }
+        SArrayPtr::Put(out, list, count);
+    }
 
     void AppendText(TextWriter& out) const override;
     void AppendNumericText(TextWriter& out) const override;

@@ -285,7 +285,7 @@ GLboolean Call_glUnmapBufferOES(GLenum target) {
     w.Put<TGLubyte>(thread.Context()->IsEs1() ? 1 : 2);
     w.Put<TGLboolean>(result);
     w.Put<TGLenum>(target);
-    w.PutBlock(pointer, written.data(), written.size());
+    w.Put<SBlock>(pointer, written.data(), written.size());
     return result;
 }
 
@@ -293,7 +293,7 @@ void Record_glEndTransformFeedback(CThread& thread, GLenum error) {
     {
         CCallWriter w(thread, es3_id::glEndTransformFeedback);
         w.Put<TGLError>(error);
-        w.PutBlock(nullptr, 0);
+        w.Put<SBlock>(nullptr, 0);
     }
     if (error != GL_NO_ERROR) return;
     const GLint targets = Integer(thread, GL_MAX_TRANSFORM_FEEDBACK_SEPARATE_ATTRIBS);

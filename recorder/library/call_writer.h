@@ -8,9 +8,10 @@
 #include <type_traits>
 #include <vector>
 
-#include "calls/model/array_values.h"
+#include "calls/model/egl_values.h"
 #include "recorder/library/recorder.h"
 #include "recorder/library/thread.h"
+#include "tracefile/bytes/file_frame.h"
 
 namespace kestrail::recorder {
 
@@ -42,7 +43,7 @@ public:
         m_at = m_start;
         m_limit = m_start + kUsualRoom;
         m_at += sizeof(std::uint32_t);
-        PutBytes(&id, sizeof id);
+        Bytes(&id, sizeof id);
     }
     ~CCallWriter() {
         if (m_elsewhere != nullptr) [[unlikely]] {
@@ -55,122 +56,50 @@ public:
     CCallWriter(const CCallWriter&) = delete;
     CCallWriter& operator=(const CCallWriter&) = delete;
 
-    /// A single value. Of handles and pointers the lower half is kept, but never 0 for one that
-    /// isn't null.
-    template <typename Value, typename Given>
-    void Put(Given given) {
-        using Stored = typename Value::ValueType;
-        constexpr std::size_t kWidth = Width(Value::kTag);
-        if constexpr (std::is_pointer_v<Given>) {
-            const auto address = reinterpret_cast<std::uintptr_t>(given);
-            auto low = static_cast<std::uint32_t>(address);
-            if (low == 0 && address != 0) low = 1;
-            PutNumber<kWidth>(low);
-        } else if constexpr (std::is_floating_point_v<Stored>) {
-            const float value = given;
-            PutBytes(&value, sizeof value);
-        } else {
-            PutNumber<kWidth>(given);
-        }
+    /// A value as its class has it written.
+    template <typename Value, typename... Given>
+    void Put(Given... given) {
+        Value::Put(*this, given...);
     }
-
     /// Single values one behind the other.
     template <typename... Values, typename... Given>
-    requires(sizeof...(Values) > 1 &&
-             sizeof...(Values) == sizeof...(Given)) void Put(Given... given) {
-        (Put<Values>(given), ...);
+    void PutAll(Given... given) {
+        (Values::Put(*this, given), ...);
     }
-
-    /// A block: bytes, or none where the application gave none or an offset.
-    void PutBlock(const void* pointer, std::int64_t size) {
-        PutBlock(pointer, pointer, size < 0 ? 0 : static_cast<std::size_t>(size));
-    }
-    void PutBlock(const void* pointer, const void* bytes, std::size_t size) {
-        const std::size_t held = bytes == nullptr ? 0 : size;
-        Put<TPointer>(pointer);
-        PutNumber<4>(held);
-        PutBytes(bytes, held);
-    }
-
-    /// An array of `items` items behind a pointer.
-    template <typename Value, unsigned kItemSize, typename Given>
-    void PutArray(const Given* elements, std::int64_t items) {
-        const std::size_t count =
-            elements == nullptr || items < 0 ? 0 : static_cast<std::size_t>(items);
-        Put<TPointer>(elements);
-        PutNumber<4>(count);
-        PutElements<Value>(elements, count * kItemSize);
-    }
-    /// The same of names of objects, raised.
+    /// Names of objects, raised.
     void PutNames(const GLuint* names, std::int64_t items, std::uint32_t raised) {
-        const std::size_t count =
-            names == nullptr || items < 0 ? 0 : static_cast<std::size_t>(items);
+        const std::uint32_t held = HeldItems(names, items);
         Put<TPointer>(names);
-        PutNumber<4>(count);
-        for (std::size_t i = 0; i < count; ++i) PutNumber<4>(Raised(names[i], raised));
+        UInt32(held);
+        for (std::uint32_t i = 0; i < held; ++i) UInt32(Raised(names[i], raised));
     }
-    /// One item without a count.
-    template <typename Value, unsigned kItemSize, typename Given>
-    void PutItem(const Given* elements) {
-        Put<TPointer>(elements);
-        if (elements != nullptr) PutElements<Value>(elements, kItemSize);
-    }
-
-    void PutString(const void* text, std::size_t length) {
-        Put<TPointer>(text);
-        PutNumber<4>(text != nullptr ? length : 0);
-        if (text != nullptr) PutBytes(text, length);
-    }
-    void PutString(const void* text) {
-        PutString(text, text != nullptr ? std::strlen(static_cast<const char*>(text)) : 0);
-    }
-
     /// A text that the host has written, which may have had no room.
     void PutText(const char* text, std::int64_t room) {
         const std::size_t size = text == nullptr || room <= 0 ? 0 : static_cast<std::size_t>(room);
-        PutString(text, strnlen(text != nullptr ? text : "", size));
-    }
-    void PutStrings(const char* const* texts, std::int64_t count) {
-        const std::size_t held =
-            texts == nullptr || count < 0 ? 0 : static_cast<std::size_t>(count);
-        Put<TPointer>(texts);
-        PutNumber<4>(held);
-        for (std::size_t i = 0; i < held; ++i) PutString(texts[i]);
+        Put<SString>(text, strnlen(text != nullptr ? text : "", size));
     }
 
-    /// Pairs that EGL_NONE ends, with it.
-    template <typename Given>
-    void PutAttributes(const Given* list) {
-        std::uint32_t count = 0;
-        if (list != nullptr) {
-            while (list[count] != EGL_NONE) count += 2;
-            ++count;
-        }
-        PutArray<TEGLint, 1>(list, count);
+    // What values are written by.
+    struct SWidths {
+        constexpr std::int32_t operator[](std::uint16_t tag) const { return kWrittenWidths[tag]; }
+    };
+    static constexpr SWidths Widths() { return {}; }
+    [[gnu::always_inline]] void Number(std::int32_t width, std::int64_t number) {
+        // Of a known size, each is a single move.
+        if (width == 1 || width == -1) return Bytes(&number, 1);
+        if (width == -8) return Bytes(&number, 8);
+        Bytes(&number, 4);
     }
-
-    template <std::size_t kWidth, typename Number>
-    void PutNumber(Number number) {
-        if constexpr (kWidth == 1) {
-            const auto value = static_cast<std::uint8_t>(number);
-            PutBytes(&value, 1);
-        } else if constexpr (kWidth == 4) {
-            const auto value = static_cast<std::uint32_t>(number);
-            PutBytes(&value, 4);
-        } else {
-            static_assert(kWidth == 8);
-            const auto value = static_cast<std::uint64_t>(number);
-            PutBytes(&value, 8);
-        }
-    }
-    void PutBytes(const void* bytes, std::size_t size) {
+    void UInt32(std::uint32_t number) { Bytes(&number, sizeof number); }
+    void Bytes(const void* bytes, std::size_t size) {
         if (!MakeRoom(size, bytes)) return;
         if (size != 0) std::memcpy(m_at, bytes, size);
         m_at += size;
     }
+
     /// Items that stand apart in memory, put close together.
-    void PutSpread(const void* items, std::size_t itemSize, std::size_t stride, std::size_t count) {
-        if (stride == itemSize) return PutBytes(items, itemSize * count);
+    void Spread(const void* items, std::size_t itemSize, std::size_t stride, std::size_t count) {
+        if (stride == itemSize) return Bytes(items, itemSize * count);
         MakeRoom(itemSize * count);
         const auto* from = static_cast<const std::uint8_t*>(items);
         for (std::size_t i = 0; i < count; ++i, from += stride, m_at += itemSize) {
@@ -179,7 +108,7 @@ public:
     }
 
     /// The record, small as it is, to which nothing is put any more.
-    std::vector<std::uint8_t> Bytes() {
+    std::vector<std::uint8_t> Record() {
         Finish();
         return {m_start, m_at};
     }
@@ -192,21 +121,6 @@ public:
 private:
     static constexpr std::size_t kUsualRoom = 4096;
     static constexpr std::size_t kFrameBytes = sizeof(std::uint32_t) + sizeof(std::uint16_t);
-
-    /// The widths that a trace of ours says for its values.
-    static constexpr std::size_t Width(std::uint16_t tag) {
-        if (CWidthTable::Usual(tag) != 0) return CWidthTable::Usual(tag);
-        return tag == TGLuint64::kTag ? 8 : 4;
-    }
-
-    template <typename Value, typename Given>
-    void PutElements(const Given* elements, std::size_t count) {
-        if constexpr (std::is_arithmetic_v<Given> && sizeof(Given) == Width(Value::kTag)) {
-            PutBytes(elements, count * sizeof(Given));
-        } else {
-            for (std::size_t i = 0; i < count; ++i) Put<Value>(elements[i]);
-        }
-    }
 
     /// Bytes that stay where they are, and how many of the others come before them.
     struct SLarge {

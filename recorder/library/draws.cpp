@@ -9,6 +9,7 @@
 
 #include "generated/calls/identifiers.h"
 #include "recorder/library/by_hand.h"
+#include "recorder/library/readable.h"
 
 namespace kestrail::recorder {
 namespace {
@@ -29,7 +30,36 @@ struct SClientArray {
     std::size_t Step() const {
         return stride != 0 ? static_cast<std::size_t>(stride) : ValueBytes();
     }
+    /// The memory of so many values; none where that is more than can be meant.
+    CReadable Memory(std::int64_t& values) const {
+        const SArrayReach reach = {VertexBytes(type, size), stride, values};
+        const std::int64_t most = std::max(reach.Bytes(), reach.vertexBytes * values);
+        if (values < 0 || most > std::int64_t{CReadable::kMost}) {
+            CRecorder::Instance().CountLeftOut("vertices far behind their array");
+            values = 0;
+        }
+        const bool one = divisor != 0 && values > 1;
+        return {pointer, values == 0 ? 0
+                         : one       ? ValueBytes()
+                                     : static_cast<std::size_t>(reach.Bytes())};
+    }
 };
+
+/// The arrays of a record with their bytes.
+struct SCaptured {
+    const SClientArray& array;
+    std::int64_t values;
+    CReadable memory;
+};
+std::vector<SCaptured> Capture(const std::vector<SClientArray>& arrays, std::int64_t vertices) {
+    std::vector<SCaptured> captured;
+    for (const SClientArray& array : arrays) {
+        std::int64_t values = vertices;
+        CReadable memory = array.Memory(values);
+        captured.push_back({array, values, std::move(memory)});
+    }
+    return captured;
+}
 
 /// A kind of array of ES1 by the enumerants that ask for its state; 0 where it has no such state.
 struct SKind {
@@ -141,14 +171,12 @@ std::vector<SClientArray> ClientArrays(CThread& thread) {
 
 /// The player points at a record's bytes without a stride. Of an array that doesn't go on by
 /// vertices the first value stands for all.
-void PutArrays(CCallWriter& w, const std::vector<SClientArray>& arrays, std::int64_t vertices) {
-    const auto count = static_cast<std::size_t>(std::max<std::int64_t>(vertices, 0));
-    for (const SClientArray& array : arrays) {
-        w.Put<TGLint>(array.index);
-        w.Put<TPointer>(array.pointer);
-        w.PutNumber<4>(array.ValueBytes() * count);
-        w.PutSpread(array.pointer, array.ValueBytes(), array.divisor != 0 ? 0 : array.Step(),
-                    count);
+void PutArrays(CCallWriter& w, const std::vector<SCaptured>& captured) {
+    for (const auto& [array, values, memory] : captured) {
+        const auto count = static_cast<std::size_t>(values);
+        w.PutAll<TGLint, TPointer>(array.index, array.pointer);
+        w.UInt32(static_cast<std::uint32_t>(array.ValueBytes() * count));
+        w.Spread(memory.Data(), array.ValueBytes(), array.divisor != 0 ? 0 : array.Step(), count);
     }
 }
 
@@ -170,10 +198,13 @@ void WithBuffer(CThread& thread, const std::vector<SClientArray>& arrays, std::i
     std::vector<std::uint8_t> bytes;
     std::vector<std::size_t> places;
     for (const SClientArray& array : arrays) {
-        const std::int64_t values =
+        SClientArray own = array;
+        own.divisor = 0;
+        std::int64_t values =
             array.divisor != 0 ? (instances + array.divisor - 1) / array.divisor : vertices;
+        const CReadable memory = own.Memory(values);
         places.push_back(bytes.size());
-        const auto* value = static_cast<const std::uint8_t*>(array.pointer);
+        const std::uint8_t* value = memory.Data();
         for (std::int64_t i = 0; i < values; ++i, value += array.Step()) {
             bytes.insert(bytes.end(), value, value + array.ValueBytes());
         }
@@ -241,7 +272,7 @@ SIndices Indices(CThread& thread, GLenum error, GLsizei count, GLenum type, cons
 }
 
 void PutIndices(CCallWriter& w, const SIndices& found, const void* indices) {
-    w.PutBlock(indices, found.fromBuffer ? nullptr : indices, found.size);
+    w.Put<SBlock>(indices, found.fromBuffer ? nullptr : indices, found.size);
 }
 
 }  // namespace
@@ -251,13 +282,11 @@ void Record_glDrawArrays(CThread& thread, GLenum error, GLenum mode, GLint first
     if (error == GL_NO_ERROR && count > 0) arrays = ClientArrays(thread);
     const std::int64_t vertices = std::int64_t{first} + count;
     const auto write = [&] {
+        const std::vector<SCaptured> captured = Capture(arrays, vertices);
         CCallWriter w(thread,
                       thread.Context()->IsEs1() ? es1_id::glDrawArrays : es2_id::glDrawArrays);
-        w.Put<TGLError>(error);
-        w.Put<TGLBeginMode>(mode);
-        w.Put<TGLint>(first);
-        w.Put<TGLsizei>(count);
-        PutArrays(w, arrays, vertices);
+        w.PutAll<TGLError, TGLBeginMode, TGLint, TGLsizei>(error, mode, first, count);
+        PutArrays(w, captured);
     };
     if (!AnyIntegers(arrays)) return write();
     WithBuffer(thread, std::exchange(arrays, {}), vertices, 1, write);
@@ -267,15 +296,13 @@ void Record_glDrawElements(CThread& thread, GLenum error, GLenum mode, GLsizei c
                            const void* indices) {
     SIndices found = Indices(thread, error, count, type, indices);
     const auto write = [&] {
+        const std::vector<SCaptured> captured = Capture(found.arrays, found.vertices);
         CCallWriter w(thread,
                       thread.Context()->IsEs1() ? es1_id::glDrawElements : es2_id::glDrawElements);
-        w.Put<TGLError>(error);
-        w.Put<TGLBeginMode>(mode);
-        w.Put<TGLsizei>(count);
-        w.Put<TGLenum>(type);
+        w.PutAll<TGLError, TGLBeginMode, TGLsizei, TGLenum>(error, mode, count, type);
         PutIndices(w, found, indices);
         w.Put<TPointer>(indices);
-        PutArrays(w, found.arrays, found.vertices);
+        PutArrays(w, captured);
     };
     if (!AnyIntegers(found.arrays)) return write();
     WithBuffer(thread, std::exchange(found.arrays, {}), found.vertices, 1, write);
@@ -289,12 +316,8 @@ void Record_glDrawRangeElements(CThread& thread, GLenum error, GLenum mode, GLui
         return Record_glDrawElements(thread, error, mode, count, type, indices);
     }
     CCallWriter w(thread, es3_id::glDrawRangeElements);
-    w.Put<TGLError>(error);
-    w.Put<TGLBeginMode>(mode);
-    w.Put<TGLuint>(start);
-    w.Put<TGLuint>(end);
-    w.Put<TGLsizei>(count);
-    w.Put<TGLenum>(type);
+    w.PutAll<TGLError, TGLBeginMode, TGLuint, TGLuint>(error, mode, start, end);
+    w.PutAll<TGLsizei, TGLenum>(count, type);
     PutIndices(w, found, indices);
 }
 

@@ -122,7 +122,7 @@ Given Record(std::uint16_t id, Given result, Put put) {
     const EGLint error = thread.KeepEglError();
     if (!Records()) return result;
     CCallWriter w(thread, id);
-    w.Put<TEGLintEnum, Result>(error, result);
+    w.PutAll<TEGLintEnum, Result>(error, result);
     put(w);
     return result;
 }
@@ -154,13 +154,13 @@ EGLSurface RecordWindowSurface(EGLSurface result, EGLDisplay display, EGLConfig 
     const EGLint height = made ? SurfaceValue(display, result, EGL_HEIGHT) : 0;
     const std::lock_guard held(g_windowsLock);
     CCallWriter w(thread, egl_id::eglCreateWindowSurface);
-    w.Put<TEGLintEnum, TEGLSurface, TEGLDisplay, TEGLConfig, TEGLNativeWindowType>(
+    w.PutAll<TEGLintEnum, TEGLSurface, TEGLDisplay, TEGLConfig, TEGLNativeWindowType>(
         error, result, display, config, window);
     if (made) Windows()[{display, result}] = {w.Place(), width, height};
-    w.PutNumber<4>(width);
-    w.PutNumber<4>(height);
-    w.PutAttributes(attributes);
-    w.PutAttributes(Data(description));
+    w.UInt32(width);
+    w.UInt32(height);
+    w.Put<SEglAttribList>(attributes);
+    w.Put<SEglAttribList>(Data(description));
     return result;
 }
 
@@ -168,26 +168,26 @@ void RecordContext(CThread& thread, EGLint error, EGLContext result, EGLDisplay 
                    EGLConfig config, EGLContext share, const EGLint* attributes) {
     const std::vector<EGLint> description = Describe(display, config);
     CCallWriter w(thread, egl_id::eglCreateContext);
-    w.Put<TEGLintEnum, TEGLContext, TEGLDisplay, TEGLConfig, TEGLContext>(error, result, display,
-                                                                          config, share);
-    w.PutAttributes(attributes);
-    w.PutAttributes(Data(description));
+    w.PutAll<TEGLintEnum, TEGLContext, TEGLDisplay, TEGLConfig, TEGLContext>(error, result, display,
+                                                                             config, share);
+    w.Put<SEglAttribList>(attributes);
+    w.Put<SEglAttribList>(Data(description));
 }
 
 /// The pixmap's own bytes aren't known; the player makes none from them.
 void PutPixmap(CCallWriter& w, const void* pixmap) {
     static std::atomic<bool> s_first{true};
     w.Put<TEGLNativePixmapType>(pixmap);
-    if (s_first.exchange(false)) w.PutNumber<4>(0);
+    if (s_first.exchange(false)) w.UInt32(0);
 }
 
 template <typename Attribute>
 EGLSurface RecordPixmapSurface(EGLSurface result, EGLDisplay display, EGLConfig config,
                                const void* pixmap, const Attribute* attributes) {
     return Record<TEGLSurface>(egl_id::eglCreatePixmapSurface, result, [&](CCallWriter& w) {
-        w.Put<TEGLDisplay, TEGLConfig>(display, config);
+        w.PutAll<TEGLDisplay, TEGLConfig>(display, config);
         PutPixmap(w, pixmap);
-        w.PutAttributes(attributes);
+        w.Put<SEglAttribList>(attributes);
     });
 }
 
@@ -227,10 +227,11 @@ EGLBoolean SwapAndRecord(EGLDisplay display, EGLSurface surface, Swap swap) {
     {
         CCallWriter w(thread, egl_id::eglSwapBuffers);
         frame = CRecorder::Instance().CountFrame();
-        w.Put<TEGLintEnum, TEGLBoolean, TEGLDisplay, TEGLSurface>(error, result, display, surface);
-        w.Put<TGLuint, TGLuint, TGLuint>(frame, picture.width, picture.height);
+        w.PutAll<TEGLintEnum, TEGLBoolean, TEGLDisplay, TEGLSurface>(error, result, display,
+                                                                     surface);
+        w.PutAll<TGLuint, TGLuint, TGLuint>(frame, picture.width, picture.height);
         const void* const pixels = picture.pixels.empty() ? nullptr : picture.pixels.data();
-        w.PutBlock(pixels, pixels, picture.pixels.size());
+        w.Put<SBlock>(pixels, pixels, picture.pixels.size());
     }
     CRecorder::Instance().EndFrame(frame);
     return result;
@@ -313,12 +314,12 @@ EGLBoolean Call_eglMakeCurrent(EGLDisplay display, EGLSurface draw, EGLSurface r
     const EGLConfig config = found.value_or(nullptr);
     const std::vector<EGLint> description = Describe(display, config);
     CCallWriter w(thread, egl_id::eglMakeCurrent);
-    w.Put<TEGLintEnum, TEGLBoolean, TEGLDisplay>(error, result, display);
+    w.PutAll<TEGLintEnum, TEGLBoolean, TEGLDisplay>(error, result, display);
     w.Put<TEGLSurface>(known != EGL_NO_CONTEXT ? draw : EGL_NO_SURFACE);
     w.Put<TEGLSurface>(known != EGL_NO_CONTEXT ? read : EGL_NO_SURFACE);
-    w.Put<TEGLContext, TEGLConfig>(known, config);
-    w.PutAttributes(Data(description));
-    if (result == EGL_TRUE) thread.BeCurrent(w.Bytes());
+    w.PutAll<TEGLContext, TEGLConfig>(known, config);
+    w.Put<SEglAttribList>(Data(description));
+    if (result == EGL_TRUE) thread.BeCurrent(w.Record());
     return result;
 }
 
@@ -384,12 +385,12 @@ void Record_eglCreatePbufferSurface(CThread& thread, EGLint error, EGLSurface re
         const EGLContext own = reinterpret_cast<EGLContext>(std::uintptr_t{OwnName(thread)});
         RecordContext(thread, EGL_SUCCESS, own, display, config, EGL_NO_CONTEXT, attributes);
         CCallWriter w(thread, egl_id::eglDestroyContext);
-        w.Put<TEGLintEnum, TEGLBoolean, TEGLDisplay, TEGLContext>(EGL_SUCCESS, EGL_TRUE, display,
-                                                                  own);
+        w.PutAll<TEGLintEnum, TEGLBoolean, TEGLDisplay, TEGLContext>(EGL_SUCCESS, EGL_TRUE, display,
+                                                                     own);
     }
     CCallWriter w(thread, egl_id::eglCreatePbufferSurface);
-    w.Put<TEGLintEnum, TEGLSurface, TEGLDisplay, TEGLConfig>(error, result, display, config);
-    w.PutAttributes(list);
+    w.PutAll<TEGLintEnum, TEGLSurface, TEGLDisplay, TEGLConfig>(error, result, display, config);
+    w.Put<SEglAttribList>(list);
 }
 
 void Note_eglDestroySurface(CThread&, EGLBoolean, EGLDisplay display, EGLSurface surface) {
@@ -400,15 +401,15 @@ void Note_eglDestroySurface(CThread&, EGLBoolean, EGLDisplay display, EGLSurface
 void Record_eglCopyBuffers(CThread& thread, EGLint error, EGLBoolean result, EGLDisplay display,
                            EGLSurface surface, EGLNativePixmapType pixmap) {
     CCallWriter w(thread, egl_id::eglCopyBuffers);
-    w.Put<TEGLintEnum, TEGLBoolean, TEGLDisplay, TEGLSurface>(error, result, display, surface);
+    w.PutAll<TEGLintEnum, TEGLBoolean, TEGLDisplay, TEGLSurface>(error, result, display, surface);
     PutPixmap(w, reinterpret_cast<const void*>(pixmap));
 }
 
 void Record_eglReleaseTexImage(CThread& thread, EGLint error, EGLBoolean result, EGLDisplay display,
                                EGLSurface surface, EGLint buffer) {
     CCallWriter w(thread, egl_id::eglReleaseTexImage);
-    w.Put<TEGLintEnum, TEGLBoolean, TEGLDisplay, TEGLSurface>(error, result, display, surface);
-    w.Put<TEGLint, TEGLintEnum>(0, buffer);
+    w.PutAll<TEGLintEnum, TEGLBoolean, TEGLDisplay, TEGLSurface>(error, result, display, surface);
+    w.PutAll<TEGLint, TEGLintEnum>(0, buffer);
 }
 
 EGLBoolean Call_eglSwapBuffers(EGLDisplay display, EGLSurface surface) {
@@ -431,15 +432,15 @@ EGLImage Call_eglCreateImage(EGLDisplay display, EGLContext context, EGLenum tar
                              EGLClientBuffer buffer, const EGLAttrib* list) {
     const EGLImage result = EGL(eglCreateImage)(display, context, target, buffer, list);
     return Record<TEGLImageKHR>(egl_id::eglCreateImageKHR, result, [&](CCallWriter& w) {
-        w.Put<TEGLDisplay, TEGLContext, TEGLenum, TEGLClientBuffer>(display, context, target,
-                                                                    buffer);
-        w.PutAttributes(list);
+        w.PutAll<TEGLDisplay, TEGLContext, TEGLenum, TEGLClientBuffer>(display, context, target,
+                                                                       buffer);
+        w.Put<SEglAttribList>(list);
     });
 }
 EGLBoolean Call_eglDestroyImage(EGLDisplay display, EGLImage image) {
     const EGLBoolean result = EGL(eglDestroyImage)(display, image);
     return Record<TEGLBoolean>(egl_id::eglDestroyImageKHR, result, [&](CCallWriter& w) {
-        w.Put<TEGLDisplay, TEGLImageKHR>(display, image);
+        w.PutAll<TEGLDisplay, TEGLImageKHR>(display, image);
     });
 }
 
@@ -448,7 +449,7 @@ EGLint Call_eglGetError() {
     const EGLint result = thread.TakeEglError();
     if (!Records()) return result;
     CCallWriter w(thread, egl_id::eglGetError);
-    w.Put<TEGLintEnum, TEGLintEnum>(EGL_SUCCESS, result);
+    w.PutAll<TEGLintEnum, TEGLintEnum>(EGL_SUCCESS, result);
     return result;
 }
 
@@ -468,8 +469,8 @@ __eglMustCastToProperFunctionPointerType Call_eglGetProcAddress(const char* name
     }
     if (!Records()) return result;
     CCallWriter w(thread, egl_id::eglGetProcAddress);
-    w.Put<TEGLintEnum, TPointer>(error, reinterpret_cast<const void*>(result));
-    w.PutString(name);
+    w.PutAll<TEGLintEnum, TPointer>(error, reinterpret_cast<const void*>(result));
+    w.Put<SString>(name);
     return result;
 }
 

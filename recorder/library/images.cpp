@@ -42,9 +42,9 @@ SPixelStore Unpacking(CThread& thread) {
 void SImage::Put(CCallWriter& w) const {
     static constexpr std::uint8_t kZeros[8] = {};
     w.Put<TPointer>(pointer);
-    w.PutNumber<4>(padded);
-    w.PutBytes(pointer, size);
-    w.PutBytes(kZeros, padded - size);
+    w.UInt32(static_cast<std::uint32_t>(padded));
+    w.Bytes(pointer, size);
+    w.Bytes(kZeros, padded - size);
 }
 
 bool UnpackBufferBound(CThread& thread) {

@@ -107,7 +107,7 @@ const char* Call_eglQueryString(EGLDisplay display, EGLint name) {
     if (!CRecorder::Instance().Records()) return result;
     CCallWriter w(thread, egl_id::eglQueryString);
     w.Put<TEGLintEnum>(error);
-    w.PutString(result);
+    w.Put<SString>(result);
     w.Put<TEGLDisplay>(display);
     w.Put<TEGLintEnum>(name);
     return result;
@@ -122,7 +122,7 @@ const GLubyte* Call_glGetString(GLenum name) {
     const std::uint32_t error = thread.KeepGlError();
     CCallWriter w(thread, thread.Context()->IsEs1() ? es1_id::glGetString : es2_id::glGetString);
     w.Put<TGLError>(error);
-    w.PutString(result);
+    w.Put<SString>(result);
     w.Put<TGLenum>(name);
     return result;
 }
@@ -146,7 +146,7 @@ const GLubyte* Call_glGetStringi(GLenum name, GLuint index) {
     const std::uint32_t error = thread.KeepGlError();
     CCallWriter w(thread, es3_id::glGetStringi);
     w.Put<TGLError>(error);
-    w.PutString(result);
+    w.Put<SString>(result);
     w.Put<TGLenum>(name);
     w.Put<TGLuint>(index);
     return result;
@@ -172,7 +172,7 @@ void Call_glGetIntegerv(GLenum name, GLint* values) {
                   thread.Context()->IsEs1() ? es1_id::glGetIntegerv : es2_id::glGetIntegerv);
     w.Put<TGLError>(error);
     w.Put<TGLenum>(name);
-    w.PutArray<TGLint, 1>(values, error == GL_NO_ERROR ? ParameterCount(name) : 0);
+    w.Put<SArrayPtr<TGLint, 1, 1>>(values, error == GL_NO_ERROR ? ParameterCount(name) : 0);
 }
 
 GLenum Call_glGetError() {
@@ -203,14 +203,14 @@ void Record_glShaderSource(CThread& thread, GLenum error, GLuint shader, GLsizei
     w.Put<TGLuint>(Raised(shader, thread.Context()->objects->raised));
     w.Put<TGLsizei>(count);
     w.Put<TPointer>(strings);
-    w.PutNumber<4>(parts);
+    w.UInt32(parts);
     for (std::uint32_t i = 0; i < parts; ++i) {
         // A negative length is that of a text that ends by itself.
         const bool given = lengths != nullptr && lengths[i] >= 0;
-        w.PutString(strings[i],
-                    given ? static_cast<std::size_t>(lengths[i]) : std::strlen(strings[i]));
+        w.Put<SString>(strings[i],
+                       given ? static_cast<std::size_t>(lengths[i]) : std::strlen(strings[i]));
     }
-    w.PutArray<TGLint, 1>(lengths, parts);
+    w.Put<SArrayPtr<TGLint, 1, 1>>(lengths, parts);
 }
 
 }  // namespace kestrail::recorder

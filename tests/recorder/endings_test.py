@@ -59,6 +59,9 @@ ENDINGS = [
     # A signal handler that comes into an entry calls another.
     ("gl.glFlush(); frame(1); libc.signal(14, gl.glFlush); libc.ualarm(100, 100); frame(20000); libc.ualarm(0, 0)",
      0, [20001]),
+    # An array that isn't there any more, which no shader uses.
+    ("gl.glEnableVertexAttribArray(0); gl.glVertexAttribPointer(0, 4, 0x1406, 0, 0, c_void_p(4096))\n"
+     "gl.glDrawArrays(4, 0, 3000); frame(1)", 0, [1]),
     # Nothing can be looked up in the process, and it has no descriptors.
     ("os.closerange(0, 1000); libc.prctl(4, 0); frame(3)", 0, [3]),
     ("data = create_string_buffer(100 << 20); gl.glBindBuffer(0x8892, 1)\n"

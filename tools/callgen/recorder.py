@@ -105,27 +105,14 @@ def put(parameter, name, row, names):
         if cls == "SArrayPtr<TGLuint, 1, 1>":
             return f"record.PutNames({name}, {reach(parameter, row, names)}, {by});"
     if parameter.image:
-        return f"record.PutBlock({name}, captured);" if parameter.out else "captured.Put(record);"
-    if parameter.unpack:
-        return f"record.PutBlock({name}, offset ? 0 : {reach(parameter, row, names)});"
-    if cls.startswith("T"):
-        return f"record.Put<{cls}>({name});"
-    if cls == "SString":
+        return f"record.Put<{cls}>({name}, captured);" if parameter.out else "captured.Put(record);"
+    if cls == "SString" and parameter.out:
         room = next((names[p] for p in ("bufSize", "bufsize", "maxLength") if p in names), "")
-        return (f"record.PutText({name}, good ? {room} : 0);" if parameter.out
-                else f"record.PutString({name});")
-    if cls == "SEglAttribList":
-        return f"record.PutAttributes({name});"
-    shape = re.match(r"(SArrayPtr|SPtr)<(\w+), (\d+), (\d+)>$", cls)
-    if not shape:
-        return f"record.PutBlock({name}, {reach(parameter, row, names)});"
-    kind, value, rows, columns = shape.groups()
-    if value == "SString":
-        return f"record.PutStrings({name}, {reach(parameter, row, names)});"
-    size = int(rows) * int(columns)
-    if kind == "SPtr":
-        return f"record.PutItem<{value}, {size}>({name});"
-    return f"record.PutArray<{value}, {size}>({name}, {reach(parameter, row, names)});"
+        return f"record.PutText({name}, good ? {room} : 0);"
+    if cls.startswith("T") or cls in ("SString", "SEglAttribList") or cls.startswith("SPtr<"):
+        return f"record.Put<{cls}>({name});"
+    far = reach(parameter, row, names)
+    return f"record.Put<{cls}>({name}, {f'offset ? 0 : {far}' if parameter.unpack else far});"
 
 
 def record(row, prototype, indent):
@@ -139,8 +126,7 @@ def record(row, prototype, indent):
         lines.append("record.Put<TGLubyte>(thread->Context()->IsEs1() ? 1 : 2);")
     if row.returns:
         made = f"Raised(result, {raised('program')})" if row.entry.startswith("glCreate") else "result"
-        lines.append("record.PutString(result);" if row.returns == "SString"
-                     else f"record.Put<{row.returns}>({made});")
+        lines.append(f"record.Put<{row.returns}>({made});")
     for p in row.parameters:
         if not p.notread and not p.joins and not p.copies and not p.arrays:
             lines.append(put(p, names[p.name], row, names))

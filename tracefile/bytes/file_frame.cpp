@@ -1,6 +1,5 @@
 #include "tracefile/bytes/file_frame.h"
 
-#include <array>
 #include <cstring>
 #include <string_view>
 
@@ -11,11 +10,6 @@ constexpr std::string_view kMagic = "Kestrail";
 constexpr std::uint32_t kByteOrder = 0xFFFE0100;
 constexpr std::uint32_t kWrittenVersion = 14;
 constexpr std::uint32_t kWrittenTypeSet = 2;
-
-/// Widths of the type tags in files of the written version; negative for signed types.
-constexpr std::array<std::int8_t, 33> kWrittenWidths = {4, -4, 4,  4,  4,  4,  4,  4,  4,  4,  4,
-                                                        4, 4,  1,  4,  -1, -2, -4, -4, 1,  2,  4,
-                                                        4, 4,  -4, -4, -4, -4, 0,  -4, -4, -8, -8};
 
 void AppendUInt32(std::vector<std::uint8_t>& out, std::uint32_t value) {
     const std::size_t at = out.size();
