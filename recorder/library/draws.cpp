@@ -51,7 +51,7 @@ struct SCaptured {
     std::int64_t values;
     CReadable memory;
 };
-std::vector<SCaptured> Capture(const std::vector<SClientArray>& arrays, std::int64_t vertices) {
+std::vector<SCaptured> CaptureAll(const std::vector<SClientArray>& arrays, std::int64_t vertices) {
     std::vector<SCaptured> captured;
     for (const SClientArray& array : arrays) {
         std::int64_t values = vertices;
@@ -59,6 +59,12 @@ std::vector<SCaptured> Capture(const std::vector<SClientArray>& arrays, std::int
         captured.push_back({array, values, std::move(memory)});
     }
     return captured;
+}
+inline std::vector<SCaptured> Capture(const std::vector<SClientArray>& arrays,
+                                      std::int64_t vertices) {
+    // Most draws have none.
+    if (arrays.empty()) return {};
+    return CaptureAll(arrays, vertices);
 }
 
 /// A kind of array of ES1 by the enumerants that ask for its state; 0 where it has no such state.
