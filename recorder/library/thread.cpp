@@ -89,10 +89,10 @@ void KeepContext(SContext context, EGLContext share) {
     constexpr std::uint32_t kNameBits = 20;
     static std::uint32_t s_kept = 0;
     const std::lock_guard held(g_contextsLock);
-    context.raised = s_kept++ << kNameBits;
+    context.ownNames = s_kept++ << kNameBits;
     const SContext* const shared = Find(context.display, share);
     context.objects = shared != nullptr ? shared->objects : std::make_shared<SObjects>();
-    if (shared == nullptr) context.objects->raised = context.raised;
+    context.sharedNames = shared != nullptr ? shared->sharedNames : context.ownNames;
     context.users = 1;
     SContext*& place = Contexts()[{context.display, context.handle}];
     Release(std::exchange(place, new SContext(std::move(context))));

@@ -29,9 +29,6 @@ struct SStaysMapped {
 /// What is known of the objects that contexts share, by their names.
 struct SObjects {
     std::mutex lock;
-    /// What their names are raised by in the recording: the player has one table of names for all
-    /// contexts.
-    std::uint32_t raised = 0;
     std::map<std::uint32_t, SStaysMapped> stayMapped;
     std::atomic<bool> anyStaysMapped{false};
     /// What buffers hold, for hosts that don't give it back.
@@ -63,8 +60,10 @@ struct SContext {
 
     /// The record that made it current.
     std::vector<std::uint8_t> madeCurrent;
-    /// What the names of objects that it doesn't share are raised by in the recording.
-    std::uint32_t raised = 0;
+    /// What the names of its objects are raised by in the recording, of those that contexts share
+    /// and of its own: the player has one table of names for all contexts.
+    std::uint32_t sharedNames = 0;
+    std::uint32_t ownNames = 0;
 
     bool IsEs1() const { return version == 1; }
     ELibrary Library() const { return IsEs1() ? kEs1Library : kEs2Library; }

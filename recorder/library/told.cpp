@@ -200,7 +200,7 @@ void Record_glShaderSource(CThread& thread, GLenum error, GLuint shader, GLsizei
                            : 0;
     CCallWriter w(thread, es2_id::glShaderSource);
     w.Put<TGLError>(error);
-    w.Put<TGLuint>(Raised(shader, thread.Context()->objects->raised));
+    w.Put<TGLuint>(Raised(shader, thread.Context()->sharedNames));
     w.Put<TGLsizei>(count);
     w.Put<TPointer>(strings);
     w.UInt32(parts);

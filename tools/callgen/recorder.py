@@ -91,8 +91,8 @@ def found_before(row, names):
 def raised(name):
     """By what names of objects are raised that the player translates, by the parameter's name."""
     if re.fullmatch("(program|shader|texture|buffer|renderbuffer|sampler)s?", name):
-        return "thread->Context()->objects->raised"
-    return "thread->Context()->raised" if re.fullmatch("(framebuffer|array)s?", name) else None
+        return "thread->Context()->sharedNames"
+    return "thread->Context()->ownNames" if re.fullmatch("(framebuffer|array)s?", name) else None
 
 
 def put(parameter, name, row, names):
