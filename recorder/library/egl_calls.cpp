@@ -46,14 +46,26 @@ constexpr EGLint kConfigAttributes[] = {
     EGL_CONFORMANT,
 };
 
-/// Where the size of a window stands in the recording, until its first swap tells the one that
-/// counts: toolkits make windows anew between.
+/// A window as the recording has it.
 struct SWindow {
-    std::uint64_t place = 0;
+    EGLConfig config = nullptr;
+    const void* native = nullptr;
+    /// Of the configuration.
+    std::vector<EGLint> description = {};
     EGLint width = 0;
     EGLint height = 0;
+    /// Where the size stands, until its first swap tells the one that counts: toolkits make windows
+    /// anew between.
+    std::vector<std::uint64_t> places = {};
+    bool shown = false;
 };
 std::mutex g_windowsLock;
+/// The one that was recorded last: the player takes its size for that of whichever is drawn to.
+struct SLastWindow {
+    EGLSurface surface;
+    EGLint width;
+    EGLint height;
+} g_lastWindow;
 auto& Windows() {
     static auto& s_windows = *new std::map<std::pair<EGLDisplay, EGLSurface>, SWindow>;
     return s_windows;
@@ -143,6 +155,20 @@ EGLDisplay RecordPlatformDisplay(EGLDisplay result, EGLenum platform, const void
 }
 
 template <typename Attribute>
+void PutWindow(CThread& thread, EGLint error, EGLSurface result, EGLDisplay display,
+               SWindow& window, const Attribute* attributes) {
+    CCallWriter w(thread, egl_id::eglCreateWindowSurface);
+    w.PutAll<TEGLintEnum, TEGLSurface, TEGLDisplay, TEGLConfig, TEGLNativeWindowType>(
+        error, result, display, window.config, window.native);
+    if (!window.shown) window.places.push_back(w.Place());
+    w.UInt32(window.width);
+    w.UInt32(window.height);
+    w.Put<SEglAttribList>(attributes);
+    w.Put<SEglAttribList>(Data(window.description));
+    if (result != EGL_NO_SURFACE) g_lastWindow = {result, window.width, window.height};
+}
+
+template <typename Attribute>
 EGLSurface RecordWindowSurface(EGLSurface result, EGLDisplay display, EGLConfig config,
                                const void* window, const Attribute* attributes) {
     CThread& thread = CThread::Current();
@@ -153,15 +179,37 @@ EGLSurface RecordWindowSurface(EGLSurface result, EGLDisplay display, EGLConfig 
     const EGLint width = made ? SurfaceValue(display, result, EGL_WIDTH) : 0;
     const EGLint height = made ? SurfaceValue(display, result, EGL_HEIGHT) : 0;
     const std::lock_guard held(g_windowsLock);
-    CCallWriter w(thread, egl_id::eglCreateWindowSurface);
-    w.PutAll<TEGLintEnum, TEGLSurface, TEGLDisplay, TEGLConfig, TEGLNativeWindowType>(
-        error, result, display, config, window);
-    if (made) Windows()[{display, result}] = {w.Place(), width, height};
-    w.UInt32(width);
-    w.UInt32(height);
-    w.Put<SEglAttribList>(attributes);
-    w.Put<SEglAttribList>(Data(description));
+    SWindow recorded{config, window, description, width, height};
+    PutWindow(thread, error, result, display, recorded, attributes);
+    if (made) Windows()[{display, result}] = recorded;
     return result;
+}
+
+/// Has the player make the window's surface again, which sets the size that it goes by.
+void MakeAgain(CThread& thread, EGLDisplay display, EGLSurface surface, SWindow& window) {
+    {
+        CCallWriter w(thread, egl_id::eglMakeCurrent);
+        w.PutAll<TEGLintEnum, TEGLBoolean, TEGLDisplay, TEGLSurface, TEGLSurface>(
+            EGL_SUCCESS, EGL_TRUE, display, EGL_NO_SURFACE, EGL_NO_SURFACE);
+        w.PutAll<TEGLContext, TEGLConfig>(EGL_NO_CONTEXT, EGLConfig{});
+        w.Put<SEglAttribList>(Data({}));
+    }
+    {
+        CCallWriter w(thread, egl_id::eglDestroySurface);
+        w.PutAll<TEGLintEnum, TEGLBoolean, TEGLDisplay, TEGLSurface>(EGL_SUCCESS, EGL_TRUE, display,
+                                                                     surface);
+    }
+    PutWindow(thread, EGL_SUCCESS, surface, display, window, Data({}));
+}
+
+/// Ahead of a surface being made current.
+void TellSize(CThread& thread, EGLDisplay display, EGLSurface surface) {
+    const std::lock_guard held(g_windowsLock);
+    const auto found = Windows().find({display, surface});
+    if (found == Windows().end()) return;
+    SWindow& window = found->second;
+    if (window.width == g_lastWindow.width && window.height == g_lastWindow.height) return;
+    MakeAgain(thread, display, surface, window);
 }
 
 void RecordContext(CThread& thread, EGLint error, EGLContext result, EGLDisplay display,
@@ -195,15 +243,19 @@ EGLSurface RecordPixmapSurface(EGLSurface result, EGLDisplay display, EGLConfig 
 void TellWindowSize(EGLDisplay display, EGLSurface surface) {
     const std::lock_guard held(g_windowsLock);
     const auto found = Windows().find({display, surface});
-    if (found == Windows().end()) return;
-    const SWindow& window = found->second;
+    if (found == Windows().end() || found->second.shown) return;
+    SWindow& window = found->second;
+    window.shown = true;
     const EGLint width = SurfaceValue(display, surface, EGL_WIDTH);
     const EGLint height = SurfaceValue(display, surface, EGL_HEIGHT);
-    if (width != window.width || height != window.height) {
-        CRecorder::Instance().Amend(window.place, static_cast<std::uint32_t>(width),
+    if (width == window.width && height == window.height) return;
+    for (const std::uint64_t place : window.places) {
+        CRecorder::Instance().Amend(place, static_cast<std::uint32_t>(width),
                                     static_cast<std::uint32_t>(height));
     }
-    Windows().erase(found);
+    window.width = width;
+    window.height = height;
+    if (g_lastWindow.surface == surface) g_lastWindow = {surface, width, height};
 }
 
 /// Swaps by `swap`, and records the swap with the picture where one is wanted.
@@ -313,6 +365,7 @@ EGLBoolean Call_eglMakeCurrent(EGLDisplay display, EGLSurface draw, EGLSurface r
     const EGLContext known = found ? handle : EGL_NO_CONTEXT;
     const EGLConfig config = found.value_or(nullptr);
     const std::vector<EGLint> description = Describe(display, config);
+    if (result == EGL_TRUE && known != EGL_NO_CONTEXT) TellSize(thread, display, draw);
     CCallWriter w(thread, egl_id::eglMakeCurrent);
     w.PutAll<TEGLintEnum, TEGLBoolean, TEGLDisplay>(error, result, display);
     w.Put<TEGLSurface>(known != EGL_NO_CONTEXT ? draw : EGL_NO_SURFACE);

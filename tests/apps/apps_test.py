@@ -165,7 +165,7 @@ def check(row, build, folder):
             same += [number for number in range(1, 1 + row.get("small", 0)) if pictures[number] is None]
             if len(same) != len(pictures) or drawn.keys() != pictures.keys():
                 faults.append(f"{trace.name} {mode}: other than recorded: "
-                              f"{sorted((pictures.keys() | drawn.keys()) - set(same))}")
+                              f"{sorted((pictures.keys() | drawn.keys()) - set(same))[:20]}")
             if odd := complaints.keys() - row.get("refused", {}).keys():
                 faults.append(f"{trace.name} {mode}: not played: {sorted(odd)}")
     if odd := left_out.keys() - row.get("left_out", {}).keys():
