@@ -201,7 +201,7 @@ int Render(CFrameStore& trace, const Frames& frames, const SFramesOptions& optio
         return report.Status();
     };
     const auto total = static_cast<std::uint32_t>(frames.size());
-    const int status = RunJobs(jobs, job, lines, counts, total, kExitDriver);
+    const int status = RunJobs(jobs, job, lines, counts, total);
     if (!options.outputs.compareWith || counts->compared != 0 || status > kExitFound) return status;
     std::fprintf(stderr, "kestrail frames: no frame had a picture to compare with\n");
     return kExitFound;

@@ -15,6 +15,8 @@
 #include <thread>
 #include <vector>
 
+#include "companion/exit_status.h"
+
 namespace kestrail {
 namespace {
 
@@ -61,17 +63,19 @@ struct SChild {
     std::FILE* lines = nullptr;
 };
 
-[[noreturn]] void BecomeJob(std::size_t number, const Job& job, std::FILE* lines, pid_t parent,
-                            int died) {
+[[noreturn]] void BecomeJob(std::size_t number, const Job& job, std::FILE* lines, pid_t parent) {
     prctl(PR_SET_PDEATHSIG, SIGTERM);
-    if (getppid() != parent) _exit(died);
-    int status = died;
+    if (getppid() != parent) _exit(kExitDriver);
+    int status = kExitDriver;
     try {
         status = job(number, lines);
     } catch (const std::exception& reason) {
         std::fprintf(stderr, "kestrail: job %zu: %s\n", number + 1, reason.what());
     }
-    std::fflush(lines);
+    if (std::fflush(lines) != 0 || std::ferror(lines) != 0) {
+        std::fprintf(stderr, "kestrail: what job %zu printed can't be written\n", number + 1);
+        status = kExitOutput;
+    }
     // What the driver arranged for its end belongs to processes that end by themselves.
     _exit(status);
 }
@@ -98,24 +102,19 @@ CSharedCounts::~CSharedCounts() {
 }
 
 int RunJobs(std::size_t jobs, const Job& job, std::FILE* lines, const CSharedCounts& counts,
-            std::uint32_t total, int died) {
-    if (jobs <= 1) {
-        const CProgress progress(counts, total);
-        return job(0, lines);
-    }
+            std::uint32_t total) {
     std::vector<SChild> children(jobs);
     const pid_t parent = getpid();
-    int worst = 0;
+    int worst = kExitDone;
     std::fflush(lines);
     for (std::size_t number = 0; number < jobs; ++number) {
         SChild& child = children[number];
-        child.lines = std::tmpfile();
+        child.lines = jobs == 1 ? lines : std::tmpfile();
         if (child.lines != nullptr) child.process = fork();
-        if (child.process == 0) BecomeJob(number, job, child.lines, parent, died);
+        if (child.process == 0) BecomeJob(number, job, child.lines, parent);
         if (child.process < 0) {
             std::perror("kestrail: a job can't be started");
-            worst = died;
-            if (child.lines != nullptr) std::fclose(child.lines);
+            worst = kExitOutput;
             children.resize(number);
             break;
         }
@@ -128,7 +127,8 @@ int RunJobs(std::size_t jobs, const Job& job, std::FILE* lines, const CSharedCou
             std::fprintf(stderr, "kestrail: job %zu ended by signal %d\n", number + 1,
                          WTERMSIG(status));
         }
-        worst = std::max(worst, WIFEXITED(status) ? WEXITSTATUS(status) : died);
+        worst = std::max(worst, WIFEXITED(status) ? WEXITSTATUS(status) : int{kExitDriver});
+        if (children[number].lines == lines) continue;
         Copy(children[number].lines, lines);
         std::fclose(children[number].lines);
     }

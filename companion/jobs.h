@@ -29,10 +29,11 @@ private:
 /// Does part `number`, from 0, writes lines and counts what it has done. Returns an exit status.
 using Job = std::function<int(std::size_t number, std::FILE* lines)>;
 
-/// Runs that many jobs, a process each if there are more than one, and writes their lines one job
-/// after the other. While it lasts, a terminal on standard error is told how much of `total` they
-/// have counted as done. Returns the largest status; a job that dies is told, and counts as `died`.
+/// Runs jobs, a process each, so that a driver that dies takes none with it but its own, and writes
+/// their lines one job after the other. While it lasts, a terminal on standard error is told how
+/// much of `total` they have counted as done. Returns the largest status, with a message for each
+/// job that dies or can't write.
 int RunJobs(std::size_t jobs, const Job& job, std::FILE* lines, const CSharedCounts& counts,
-            std::uint32_t total, int died);
+            std::uint32_t total);
 
 }  // namespace kestrail

@@ -1,16 +1,20 @@
-// Plays an input as a trace on a host that does nothing: in sequence, whole and streamed, and by
-// seeking its frames.
+// Plays an input as a trace on a host that does nothing: in sequence, whole and streamed, by
+// seeking its frames, and by rendering them alone.
 #include <algorithm>
 
 #include "base/output.h"
 #include "fuzz/fuzz_input.h"
 #include "host/host_lib.h"
 #include "playback/advanced_playback_interface.h"
+#include "playback/frame_renderer.h"
 #include "playback/playback_interface.h"
 #include "tracefile/document/trace_document.h"
 
 namespace kestrail {
 namespace {
+
+/// A full block for each of the loads would take most of the time.
+constexpr std::uint32_t kBlock = 0x100000;
 
 /// The program ends with these on purpose.
 template <typename Play>
@@ -66,14 +70,28 @@ void PlaySoughtFrames(const char* path) {
     }
 }
 
+void RenderFrames(const char* path) {
+    CTraceDocument document(output::Printed());
+    document.Stream().Memory().Allocate(kBlock);
+    document.SetTrackState(false);
+    document.OpenTrace(path, true);
+    CFrameStore* const trace = document.GetFrameStore();
+    if (trace == nullptr || trace->CallCount() == 0) return;
+    const std::uint32_t last = ShownFrames(*trace);
+    CSlicer slicer(*trace);
+    CFrameRenderer renderer(*trace, output::Printed(), EScreen::kWindows);
+    const auto ignore = [](const SRenderedFrame&) {};
+    renderer.Render(slicer, {last}, ignore);
+    renderer.Render(slicer, {1, 2, last}, ignore);
+    PictureInTrace(*trace, last);
+}
+
 }  // namespace
 }  // namespace kestrail
 
 extern "C" int LLVMFuzzerInitialize(int* /*count*/, char*** /*arguments*/) {
-    // A full block for each of three loads would take most of the time.
-    constexpr std::uint32_t kBlock = 0x100000;
     kestrail::Silence();
-    kestrail::SetReadBlock(kBlock);
+    kestrail::SetReadBlock(kestrail::kBlock);
     return 0;
 }
 
@@ -83,5 +101,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     kestrail::Permit([&] { calls = kestrail::PlayWhole(path); });
     kestrail::Permit([&] { kestrail::PlayStreamed(path, 2 * calls + 16); });
     kestrail::Permit([path] { kestrail::PlaySoughtFrames(path); });
+    kestrail::Permit([path] { kestrail::RenderFrames(path); });
     return 0;
 }

@@ -11,14 +11,20 @@
 namespace kestrail {
 namespace {
 
-constexpr EGLint kMostSize = 0xFFFF;
-
-/// A window is its size in pixels. None has a size of 0, so that no window is none.
+/// A window is its size in pixels: both halves of a number. As window systems do, sizes are refused
+/// that drivers would take for what they can draw on, and end the process with.
 NativeWindow MakeWindow(std::int32_t width, std::int32_t height, const char*, NativeDisplay) {
-    const bool sized = width > 0 && height > 0;
-    const auto w = static_cast<std::uintptr_t>(sized ? std::min(width, kMostSize) : 640);
-    const auto h = static_cast<std::uintptr_t>(sized ? std::min(height, kMostSize) : 480);
-    return reinterpret_cast<NativeWindow>(reinterpret_cast<void*>(w << 16 | h));
+    constexpr std::int32_t kMostSize = 1 << 14;
+    constexpr std::int32_t kMostPixels = 1 << 26;
+    if (width <= 0 || height <= 0) {
+        width = 640;
+        height = 480;
+    }
+    if (width > kMostSize || height > kMostSize || height > kMostPixels / width)
+        return NativeWindow{};
+    const auto packed =
+        static_cast<std::uintptr_t>(width) << 16 | static_cast<std::uintptr_t>(height);
+    return reinterpret_cast<NativeWindow>(reinterpret_cast<void*>(packed));
 }
 
 bool Knows(SEglHost& egl, std::string_view extension) {
@@ -109,8 +115,9 @@ EGLBoolean EGLAPIENTRY ChooseConfig(EGLDisplay display, const EGLint* attributes
 EGLSurface EGLAPIENTRY CreateWindowSurface(EGLDisplay display, EGLConfig config,
                                            EGLNativeWindowType window, const EGLint*) {
     const auto packed = reinterpret_cast<std::uintptr_t>(reinterpret_cast<void*>(window));
+    if (packed == 0) return EGL_NO_SURFACE;
     const EGLint attributes[] = {EGL_WIDTH, static_cast<EGLint>(packed >> 16), EGL_HEIGHT,
-                                 static_cast<EGLint>(packed & kMostSize), EGL_NONE};
+                                 static_cast<EGLint>(packed & 0xFFFF), EGL_NONE};
     return GetEglHost()->eglCreatePbufferSurface(display, config, attributes);
 }
 
