@@ -10,6 +10,7 @@ constexpr std::uint32_t kProcess = 1;
 constexpr std::uint32_t kNoContext = 2;  ///< stands for the context where none is current
 constexpr std::uint32_t kTargets = 4;
 constexpr std::uint64_t kAllLevels = ~std::uint64_t{0};
+constexpr std::uint64_t kKept = 1;  ///< of kStorage, for a surface that swaps leave alone
 constexpr std::int32_t kMostLevels = 16;
 
 std::uint64_t ImagePlace(std::int32_t level, std::int32_t layer) {
@@ -298,6 +299,10 @@ void CEffects::CreateSurface(std::uint32_t display, std::uint32_t surface) {
     Create(EObject::kSurface, surface);
 }
 
+void CEffects::KeepSurface(std::uint32_t surface) {
+    Set(Find(EObject::kSurface, surface), ESlot::kStorage, kKept, 1);
+}
+
 void CEffects::SizeSurface(std::uint32_t surface, std::int32_t width, std::int32_t height) {
     Set(Find(EObject::kSurface, surface), ESlot::kStorage, 0, Packed(width, height));
 }
@@ -326,6 +331,7 @@ void CEffects::SwapBuffers(std::uint32_t surface) {
     const std::uint32_t shown = Named(EObject::kSurface, surface);
     ReadSlot(shown, ESlot::kAttribute);
     ReadPlace(shown, ESlot::kContent, 0);
+    if (Peek(shown, ESlot::kStorage, kKept) != 0) return;
     // Without a promise, what the window holds from then on is nothing to build on. Those who ask
     // how old it is do.
     const bool kept = Peek(shown, ESlot::kAttribute, EGL_SWAP_BEHAVIOR) == EGL_BUFFER_PRESERVED ||

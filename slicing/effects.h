@@ -172,6 +172,8 @@ public:
     void BindApi();
     void CreateContext(std::uint32_t display, std::uint32_t share, std::uint32_t context);
     void CreateSurface(std::uint32_t display, std::uint32_t surface);
+    /// Swaps leave it alone, as those of pbuffers.
+    void KeepSurface(std::uint32_t surface);
     void SizeSurface(std::uint32_t surface, std::int32_t width, std::int32_t height);
     void MakeCurrent(std::uint32_t context, std::uint32_t draw, std::uint32_t read);
     void SurfaceAttribute(std::uint32_t surface, std::uint32_t attribute, std::uint32_t value);
@@ -355,7 +357,9 @@ private:
     /// `units`: those that the value may name, as bits.
     void SetUniform(std::int32_t location, std::uint32_t units);
     void ReadSampled(std::uint32_t program);
-    std::uint32_t SampledUnits(std::uint32_t program);
+    /// By kind of target, the texture units that are sampled, as bits.
+    using SampledUnits = std::array<std::uint32_t, 4>;
+    SampledUnits FindSampled(std::uint32_t program);
     void ReadArrays();
 
     FindCall m_findCall;

@@ -37,10 +37,24 @@ std::string_view NextWord(std::string_view& text) {
     return word;
 }
 
-/// The names of the samplers that a shader's text declares, those left out by its conditions too;
-/// false where it holds some that have no name of their own.
-bool FindSamplers(std::string_view text, std::vector<std::string>& names) {
+struct SSampler {
+    std::string name;
+    std::uint32_t kind = 0;  ///< of target
+    bool operator==(const SSampler&) const = default;
+};
+
+/// The kind of target that a type of samplers takes textures from.
+std::uint32_t KindOfSampler(std::string_view type) {
+    if (type.find("Cube") != std::string_view::npos) return 1;
+    if (type.find("3D") != std::string_view::npos) return 2;
+    return type.find("2DArray") != std::string_view::npos ? 3 : 0;
+}
+
+/// The samplers that a shader's text declares, those left out by its conditions too; false where it
+/// holds some that have no name of their own.
+bool FindSamplers(std::string_view text, std::vector<SSampler>& found) {
     bool sampler = false;
+    std::uint32_t kind = 0;
     bool plain = true;
     std::string_view before;
     int depth = 0;
@@ -48,13 +62,14 @@ bool FindSamplers(std::string_view text, std::vector<std::string>& names) {
         if (word == "{" || word == "(") ++depth;
         if (word == "}" || word == ")") --depth;
         if (sampler && IsWord(word[0]) && word != "lowp" && word != "mediump" && word != "highp") {
-            names.emplace_back(word);
+            found.push_back({std::string(word), kind});
             before = word;
             sampler = false;
         } else if (word.find("sampler") != std::string_view::npos && IsWord(word[0])) {
             // In a structure it is named behind that, as the parameter of a function not at all.
             if (depth > 0) plain = plain && before == "(";
             sampler = depth == 0;
+            kind = KindOfSampler(word);
         }
     }
     return plain;
@@ -151,11 +166,14 @@ void CEffects::UniformBlock(std::uint32_t program, std::uint32_t block) {
     Set(used, ESlot::kUniformBlock, block);
 }
 
-std::uint32_t CEffects::SampledUnits(std::uint32_t program) {
-    std::vector<std::string> samplers;
-    bool plain = true;
+CEffects::SampledUnits CEffects::FindSampled(std::uint32_t program) {
+    SampledUnits units{};
+    const auto any = [&](std::uint32_t which) {
+        for (std::uint32_t& kind : units) kind |= which;
+    };
     const std::uint32_t build = Place(program, ESlot::kBuild, 0, false);
-    if (build == 0) return 1;
+    std::vector<SSampler> samplers;
+    bool plain = build != 0;
     for (const SJournal::SEntry& entry : m_journals[build].entries) {
         if (entry.since >= m_at || entry.value == 0) continue;
         const std::uint32_t source = Place(entry.value, ESlot::kSource, 0, false);
@@ -174,9 +192,6 @@ std::uint32_t CEffects::SampledUnits(std::uint32_t program) {
         }
         plain = FindSamplers(text, samplers) && plain;
     }
-    if (plain && samplers.empty() && !m_journals[build].entries.empty()) return 0;
-    std::uint32_t units = 0;
-    std::size_t known = 0;
     for (const std::uint32_t number : m_objects[program].journals) {
         const SJournal& journal = m_journals[number];
         if (journal.slot != ESlot::kUniformLocation) continue;
@@ -186,19 +201,22 @@ std::uint32_t CEffects::SampledUnits(std::uint32_t program) {
             &m_findCall(journal.entries[found - 1].call));
         std::string_view name = call != nullptr ? call->name.GetCString() : "";
         name = name.substr(0, name.find('['));
-        const bool sampler = std::find(samplers.begin(), samplers.end(), name) != samplers.end();
-        if (!sampler && plain) continue;
-        if (sampler) ++known;
         const std::uint32_t set = Place(program, ESlot::kUniform, journal.place, false);
         const std::uint32_t value = set != 0 ? m_journals[set].Find(m_at) : 0;
-        units |= value != 0 && m_journals[set].entries[value - 1].call != 0
-                     ? m_journals[set].entries[value - 1].value
-                     : 1;
+        const std::uint32_t named = value != 0 && m_journals[set].entries[value - 1].call != 0
+                                        ? m_journals[set].entries[value - 1].value
+                                        : 1;
+        if (!plain) any(named);
+        const auto sampler = std::find_if(samplers.begin(), samplers.end(),
+                                          [&](const SSampler& s) { return s.name == name; });
+        if (sampler == samplers.end()) continue;
+        units[sampler->kind] |= named;
+        std::erase(samplers, SSampler(*sampler));
     }
-    std::sort(samplers.begin(), samplers.end());
-    samplers.erase(std::unique(samplers.begin(), samplers.end()), samplers.end());
     // Those that nobody asked for have the first one.
-    return known < samplers.size() || !plain ? units | 1 : units;
+    for (const SSampler& sampler : samplers) units[sampler.kind] |= 1;
+    if (!plain) any(1);
+    return units;
 }
 
 void CEffects::ReadSampled(std::uint32_t program) {
@@ -213,11 +231,15 @@ void CEffects::ReadSampled(std::uint32_t program) {
         }
         return;
     }
-    const std::uint32_t units = SampledUnits(program);
+    const SampledUnits units = FindSampled(program);
     for (std::uint32_t unit = 0; unit < 32; ++unit) {
-        if ((units >> unit & 1) == 0) continue;
-        for (std::uint32_t kind = 0; kind < 4; ++kind) read(unit, kind);
-        ReadWhole(Peek(m_context, ESlot::kBoundSampler, unit));
+        bool sampled = false;
+        for (std::uint32_t kind = 0; kind < units.size(); ++kind) {
+            if ((units[kind] >> unit & 1) == 0) continue;
+            sampled = true;
+            read(unit, kind);
+        }
+        if (sampled) ReadWhole(Peek(m_context, ESlot::kBoundSampler, unit));
     }
 }
 

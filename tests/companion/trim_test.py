@@ -1,25 +1,22 @@
 #!/usr/bin/env python3
 """Checks that what `kestrail trim` cuts out of a trace draws what the trace draws there.
 
-    trim_test.py COMMAND PLAYER TRACES...
+    trim_test.py COMMAND PLAYER LASTING TRACES...
 
-A trace without pictures is played and recorded with them first. A display is wanted.
+A trace without pictures is played and recorded with them first. LASTING is the program of
+samples/lasting. A display is wanted.
 """
 
 import random
 import struct
-import subprocess
 import sys
 import tempfile
 from pathlib import Path
 
+from support import recorded, run
+
 SWAP = 1022
 EDITS = 0x17  # behind the length of the width table
-
-
-def run(*command):
-    return subprocess.run([str(word) for word in command], capture_output=True, text=True,
-                          timeout=200, check=False)
 
 
 def pictures(path):
@@ -39,16 +36,14 @@ def pictures(path):
     return found
 
 
-def main(command, player, *traces):
+def main(command, player, lasting, *traces):
     choose = random.Random(13)
     with tempfile.TemporaryDirectory() as folder:
         small, drawn = Path(folder, "small.kstl"), Path(folder, "drawn.kstl")
-        for trace in traces:
+        for trace in (recorded(command, folder, lasting), *traces):
+            if not any(pictures(trace)):
+                trace = recorded(command, folder, player, trace)
             kept = pictures(trace)
-            if not any(kept):
-                copy = Path(folder, Path(trace).name)
-                run(command, "record", "--pictures", "-o", copy, "--", player, trace)
-                trace, kept = copy, pictures(copy)
             known = [number for number, picture in enumerate(kept, 1) if picture]
             for first in sorted(choose.sample(known, min(3, len(known)))):
                 last = min(first + 2, len(kept))
