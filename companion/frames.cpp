@@ -1,3 +1,4 @@
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
@@ -40,13 +41,14 @@ struct SFramesOptions {
     std::size_t shards = 1;
 };
 
-/// Standard output for data alone: what libraries print there goes to standard error.
+/// Standard output for data alone: what the player and libraries print there goes nowhere.
 class CDataStream {
 public:
     CDataStream() : m_file(fdopen(dup(STDOUT_FILENO), "w")) {
         if (m_file == nullptr) throw std::runtime_error("there is no standard output");
-        std::fflush(stdout);
-        dup2(STDERR_FILENO, STDOUT_FILENO);
+        const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
+        dup2(nowhere, STDOUT_FILENO);
+        close(nowhere);
     }
     ~CDataStream() {
         if (m_file != nullptr) std::fclose(m_file);
@@ -235,7 +237,7 @@ int RunFrames(Arguments arguments) {
     if (frames.empty()) {
         std::fprintf(stderr, "kestrail frames: --frames: '%s' is no list of frames from 1 to %u\n",
                      options.list.c_str(), count);
-        return kExitUsage;
+        return std::max<int>(status, kExitUsage);
     }
     frames = PartOf(frames, options.shard, options.shards);
     if (!MakeFolder(options.outputs.folder)) return kExitOutput;

@@ -23,8 +23,9 @@ namespace {
 /// Tells a terminal now and then, from a thread of its own, and wipes the line at the end.
 class CProgress {
 public:
-    CProgress(const CSharedCounts& counts, std::uint32_t total) {
-        if (isatty(STDERR_FILENO) == 0) return;
+    /// `shown`: what is done shows by itself.
+    CProgress(const CSharedCounts& counts, std::uint32_t total, bool shown) {
+        if (shown || isatty(STDERR_FILENO) == 0) return;
         m_thread = std::thread([this, &counts, total] { Tell(counts, total); });
     }
     ~CProgress() {
@@ -80,6 +81,15 @@ struct SChild {
     _exit(status);
 }
 
+/// The job's exit status.
+int WaitFor(pid_t process, std::size_t number) {
+    int status = 0;
+    waitpid(process, &status, 0);
+    if (WIFEXITED(status)) return WEXITSTATUS(status);
+    std::fprintf(stderr, "kestrail: job %zu ended by signal %d\n", number + 1, WTERMSIG(status));
+    return kExitDriver;
+}
+
 void Copy(std::FILE* from, std::FILE* to) {
     std::rewind(from);
     char block[1 << 14];
@@ -119,18 +129,16 @@ int RunJobs(std::size_t jobs, const Job& job, std::FILE* lines, const CSharedCou
             break;
         }
     }
-    const CProgress progress(counts, total);
-    for (std::size_t number = 0; number < children.size(); ++number) {
-        int status = 0;
-        waitpid(children[number].process, &status, 0);
-        if (WIFSIGNALED(status)) {
-            std::fprintf(stderr, "kestrail: job %zu ended by signal %d\n", number + 1,
-                         WTERMSIG(status));
+    {
+        const CProgress progress(counts, total, jobs == 1 && isatty(fileno(lines)) != 0);
+        for (std::size_t number = 0; number < children.size(); ++number) {
+            worst = std::max(worst, WaitFor(children[number].process, number));
         }
-        worst = std::max(worst, WIFEXITED(status) ? WEXITSTATUS(status) : int{kExitDriver});
-        if (children[number].lines == lines) continue;
-        Copy(children[number].lines, lines);
-        std::fclose(children[number].lines);
+    }
+    if (jobs == 1) return worst;
+    for (const SChild& child : children) {
+        Copy(child.lines, lines);
+        std::fclose(child.lines);
     }
     return worst;
 }
