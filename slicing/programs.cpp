@@ -50,27 +50,52 @@ std::uint32_t KindOfSampler(std::string_view type) {
     return type.find("2DArray") != std::string_view::npos ? 3 : 0;
 }
 
+bool IsSamplerType(std::string_view word) {
+    if (!word.empty() && (word[0] == 'i' || word[0] == 'u')) word.remove_prefix(1);
+    constexpr std::string_view kStart = "sampler";
+    return word.starts_with(kStart) && word.size() > kStart.size() &&
+           std::string_view("23CE").find(word[kStart.size()]) != std::string_view::npos;
+}
+
+/// Whether a macro stands for a type of samplers, so that they are declared under other names.
+bool HidesSamplers(std::string_view text) {
+    for (std::size_t at = text.find("#"); at != std::string_view::npos; at = text.find("#", at)) {
+        const std::string_view line = text.substr(at, text.find('\n', at) - at);
+        if (line.find("define") != std::string_view::npos &&
+            line.find("sampler") != std::string_view::npos) {
+            return true;
+        }
+        at += line.size();
+    }
+    return false;
+}
+
 /// The samplers that a shader's text declares, those left out by its conditions too; false where it
 /// holds some that have no name of their own.
 bool FindSamplers(std::string_view text, std::vector<SSampler>& found) {
-    bool sampler = false;
+    bool plain = !HidesSamplers(text);
+    // Behind the type, or behind a comma of the same declaration.
+    bool named = false;
+    bool declares = false;
     std::uint32_t kind = 0;
-    bool plain = true;
     std::string_view before;
     int depth = 0;
     for (std::string_view word = NextWord(text); !word.empty(); word = NextWord(text)) {
+        const bool precise = word == "lowp" || word == "mediump" || word == "highp";
         if (word == "{" || word == "(") ++depth;
         if (word == "}" || word == ")") --depth;
-        if (sampler && IsWord(word[0]) && word != "lowp" && word != "mediump" && word != "highp") {
-            found.push_back({std::string(word), kind});
-            before = word;
-            sampler = false;
-        } else if (word.find("sampler") != std::string_view::npos && IsWord(word[0])) {
-            // In a structure it is named behind that, as the parameter of a function not at all.
-            if (depth > 0) plain = plain && before == "(";
-            sampler = depth == 0;
+        if (word == ";") declares = named = false;
+        if (word == "," && declares) named = true;
+        if (IsSamplerType(word)) {
+            // In a structure it is named behind that; the parameter of a function is another's.
+            if (depth > 0) plain = plain && (before == "(" || before == "," || before == "in");
+            declares = named = depth == 0;
             kind = KindOfSampler(word);
+        } else if (named && IsWord(word[0]) && !precise) {
+            found.push_back({std::string(word), kind});
+            named = false;
         }
+        if (!precise) before = word;
     }
     return plain;
 }
