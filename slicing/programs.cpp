@@ -59,7 +59,7 @@ bool IsSamplerType(std::string_view word) {
 
 /// Whether a macro stands for a type of samplers, so that they are declared under other names.
 bool HidesSamplers(std::string_view text) {
-    for (std::size_t at = text.find("#"); at != std::string_view::npos; at = text.find("#", at)) {
+    for (std::size_t at = text.find('#'); at != std::string_view::npos; at = text.find('#', at)) {
         const std::string_view line = text.substr(at, text.find('\n', at) - at);
         if (line.find("define") != std::string_view::npos &&
             line.find("sampler") != std::string_view::npos) {
