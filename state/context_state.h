@@ -34,7 +34,6 @@ struct SAttachmentState {
 struct SFramebufferState {
     std::uint32_t name = 0;
     std::uint8_t everBound = 0;
-    bool incomplete = false;  ///< it has attachments or draw buffers that the record hasn't
     SAttachmentState depth;
     SAttachmentState stencil;
     SAttachmentState depthStencil;

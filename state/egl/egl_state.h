@@ -65,7 +65,6 @@ struct SEglSurfaceRecord {
     SSharedEglAttributes configAttributes;
     std::int32_t height = 0;
     std::int32_t width = 0;
-    bool preserved = false;  ///< a swap leaves the colors there; no seek sets it
     SEglNativeWindowDesc window;
 };
 

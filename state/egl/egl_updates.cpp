@@ -85,14 +85,6 @@ bool CEgl_eglDestroySurface_v1::UpdateState(CEglState& state, SUpdates&) {
     return true;
 }
 
-bool CEgl_eglSurfaceAttrib_v1::UpdateState(CEglState& state, SUpdates&) {
-    if (attribute.GetValue() != EGL_SWAP_BEHAVIOR) return false;
-    if (state.surfaces.Find(surface.GetValue()) == nullptr) return false;
-    state.surfaces.GetOrCreate(surface.GetValue()).preserved =
-        value.GetValue() == EGL_BUFFER_PRESERVED;
-    return false;
-}
-
 bool CEgl_eglTerminate_v1::UpdateState(CEglState& state, SUpdates&) {
     // Kept: every display goes with the one; tools compare seeks.
     state = CEglState();

@@ -220,7 +220,6 @@ public:
     /// By recorded name, then level.
     TShared<TStateTable<TShared<TStateTable<STextureImage1State>>>> textures;
     std::int32_t paletteIndex = 0;
-    bool makesMipmaps = false;  ///< some texture has GL_GENERATE_MIPMAP; no seek sets it
 
     const STextureImage1State* FindImage(std::uint32_t name, std::uint32_t level) const;
     /// The image to change; a default one is made where there is none.

@@ -43,9 +43,6 @@ void SetEnvValue(CEs1State& state, Field field, Value value) {
 
 bool SetTexParameter(CEs1State& state, const TGLenum& target, const TGLenum& pname,
                      const CNumbers& value) {
-    if (pname.GetValue() == GL_GENERATE_MIPMAP && value.Count() != 0 && value.Integer() != 0) {
-        state.makesMipmaps = true;
-    }
     const std::uint32_t* bound = BoundTexture(state, target.GetValue());
     if (value.Count() == 0 || bound == nullptr || *bound == 0) return false;
     const std::size_t place = PlaceIn(kTexture1Parameters, pname.GetValue());

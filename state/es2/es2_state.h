@@ -172,22 +172,6 @@ inline constexpr std::array<std::uint32_t, 9> kEs2Capabilities = {
     GL_DITHER,          GL_POLYGON_OFFSET_FILL, GL_SAMPLE_ALPHA_TO_COVERAGE,
     GL_SAMPLE_COVERAGE, GL_SCISSOR_TEST,        GL_STENCIL_TEST};
 
-/// What else of ES3 has a bearing on contents. No seek sets it.
-struct SContentBindings {
-    static constexpr std::array<std::uint32_t, 7> kBuffers = {
-        GL_PIXEL_PACK_BUFFER, GL_PIXEL_UNPACK_BUFFER,       GL_ARRAY_BUFFER,  GL_COPY_READ_BUFFER,
-        GL_COPY_WRITE_BUFFER, GL_TRANSFORM_FEEDBACK_BUFFER, GL_UNIFORM_BUFFER};
-    static constexpr std::size_t kPack = 0;
-    static constexpr std::size_t kUnpack = 1;
-
-    std::array<std::uint32_t, kBuffers.size()> buffers{};  ///< in the order of `kBuffers`
-    std::uint32_t drawFramebuffer = 0;
-    std::uint32_t readFramebuffer = 0;
-    bool surfaceDrawn = true;   ///< glDrawBuffers may turn it off
-    bool feedback = false;      ///< transform feedback has begun
-    bool otherBuffers = false;  ///< draws may read buffers that the record doesn't tell
-};
-
 class CEs2State : public TContextState<SVertexArrayState> {
 public:
     /// With the values of a new context, and program 0.
@@ -223,7 +207,6 @@ public:
     TShared<TStateTable<TShared<TStateTable<SAttributeState>>>> attributeValues;
     /// What glBindAttribLocation set, by the same keys.
     TShared<TStateTable<TShared<TStateTable<SAttributeState>>>> attributeBindings;
-    SContentBindings content;
 
     /// The image at (name, face, level); null when there is none.
     const STextureImageState* FindImage(std::uint32_t name, std::uint32_t face,

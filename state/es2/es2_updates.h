@@ -29,13 +29,6 @@ bool UpdateSubImage(CEs2State& state, const SImagePlace& place, std::uint32_t le
 /// The bytes that the image's layout takes, at most all ones.
 std::uint64_t LayoutSize(const STextureImageState& image);
 
-/// Notes what is bound to a target of `SContentBindings`.
-void BindContentBuffer(CEs2State& state, std::uint32_t target, std::uint32_t name);
-
-/// Marks the framebuffers whose record isn't right from now on: an attachment goes to the one that
-/// is bound to `target`, while the record `held` it for the one that was bound last, or didn't.
-void MarkAttached(CEs2State& state, std::uint32_t target, bool held);
-
 bool SetTexParameter(CEs2State& state, const TGLenum& target, const TGLenum& pname,
                      const CNumbers& numbers);
 

@@ -62,30 +62,10 @@ bool SetAttribEnabled(CEs2State& state, std::uint32_t index, std::uint8_t enable
     return true;
 }
 
-void MarkIncomplete(CEs2State& state, std::uint32_t framebuffer) {
-    const SFramebufferState* found = state.framebuffers->Find(framebuffer);
-    if (found == nullptr || found->incomplete) return;
-    state.framebuffers.Write().Find(framebuffer)->incomplete = true;
-}
-
 }  // namespace
-
-void BindContentBuffer(CEs2State& state, std::uint32_t target, std::uint32_t name) {
-    const std::size_t place = PlaceIn(SContentBindings::kBuffers, target);
-    if (place < SContentBindings::kBuffers.size()) state.content.buffers[place] = name;
-}
-
-void MarkAttached(CEs2State& state, std::uint32_t target, bool held) {
-    const std::uint32_t framebuffer = target == GL_READ_FRAMEBUFFER ? state.content.readFramebuffer
-                                                                    : state.content.drawFramebuffer;
-    if (held && framebuffer == state.boundFramebuffer) return;
-    MarkIncomplete(state, framebuffer);
-    if (held) MarkIncomplete(state, state.boundFramebuffer);
-}
 
 bool CEs2_glBindBuffer_v1::UpdateState(CEs2State& state, SUpdates&) {
     const std::uint32_t name = buffer.GetValue();
-    BindContentBuffer(state, target.GetValue(), name);
     const std::uint32_t* bound = BoundBuffer(state, target.GetValue());
     if (bound == nullptr) return false;
     if (*bound == name && state.HasCurrentVertexArray()) return true;
@@ -104,21 +84,15 @@ bool CEs2_glBufferSubData_v1::UpdateState(CEs2State& state, SUpdates& updates) {
 }
 
 bool CEs2_glDeleteBuffers_v1::UpdateState(CEs2State& state, SUpdates&) {
-    for (std::uint32_t& bound : state.content.buffers) Unbind(bound, NamesOf(buffers));
     return EraseRecords(state.buffers, NamesOf(buffers));
 }
 
 bool CEs2_glBindFramebuffer_v1::UpdateState(CEs2State& state, SUpdates&) {
-    const std::uint32_t name = framebuffer.GetValue();
-    if (target.GetValue() != GL_READ_FRAMEBUFFER) state.content.drawFramebuffer = name;
-    if (target.GetValue() != GL_DRAW_FRAMEBUFFER) state.content.readFramebuffer = name;
-    return BindRecord(state.framebuffers, state.boundFramebuffer, name);
+    return BindRecord(state.framebuffers, state.boundFramebuffer, framebuffer.GetValue());
 }
 
 bool CEs2_glFramebufferRenderbuffer_v1::UpdateState(CEs2State& state, SUpdates&) {
-    const bool held = target.GetValue() == GL_FRAMEBUFFER && IsAttachment(attachment.GetValue());
-    MarkAttached(state, target.GetValue(), held);
-    if (!held) return false;
+    if (target.GetValue() != GL_FRAMEBUFFER || !IsAttachment(attachment.GetValue())) return false;
     SFramebufferState* bound = WriteFramebuffer(state);
     if (bound == nullptr) return false;
     Attachment(*bound, attachment.GetValue()) = {renderbuffer.GetValue(), 0, 0, GL_RENDERBUFFER};
@@ -126,7 +100,6 @@ bool CEs2_glFramebufferRenderbuffer_v1::UpdateState(CEs2State& state, SUpdates&)
 }
 
 bool CEs2_glFramebufferTexture2D_v1::UpdateState(CEs2State& state, SUpdates&) {
-    MarkAttached(state, target.GetValue(), IsAttachment(attachment.GetValue()));
     if (!IsAttachment(attachment.GetValue())) return false;
     SFramebufferState* bound = WriteFramebuffer(state);
     if (bound == nullptr) return false;
@@ -141,8 +114,6 @@ bool CEs2_glGenFramebuffers_v1::UpdateState(CEs2State& state, SUpdates&) {
 }
 
 bool CEs2_glDeleteFramebuffers_v1::UpdateState(CEs2State& state, SUpdates&) {
-    Unbind(state.content.drawFramebuffer, NamesOf(framebuffers));
-    Unbind(state.content.readFramebuffer, NamesOf(framebuffers));
     return EraseRecords(state.framebuffers, state.boundFramebuffer, NamesOf(framebuffers));
 }
 

@@ -38,10 +38,6 @@ bool CEs3_glTexSubImage3D_v1::UpdateState(CEs2State& state, SUpdates& updates) {
 }
 
 bool CEs3_glDrawBuffers_v1::UpdateState(CEs2State& state, SUpdates&) {
-    MarkAttached(state, GL_FRAMEBUFFER, true);
-    if (state.content.drawFramebuffer == 0) {
-        state.content.surfaceDrawn = bufs.ItemCount() != 0 && bufs.GetItem(0) != GL_NONE;
-    }
     const SFramebufferState* found = state.framebuffers->Find(state.boundFramebuffer);
     if (found == nullptr || n.GetValue() < 0) return false;
     const std::uint32_t count = std::min({static_cast<std::uint32_t>(n.GetValue()),
@@ -55,39 +51,6 @@ bool CEs3_glDrawBuffers_v1::UpdateState(CEs2State& state, SUpdates&) {
             .assign(values, values + count);
     }
     // Kept: handled, and told as not handled; tools count the calls that a record takes.
-    return false;
-}
-
-// What follows is told to nobody but the list of effects, so it counts as not handled.
-bool CEs3_glFramebufferTextureLayer_v1::UpdateState(CEs2State& state, SUpdates&) {
-    MarkAttached(state, target.GetValue(), false);
-    return false;
-}
-
-bool CEs3_glBindBufferBase_v1::UpdateState(CEs2State& state, SUpdates&) {
-    BindContentBuffer(state, target.GetValue(), buffer.GetValue());
-    state.content.otherBuffers = true;
-    return false;
-}
-
-bool CEs3_glBindBufferRange_v1::UpdateState(CEs2State& state, SUpdates&) {
-    BindContentBuffer(state, target.GetValue(), buffer.GetValue());
-    state.content.otherBuffers = true;
-    return false;
-}
-
-bool CEs3_glVertexAttribIPointer_v1::UpdateState(CEs2State& state, SUpdates&) {
-    state.content.otherBuffers = true;
-    return false;
-}
-
-bool CEs3_glBeginTransformFeedback_v1::UpdateState(CEs2State& state, SUpdates&) {
-    state.content.feedback = true;
-    return false;
-}
-
-bool CEs3_glEndTransformFeedback_v1::UpdateState(CEs2State& state, SUpdates&) {
-    state.content.feedback = false;
     return false;
 }
 
