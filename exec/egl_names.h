@@ -8,8 +8,8 @@
 
 #include "base/enumerants.h"
 #include "base/name_table.h"
-#include "exec/client_memory.h"
 #include "calls/reach/pixel_store.h"
+#include "exec/client_memory.h"
 
 namespace kestrail {
 

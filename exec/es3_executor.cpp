@@ -1,6 +1,7 @@
 #include "exec/es3_executor.h"
 
 #include <algorithm>
+#include <vector>
 
 #include "exec/es2_executor.h"
 #include "exec/indexed_draws.h"
@@ -93,6 +94,20 @@ EPlayed PlayGlMapBufferRange(SEs3Play& c, SEs3_glMapBufferRange call) {
     return EPlayed::kPlayed;
 }
 
+EPlayed PlayGlTransformFeedbackVaryings(SEs3Play& c, SEs3_glTransformFeedbackVaryings call) {
+    const auto* const program = c.names.GetProgramRecord(call.program());
+    const auto& varyings = call.varyings();
+    if (program == nullptr || call.count() < 0) return EPlayed::kFailed;
+    std::vector<const char*> names;
+    for (std::uint32_t i = 0; i < varyings.ElementCount(); ++i) {
+        names.push_back(varyings.GetItem(i).GetCString());
+    }
+    if (names.size() < static_cast<std::size_t>(call.count())) return EPlayed::kFailed;
+    c.host.glTransformFeedbackVaryings(program->liveName, call.count(), names.data(),
+                                       call.bufferMode());
+    return EPlayed::kPlayed;
+}
+
 EPlayed PlayGlFenceSync(SEs3Play& c, SEs3_glFenceSync call) {
     const GLsync live = c.host.glFenceSync(call.condition(), call.flags());
     c.names.Syncs().Set(call.result(), reinterpret_cast<std::uintptr_t>(live));
@@ -112,7 +127,9 @@ EPlayed PlayGlClientWaitSync(SEs3Play& c, SEs3_glClientWaitSync call) {
 
 EPlayed PlayGlWaitSync(SEs3Play& c, SEs3_glWaitSync call) {
     // Kept: 32 of 64 recorded bits, which drivers may refuse; tools compare host calls.
-    c.host.glWaitSync(LiveSync(c, call.sync()), call.flags(), call.timeout());
+    // A record keeps the lower half of the only timeout that there is.
+    const GLuint64 timeout = c.player.playsAll ? GL_TIMEOUT_IGNORED : call.timeout();
+    c.host.glWaitSync(LiveSync(c, call.sync()), call.flags(), timeout);
     return EPlayed::kPlayed;
 }
 

@@ -22,6 +22,9 @@ struct SPlayerState : SSession {
     bool sync = false;
     /// ES2 calls that failed when recorded are left out.
     bool skipCallOnError = true;
+    /// What players leave out is played as far as its record holds it. Tools want it, players
+    /// never.
+    bool playsAll = false;
     /// The host's error is read after each call.
     bool checkErrors = false;
     /// 1-based position in the trace of the last call that the edit lists name.

@@ -39,6 +39,7 @@ struct SRenderSession : SPlayerState {
         store = &trace;
         sync = true;
         checkErrors = true;
+        playsAll = true;
     }
     ~SRenderSession() {
         SEglHost& egl = hosts.Egl();

@@ -132,6 +132,7 @@ private:
 
 union CRecorder::UInstance {
     constexpr UInstance() : recorder() {}
+    // NOLINTNEXTLINE(modernize-use-equals-default): a union's own would be deleted.
     ~UInstance() {}
 
     CRecorder recorder;

@@ -9,6 +9,7 @@ functions Play<Entry-point> that what is played by hand is left to.
 
 import re
 import sys
+from dataclasses import replace
 from pathlib import Path
 
 from table import load
@@ -127,6 +128,10 @@ def names_call(row):
 
 
 def body(row):
+    if row.exactly:
+        played = body(replace(row, play=row.exactly, exactly=""))
+        return ["if (c.player.playsAll) {", *(f"    {line}" for line in played), "}",
+                f"return EPlayed::{UNPLAYED[row.play]};"]
     if row.play in UNPLAYED:
         return [f"return EPlayed::{UNPLAYED[row.play]};"]
     if row.play == "hand":
@@ -178,9 +183,9 @@ def declarations(family, layouts):
            '#include "exec/play_context.h"', '#include "exec/played.h"',
            "", "namespace kestrail {", ""]
     for rows in layouts:
-        if rows[-1].play not in UNPLAYED:
+        if rows[-1].play not in UNPLAYED or rows[-1].exactly:
             out += values(rows)
-    for row in (rows[-1] for rows in layouts if rows[-1].play == "hand"):
+    for row in (rows[-1] for rows in layouts if "hand" in (rows[-1].play, rows[-1].exactly)):
         apis = row.apis or (family,)
         context = "Context" if len(apis) > 1 else f"S{apis[0].capitalize()}Play"
         if len(apis) > 1:

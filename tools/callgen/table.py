@@ -2,7 +2,7 @@
 
 A row is a head line and one indented line for each parameter:
 
-    identifier entry-point vRECORD FIRST-LAST "category" play [returns CLASS] [on APIS] [state]
+    identifier entry-point vRECORD FIRST-LAST "category" play [exactly=PLAY] [returns CLASS] [on APIS] [state]
         name class [keywords]
 
 RECORD is the file version that brought this layout of the record; FIRST and LAST are the file
@@ -25,6 +25,9 @@ How a call is played:
     fail     counts as failed
     hand     a function of the executor's room, Play<Entry-point>
     none     no executor has it
+
+exactly=PLAY, behind one of skip, check and fail: how the call is played all the same where a frame is to
+be what it was (SPlayerState::playsAll).
 
 Keywords of a parameter:
     hidden      stands behind the visible ones, for the player alone
@@ -89,6 +92,7 @@ class Row:
     last: int  # 0: no upper bound
     category: str
     play: str
+    exactly: str
     returns: str = ""
     apis: tuple = ()
     state: str = ""
@@ -112,7 +116,7 @@ STATES = {"egl": "CEglState", "es1": "CEs1State", "es2": "CEs2State", "es3": "CE
           "ext": "CEs1State"}
 PLAYS = {"plain", "bind", "gen", "genonce", "delete", "skip", "check", "test", "fail", "hand", "none"}
 HEAD = re.compile(
-    r'^(\d+) (\w+) v(\d+) (\d+)-(\d*) "([^"]*)" (\w+)(?: returns (\S+))?(?: on (\S+))?'
+    r'^(\d+) (\w+) v(\d+) (\d+)-(\d*) "([^"]*)" (\w+)(?: exactly=(\w+))?(?: returns (\S+))?(?: on (\S+))?'
     r'(?: (state(?:=\w+)?))?$')
 
 
@@ -169,9 +173,9 @@ def load(path):
                 raise SystemExit(f"{where}: not a row: {line.rstrip()}")
             rows.append(Row(family, int(match.group(1)), match.group(2), int(match.group(3)),
                             int(match.group(4)), int(match.group(5) or 0), match.group(6),
-                            match.group(7), cpp_class(match.group(8) or ""),
-                            tuple((match.group(9) or "").split(",")) if match.group(9) else (),
-                            match.group(10) or ""))
+                            match.group(7), match.group(8) or "", cpp_class(match.group(9) or ""),
+                            tuple((match.group(10) or "").split(",")) if match.group(10) else (),
+                            match.group(11) or ""))
     for row in rows:
         check_reach(row, path)
     return rows
