@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <string>
 
+#include "companion/command_line.h"
 #include "companion/exit_status.h"
 #include "companion/frame_list.h"
 #include "companion/frame_reasons.h"
@@ -119,9 +120,7 @@ std::optional<int> Parse(Arguments arguments, SFramesOptions& options) {
     bool headless = !HasDisplay();
     AddOptions(app, options, size, shard, compareWith, headless);
     SFrameOutputs& outputs = options.outputs;
-    std::reverse(arguments.begin(), arguments.end());
-    try {
-        app.parse(arguments);
+    return ParseArguments(app, std::move(arguments), [&] {
         if (!size.empty() && !ParseSize(size, outputs)) {
             throw CLI::ValidationError("--size", "is WxH, such as 320x240");
         }
@@ -138,14 +137,7 @@ std::optional<int> Parse(Arguments arguments, SFramesOptions& options) {
             fs::equivalent(compareWith, outputs.folder, none)) {
             throw CLI::ValidationError("-o", "is the folder to compare with");
         }
-    } catch (const CLI::CallForHelp&) {
-        std::fputs(app.help().c_str(), stdout);
-        return kExitDone;
-    } catch (const CLI::ParseError& wrong) {
-        std::fprintf(stderr, "kestrail frames: %s\nSee kestrail frames --help\n", wrong.what());
-        return kExitUsage;
-    }
-    return {};
+    });
 }
 
 /// Null without any call; says what is wrong.

@@ -14,6 +14,7 @@
 #include <optional>
 #include <string>
 
+#include "companion/command_line.h"
 #include "companion/exit_status.h"
 #include "companion/verbs.h"
 #include "recorder/channel/trace_sink.h"
@@ -77,9 +78,7 @@ std::optional<int> Parse(Arguments arguments, SRecordOptions& options) {
     app.add_flag("--no-limit", noLimit, "tell PROGRAM of what a trace can't hold, too");
     app.add_option("--summary", options.summary, "write what was recorded as JSON")
         ->type_name("FILE");
-    std::reverse(arguments.begin(), arguments.end());
-    try {
-        app.parse(arguments);
+    const std::optional<int> status = ParseArguments(app, std::move(arguments), [&] {
         options.program = app.remaining();
         if (!options.program.empty() && options.program[0] == "--") {
             options.program.erase(options.program.begin());
@@ -93,13 +92,8 @@ std::optional<int> Parse(Arguments arguments, SRecordOptions& options) {
         if (only.size() >= sizeof options.settings.only) {
             throw CLI::ValidationError("--only", "is too long");
         }
-    } catch (const CLI::CallForHelp&) {
-        std::fputs(app.help().c_str(), stdout);
-        return kExitDone;
-    } catch (const CLI::ParseError& wrong) {
-        std::fprintf(stderr, "kestrail record: %s\nSee kestrail record --help\n", wrong.what());
-        return kExitUsage;
-    }
+    });
+    if (status) return status;
     std::strcpy(options.settings.only, only.c_str());
     options.settings.follow = !noFollow;
     options.settings.limit = !noLimit;

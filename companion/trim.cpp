@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <filesystem>
 
+#include "companion/command_line.h"
 #include "companion/exit_status.h"
 #include "companion/verbs.h"
 
@@ -41,9 +42,7 @@ int RunTrim(Arguments arguments) {
     app.add_flag("--force", force, "write over a file that is there");
     app.add_flag("--drop-unused", drop, "leave out objects that no frame uses (default)");
     app.add_flag("--no-drop-unused", keep, "keep them");
-    std::reverse(arguments.begin(), arguments.end());
-    try {
-        app.parse(arguments);
+    const std::optional<int> status = ParseArguments(app, std::move(arguments), [&] {
         int used = 0;
         const std::string& text = frames;
         const bool range =
@@ -55,13 +54,8 @@ int RunTrim(Arguments arguments) {
         if (used == 0 || static_cast<std::size_t>(used) != text.size()) {
             throw CLI::ValidationError("--frames", "is A or A-B");
         }
-    } catch (const CLI::CallForHelp&) {
-        std::fputs(app.help().c_str(), stdout);
-        return kExitDone;
-    } catch (const CLI::ParseError& wrong) {
-        std::fprintf(stderr, "kestrail trim: %s\nSee kestrail trim --help\n", wrong.what());
-        return kExitUsage;
-    }
+    });
+    if (status) return *status;
     if (keep && !drop) wanted.unused = EUnused::kKept;
     if (std::filesystem::exists(wanted.output) && !force) {
         std::fprintf(stderr, "kestrail trim: %s is there; --force writes over it\n",
@@ -76,6 +70,11 @@ int RunTrim(Arguments arguments) {
                      static_cast<unsigned long long>(done.bytes));
         if (done.unused != 0) std::fprintf(stderr, "; %u objects left out", done.unused);
         std::fputc('\n', stderr);
+        if (done.damaged) {
+            std::fprintf(stderr, "kestrail trim: %s is damaged; it ends behind %u calls\n",
+                         wanted.trace.c_str(), done.callsInTrace);
+            return kExitTrace;
+        }
     } catch (const STrimFailure& failure) {
         std::fprintf(stderr, "kestrail trim: %s\n", failure.text.c_str());
         return StatusOf(failure.kind);

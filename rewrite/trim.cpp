@@ -140,7 +140,7 @@ STrimmed Trim(const STrim& wanted) {
     CTraceDocument document(quiet);
     document.SetTrackState(false);
     document.SetKeepOffsets(true);
-    document.OpenTrace(CKSTLString(wanted.trace.c_str()), true);
+    const EOpenResult opened = document.OpenTrace(CKSTLString(wanted.trace.c_str()), true);
     CFrameStore* const trace = document.GetFrameStore();
     if (trace == nullptr || trace->CallCount() == 0) {
         throw STrimFailure{STrimFailure::EKind::kTrace, wanted.trace + " can't be read"};
@@ -156,6 +156,8 @@ STrimmed Trim(const STrim& wanted) {
     }
     STrimmed done;
     done.unused = slice.unused;
+    done.damaged = opened != kOpened;
+    done.callsInTrace = trace->CallCount();
     done.stateCalls = static_cast<std::uint32_t>(slice.calls.size());
     done.calls = stretch.last - stretch.first + 1;
     std::vector<std::uint32_t> taken = slice.calls;
@@ -194,7 +196,9 @@ STrimmed Trim(const STrim& wanted) {
     output.close();
     if (!output) {
         std::error_code ignored;
-        std::filesystem::remove(wanted.output, ignored);
+        if (std::filesystem::is_regular_file(wanted.output, ignored)) {
+            std::filesystem::remove(wanted.output, ignored);
+        }
         throw STrimFailure{STrimFailure::EKind::kOutput, wanted.output + " can't be written"};
     }
     return done;

@@ -23,6 +23,8 @@ struct STrimmed {
     std::uint32_t calls = 0;       ///< of the frames
     std::uint32_t unused = 0;      ///< objects that none of the frames uses, left out
     std::uint64_t bytes = 0;
+    bool damaged = false;            ///< the trace ends in the middle of a record
+    std::uint32_t callsInTrace = 0;  ///< up to where it ends
 };
 
 /// Why a trace couldn't be cut.

@@ -148,6 +148,15 @@ std::uint32_t CEffects::Named(EObject kind, std::uint32_t name) {
     return object;
 }
 
+std::uint32_t CEffects::BoundNow(EObject kind, std::uint32_t name) {
+    const std::uint32_t object = Named(kind, name);
+    if (object != 0 && !Resolves() && !m_objects[object].bound) {
+        m_objects[object].bound = true;
+        if (m_objects[object].born != m_at) Add(object, ESlot::kExistence, 0, 0);
+    }
+    return object;
+}
+
 std::uint32_t CEffects::Place(std::uint32_t object, ESlot slot, std::uint64_t place, bool make) {
     if (object == 0) return 0;
     std::uint32_t* kept = nullptr;
@@ -451,7 +460,7 @@ std::uint32_t CEffects::BoundTexture(std::uint32_t target) {
 }
 
 void CEffects::Bind(ESlot slot, std::uint64_t place, EObject kind, std::uint32_t name) {
-    Set(m_context, slot, place, Named(kind, name));
+    Set(m_context, slot, place, BoundNow(kind, name));
     if (slot == ESlot::kBoundSampler && place < 0x100) {
         m_units = std::max(m_units, static_cast<std::uint32_t>(place) + 1);
     }
@@ -463,7 +472,7 @@ std::uint32_t CEffects::VertexArray() {
 }
 
 void CEffects::BindBuffer(std::uint32_t target, std::uint32_t name) {
-    const std::uint32_t buffer = Named(EObject::kBuffer, name);
+    const std::uint32_t buffer = BoundNow(EObject::kBuffer, name);
     if (target == GL_ELEMENT_ARRAY_BUFFER) {
         Set(VertexArray(), ESlot::kElements, 0, buffer);
     } else {
@@ -472,7 +481,7 @@ void CEffects::BindBuffer(std::uint32_t target, std::uint32_t name) {
 }
 
 void CEffects::BindIndexedBuffer(std::uint32_t target, std::uint32_t index, std::uint32_t name) {
-    const std::uint32_t buffer = Named(EObject::kBuffer, name);
+    const std::uint32_t buffer = BoundNow(EObject::kBuffer, name);
     Set(m_context, ESlot::kIndexedBuffer, std::uint64_t{target} << 32 | index, buffer);
     Set(m_context, ESlot::kBoundBuffer, target, buffer);
 }
@@ -483,7 +492,7 @@ std::uint32_t CEffects::BoundBuffer(std::uint32_t target) {
 }
 
 void CEffects::BindFramebuffer(std::uint32_t target, std::uint32_t name) {
-    const std::uint32_t framebuffer = Named(EObject::kFramebuffer, name);
+    const std::uint32_t framebuffer = BoundNow(EObject::kFramebuffer, name);
     if (target != GL_READ_FRAMEBUFFER) {
         Set(m_context, ESlot::kBoundDrawFramebuffer, 0, framebuffer);
     }
@@ -649,6 +658,18 @@ void CEffects::ReadBuffer(std::uint32_t source) {
     Set(framebuffer != 0 ? framebuffer : m_context, ESlot::kReadBuffer, 0, color < 31 ? color : 0);
 }
 
+void CEffects::ReadFramebuffer(std::uint32_t framebuffer) {
+    if (!Resolves()) return;
+    ReadWhole(framebuffer);
+    for (const std::uint32_t number : m_objects[framebuffer].journals) {
+        const SJournal& journal = m_journals[number];
+        const std::uint32_t value = journal.slot == ESlot::kAttachment ? Peek(journal) : 0;
+        if (value == 0) continue;
+        ReadPlace(m_attached[value - 1].object, ESlot::kExistence);
+        ReadSlot(m_attached[value - 1].object, ESlot::kStorage);
+    }
+}
+
 template <typename Visit>
 void CEffects::VisitTargets(bool read, std::uint32_t aspects, std::uint32_t colors, Visit visit) {
     const std::uint32_t framebuffer = Framebuffer(read);
@@ -666,7 +687,7 @@ void CEffects::VisitTargets(bool read, std::uint32_t aspects, std::uint32_t colo
         }
         return;
     }
-    ReadWhole(framebuffer);
+    ReadFramebuffer(framebuffer);
     const auto attached = [&](std::uint32_t place, std::uint32_t aspect) {
         const std::uint32_t value = Peek(framebuffer, ESlot::kAttachment, place);
         if (value == 0) return;
@@ -676,8 +697,6 @@ void CEffects::VisitTargets(bool read, std::uint32_t aspects, std::uint32_t colo
         target.place = (found.texture ? ImagePlace(found.level, found.layer) : 0) | aspect;
         std::uint32_t size = Peek(found.object, ESlot::kStorage,
                                   found.texture ? ImagePlace(found.level, found.layer) : 0);
-        ReadSlot(found.object, ESlot::kStorage);
-        ReadPlace(found.object, ESlot::kExistence);
         if (const std::uint32_t whole = Peek(found.object, ESlot::kStorage, kAllLevels)) {
             size = Packed(std::max(1, static_cast<std::int32_t>(whole >> 16) >> found.level),
                           std::max(1, static_cast<std::int32_t>(whole & 0xFFFF) >> found.level));

@@ -136,6 +136,7 @@ struct SObject {
     std::uint32_t born = 0;      ///< the first call that named it
     std::uint32_t died = 0;      ///< the call that deleted it
     std::uint32_t previous = 0;  ///< the object that had the name before
+    bool bound = false;          ///< it was, which makes it one for drivers
     std::vector<std::uint32_t> journals;
 };
 
@@ -308,6 +309,8 @@ private:
     std::uint32_t Scope(EObject kind);
     /// Likewise, with its being there read or, by the call that names it first, made.
     std::uint32_t Named(EObject kind, std::uint32_t name);
+    /// Likewise, by a call that binds it.
+    std::uint32_t BoundNow(EObject kind, std::uint32_t name);
     /// What bound the object doesn't any more.
     void Unbind(EObject kind, std::uint32_t object);
     /// 0 if it isn't there and `make` isn't set.
@@ -350,6 +353,8 @@ private:
     void Attach(std::uint32_t target, std::uint32_t attachment, const SAttached& attached);
     template <typename Visit>
     void VisitTargets(bool read, std::uint32_t aspects, std::uint32_t colors, Visit visit);
+    /// A framebuffer with all that makes it complete.
+    void ReadFramebuffer(std::uint32_t framebuffer);
     void ReadAttached(std::uint32_t aspects, std::uint32_t colors);
     std::uint32_t DrawnColors();
     bool ScissorLetsThrough(const STarget& target);

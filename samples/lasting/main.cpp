@@ -148,6 +148,13 @@ void Prepare(SScene& scene) {
                                scene.textures[i], 0);
         glClear(GL_COLOR_BUFFER_BIT);
     }
+    // A framebuffer is complete with it alone, though nobody tests depth.
+    GLuint depth = 0;
+    glGenRenderbuffers(1, &depth);
+    glBindRenderbuffer(GL_RENDERBUFFER, depth);
+    glRenderbufferStorage(GL_RENDERBUFFER, GL_DEPTH_COMPONENT16, kSide, kSide);
+    Onto(scene.framebuffers[2]);
+    glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_RENDERBUFFER, depth);
     glGenTextures(1, &scene.cubeMap);
     glBindTexture(GL_TEXTURE_CUBE_MAP, scene.cubeMap);
     for (GLenum face = 0; face < 6; ++face) {

@@ -3,7 +3,8 @@
 
 Each program of programs.toml is recorded with pictures and its trace played in both load modes. The
 player's frames are caught by a host library that knows nothing of the recorder, and have to be equal
-to the pictures byte for byte. A line for each program tells what was seen; exit status 77 if the
+to the pictures byte for byte; so have frames that are rendered without those before, alone and cut out
+of the trace. A line for each program tells what was seen; exit status 77 if the
 packages of all that were asked for are missing.
 
 With --peer the programs are recorded by apitrace at the same time, which stands between them and the
@@ -138,6 +139,19 @@ def play(build, trace, options, folder):
     return drawn, complaints
 
 
+def check_alone(build, trace, frames):
+    """What of frames is other than recorded when they are rendered without all that is before, as texts."""
+    def fault(*words):
+        done = subprocess.run([build / "bin/kestrail", *words], capture_output=True, text=True, check=False)
+        return [f"{' '.join(map(str, words))}: {done.stdout[-300:]}{done.stderr[-300:]}"] if done.returncode else []
+    faults = fault("frames", trace)
+    small = trace.with_suffix(".small")
+    for frame in sorted({frames[len(frames) // 2], frames[-1]}):
+        faults += fault("frames", trace, f"--frames={frame}")
+    return (faults + fault("trim", trace, f"--frames={frames[-1]}", "--force", "-o", small) +
+            fault("frames", small))
+
+
 def check(row, build, folder):
     """What is wrong with a program's recording, as texts, and its line of the table."""
     faults = []
@@ -168,6 +182,8 @@ def check(row, build, folder):
                               f"{sorted((pictures.keys() | drawn.keys()) - set(same))[:20]}")
             if odd := complaints.keys() - row.get("refused", {}).keys():
                 faults.append(f"{trace.name} {mode}: not played: {sorted(odd)}")
+        shown = [number for number, picture in pictures.items() if picture]
+        faults += check_alone(build, trace, shown) if shown else []
     if odd := left_out.keys() - row.get("left_out", {}).keys():
         faults.append(f"not in the trace: {sorted(odd)}")
     told = ", ".join(f"{name} ({number})" for name, number in left_out.items()) or "-"

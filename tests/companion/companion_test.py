@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """What the verbs of the command print, by cases written as a session at a shell.
 
-    companion_test.py COMMAND PLAYER TRACE CASES      a display is wanted
+    companion_test.py COMMAND PLAYER TRACE CASES...   a display is wanted
     companion_test.py png TRACE FRAME FILE            whether a PNG file is the picture in a trace
 
 `$ LINE` runs a line in a folder of the case's own. Behind it stand what it prints, `? STATUS` if that
@@ -77,7 +77,7 @@ def run_case(steps, folder, environment):
     return ""
 
 
-def main(command, player, trace, cases):
+def main(command, player, trace, *files):
     environment = dict(os.environ, PATH=f"{Path(command).resolve().parent}:{os.environ['PATH']}",
                        PYTHON=sys.executable, TEST=str(Path(__file__).resolve()))
     failed = 0
@@ -85,7 +85,8 @@ def main(command, player, trace, cases):
         pictures = Path(name, "pictures.kstl")
         subprocess.run([command, "record", "--pictures", "-o", pictures, "--", player, trace],
                        capture_output=True, timeout=100, check=True)
-        for number, (case, steps) in enumerate(sections(Path(cases))):
+        cases = [case for file in files for case in sections(Path(file))]
+        for number, (case, steps) in enumerate(cases):
             folder = Path(name, str(number))
             folder.mkdir()
             Path(folder, "bare.kstl").symlink_to(Path(trace).resolve())
