@@ -772,19 +772,22 @@ void CEffects::ReadBufferOf(std::uint32_t target) {
 void CEffects::MapBuffer(std::uint32_t target) {
     const std::uint32_t buffer = BoundBuffer(target);
     ReadPlace(buffer, ESlot::kStorage);
+    Set(buffer, ESlot::kMapping);
+}
+
+void CEffects::EndMapping(std::uint32_t target) {
+    const std::uint32_t buffer = BoundBuffer(target);
     ReadPlace(buffer, ESlot::kMapping);
+    // Who maps unmaps.
+    const std::uint32_t mapping = Resolves() ? 0 : Place(buffer, ESlot::kMapping, 0, false);
+    if (mapping != 0) m_endings.emplace(m_journals[mapping].entries.back().call, m_at);
     Set(buffer, ESlot::kMapping);
 }
 
 void CEffects::UnmapBuffer(std::uint32_t target, std::uint32_t size) {
     const std::uint32_t buffer = BoundBuffer(target);
     const std::uint32_t whole = Value(buffer, ESlot::kStorage);
-    ReadPlace(buffer, ESlot::kMapping);
-    if (!Resolves() && buffer != 0) {
-        const std::uint32_t mapping = Place(buffer, ESlot::kMapping, 0, false);
-        if (mapping != 0) m_endings.emplace(m_journals[mapping].entries.back().call, m_at);
-    }
-    Set(buffer, ESlot::kMapping);
+    EndMapping(target);
     if (whole != 0 && size == whole) {
         Set(buffer, ESlot::kContent);
     } else {

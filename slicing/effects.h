@@ -239,6 +239,8 @@ public:
     void BufferPart(std::uint32_t target, std::int32_t offset, std::int32_t size);
     void ReadBufferOf(std::uint32_t target);
     void MapBuffer(std::uint32_t target);
+    void EndMapping(std::uint32_t target);
+    /// `size` bytes were written through the pointer, from the start on.
     void UnmapBuffer(std::uint32_t target, std::uint32_t size);
     void Feedback(bool begins, bool active);
 
