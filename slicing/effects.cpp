@@ -10,6 +10,7 @@ constexpr std::uint32_t kProcess = 1;
 constexpr std::uint32_t kNoContext = 2;  ///< stands for the context where none is current
 constexpr std::uint32_t kTargets = 4;
 constexpr std::uint64_t kAllLevels = ~std::uint64_t{0};
+constexpr std::uint32_t kNone = ~std::uint32_t{0};  ///< of a journal: there isn't one yet
 constexpr std::uint64_t kKept = 1;  ///< of kStorage, for a surface that swaps leave alone
 constexpr std::int32_t kMostLevels = 16;
 
@@ -166,7 +167,8 @@ std::uint32_t CEffects::Place(std::uint32_t object, ESlot slot, std::uint64_t pl
             m_keptPlaces = {};
         }
         kept = &m_keptPlaces[static_cast<std::size_t>(slot)];
-        if (*kept != 0) return *kept;
+        if (*kept == kNone && !make) return 0;
+        if (*kept != 0 && *kept != kNone) return *kept;
     }
     const std::uint32_t hash =
         CFlatIndex::Hash(place, std::uint64_t{object} << 8 | static_cast<std::uint64_t>(slot));
@@ -174,7 +176,7 @@ std::uint32_t CEffects::Place(std::uint32_t object, ESlot slot, std::uint64_t pl
         const SJournal& journal = m_journals[number];
         return journal.object == object && journal.slot == slot && journal.place == place;
     });
-    if (found != 0 && kept != nullptr) *kept = found;
+    if (kept != nullptr) *kept = found != 0 ? found : kNone;
     if (found != 0 || !make) return found;
     const auto made = static_cast<std::uint32_t>(m_journals.size());
     SJournal& journal = m_journals.emplace_back();
@@ -183,6 +185,7 @@ std::uint32_t CEffects::Place(std::uint32_t object, ESlot slot, std::uint64_t pl
     journal.place = place;
     m_objects[object].journals.push_back(made);
     m_places.Add(hash, made);
+    if (kept != nullptr) *kept = made;
     return made;
 }
 

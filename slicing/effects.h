@@ -92,7 +92,7 @@ enum class ESlot : std::uint8_t {
     kArrayDivisor,
 };
 
-struct SJournal {
+struct alignas(64) SJournal {
     /// One thing done to a place. What counts of those before it is found by going from one to the
     /// other.
     struct SEntry {
